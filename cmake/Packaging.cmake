@@ -1,0 +1,10 @@
+# `./dev package` makes a Debian package of the installed programs.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME quarn)
+set(CPACK_PACKAGE_CONTACT "Quarn maintainers")
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/packages)
+include(CPack)

@@ -1,0 +1,51 @@
+# Build rules that every folder shares.
+
+add_library(quarn_options INTERFACE)
+target_include_directories(quarn_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_options(quarn_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-qual
+  $<$<COMPILE_LANGUAGE:C>:-Wno-old-style-cast;-Wno-non-virtual-dtor>
+  $<$<BOOL:${QUARN_WERROR}>:-Werror>)
+if(QUARN_SANITIZE)
+  target_compile_options(quarn_options INTERFACE -fsanitize=${QUARN_SANITIZE} -fno-omit-frame-pointer
+    -fno-sanitize-recover=all)
+  target_link_options(quarn_options INTERFACE -fsanitize=${QUARN_SANITIZE})
+endif()
+
+# quarn_module(name SOURCES … DEPENDS … PUBLIC_DEPENDS …)
+# One static library for one folder. PUBLIC_DEPENDS are those that its headers include.
+function(quarn_module name)
+  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PUBLIC_DEPENDS" ${ARGN})
+  add_library(quarn_${name} STATIC ${arg_SOURCES})
+  add_library(quarn::${name} ALIAS quarn_${name})
+  target_link_libraries(quarn_${name} PUBLIC quarn_options ${arg_PUBLIC_DEPENDS} PRIVATE ${arg_DEPENDS})
+endfunction()
+
+# quarn_program(name SOURCES … DEPENDS …): one of the programs, installed into bin.
+function(quarn_program name)
+  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE quarn_options ${arg_DEPENDS})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${QUARN_BIN_DIR})
+  install(TARGETS ${name} RUNTIME)
+endfunction()
+
+# quarn_test(name SOURCES … DEPENDS …): one GoogleTest program for one folder of tests.
+function(quarn_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE quarn_options quarn_test_support ${arg_DEPENDS} GTest::gtest_main)
+  target_precompile_headers(${name} REUSE_FROM quarn_test_support)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+endfunction()
+
+# quarn_fuzz(name SOURCES … DEPENDS …): one libFuzzer target with a seed corpus in corpus/<name>.
+function(quarn_fuzz name)
+  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE quarn_options ${arg_DEPENDS})
+  target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+endfunction()
+
+set(QUARN_BIN_DIR ${CMAKE_BINARY_DIR}/bin CACHE PATH "Where the built programs are put")

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "core/linux/Files.h"
+#include "core/platform.h"
+
+#include <memory>
+
+namespace sysinfo::platform {
+
+class LinkSocket;
+class ProcessTable;
+
+/// What one handle keeps open. Each reader file of this folder uses its own members.
+class Readers {
+public:
+    explicit Readers(const SystemRoot& root);
+    ~Readers();
+    Readers(const Readers&) = delete;
+    Readers& operator=(const Readers&) = delete;
+
+    const SystemRoot root;
+    KeptTable stat;
+    KeptTable meminfo;
+    KeptTable vmstat;
+    KeptTable memoryPressure;
+    KeptTable uptime;
+    KeptTable loadavg;
+    KeptTable diskstats;
+    std::unique_ptr<LinkSocket> links;       ///< netlink, opened with the first listing
+    std::unique_ptr<ProcessTable> processes; ///< opened with the first listing
+};
+
+} // namespace sysinfo::platform

@@ -1,0 +1,191 @@
+#pragma once
+
+#include "core/SystemRoot.h"
+#include "core/Text.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// What a platform must answer, in this system's terms. The folder of the platform at hand (core/linux/)
+/// implements these functions; the build chooses the folder. Algorithms elsewhere in core hold no path and
+/// no system call.
+///
+/// Functions return false, nullopt or an empty list when the reading failed; none throws.
+namespace sysinfo::platform {
+
+/// The open files and buffers of one sampler handle. Reading through kept descriptors costs half of opening
+/// each time. Belongs to one thread at a time.
+class Readers;
+std::shared_ptr<Readers> openReaders(const SystemRoot& root);
+
+/// Monotonic time that no clock adjustment touches, in nanoseconds.
+uint64_t monotonicRawNs();
+
+// ---- CPU and memory
+
+/// Raw CPU time counters, four for each CPU that is online, in ticks of any one length.
+struct CpuTicks {
+    enum Kind { user, system, idle, nice };
+    std::vector<uint32_t> ids;   ///< the kernel's number of each CPU; numbers may be missing
+    std::vector<uint64_t> ticks; ///< 4 × ids.size(), in the order of Kind
+};
+/// Reads into `out`, whose storage is reused. False when the kernel gives no CPU.
+bool readCpuTicks(Readers& readers, CpuTicks& out);
+
+/// Raw memory counters: bytes, except the counts of events since boot.
+struct MemoryCounters {
+    uint64_t total = 0;
+    uint64_t pageSize = 0;
+    bool statisticsKnown = false; ///< the fields from here to swapOuts were read
+    uint64_t internal = 0;        ///< anonymous, shared and reclaimable kernel memory
+    uint64_t purgeable = 0;       ///< the reclaimable part of `internal`
+    uint64_t external = 0;        ///< file-backed memory
+    uint64_t wired = 0;
+    uint64_t compressed = 0;
+    uint64_t free = 0;
+    uint64_t active = 0;
+    uint64_t inactive = 0;
+    uint64_t speculative = 0;
+    uint64_t pageIns = 0;
+    uint64_t pageOuts = 0;
+    uint64_t faults = 0;
+    uint64_t cowFaults = 0;
+    uint64_t lookups = 0;
+    uint64_t hits = 0;
+    uint64_t compressions = 0;
+    uint64_t decompressions = 0;
+    uint64_t swapIns = 0;
+    uint64_t swapOuts = 0;
+    uint64_t swapTotal = 0;
+    uint64_t swapFree = 0;
+    uint32_t pressureLevel = 0; ///< 1, 2, 4; 0 unknown
+    uint32_t freePercent = 0;
+};
+bool readMemoryCounters(Readers& readers, MemoryCounters& out);
+
+/// Which memory counters this platform keeps at all; the others stay 0 and are shown as unknown.
+struct MemoryCapabilities {
+    bool cowFaults = false;
+    bool objectCache = false; ///< lookups and hits
+    bool speculative = false;
+};
+MemoryCapabilities memoryCapabilities();
+
+/// When the machine started, whole seconds since the epoch.
+std::optional<uint64_t> bootTime(const SystemRoot& root);
+/// Seconds since the machine started, not moved by a change of the wall clock.
+std::optional<double> uptime(Readers& readers);
+/// The number of averages obtained (up to 3), −1 on failure.
+int loadAverage(Readers& readers, double out[3]);
+bool isRoot();
+
+// ---- Processes
+
+/// One process as the kernel tells it.
+struct KernelProcess {
+    int32_t pid = 0;
+    int32_t ppid = 0;
+    uint32_t uid = 0; ///< effective user
+    enum class RunState : uint8_t { unknown, starting, running, sleeping, stopped, zombie };
+    RunState state = RunState::unknown;
+    bool measured = false; ///< memory, threads, CPU time and switches could be read
+    bool ioKnown = false;  ///< diskRead and diskWrite could be read
+    uint32_t threads = 0;
+    Text shortName;               ///< the kernel's name, possibly cut
+    Text path;                    ///< of the executable, empty when unknown
+    uint64_t startTimeMicros = 0; ///< since the epoch
+    uint64_t cpuTimeNs = 0;
+    uint64_t memBytes = 0;
+    uint64_t contextSwitches = 0;
+    uint64_t diskRead = 0;
+    uint64_t diskWrite = 0;
+    uint64_t energyNj = 0;
+    uint64_t revision = 0; ///< grows whenever any field may have changed; never 0 and never reused for
+                           ///< another process in the same Readers
+};
+/// Every process in ascending order of pid; the list is kept between calls and changes in place with the
+/// next call. nullopt when the process table could not be read.
+std::optional<std::span<const KernelProcess>> readProcesses(Readers& readers);
+
+/// Start of one process in microseconds since the epoch, nullopt when there is none.
+std::optional<uint64_t> processStartMicros(const SystemRoot& root, int32_t pid);
+/// The account name of a user, nullopt when there is none.
+std::optional<std::string> userName(const SystemRoot& root, uint32_t uid);
+
+// ---- Network links
+
+enum LinkFlags : uint32_t { linkUp = 1, linkLoopback = 2, linkPointToPoint = 4 };
+/// The types that decide whether a link counts towards the machine's traffic.
+inline constexpr uint8_t linkTypeEthernet = 6; ///< a physical wired or wireless port
+inline constexpr uint8_t linkTypeCellular = 0xff;
+inline constexpr uint8_t linkTypeOther = 53; ///< virtual: bridge, tunnel, veth, bond, vlan, …
+
+struct Link {
+    uint32_t index = 0;
+    std::string name;
+    uint32_t flags = 0; ///< LinkFlags
+    uint8_t type = linkTypeOther;
+    uint64_t rxBytes = 0;
+    uint64_t txBytes = 0;
+    uint64_t rxPackets = 0;
+    uint64_t txPackets = 0;
+};
+/// Reads into `out`, whose storage is reused.
+bool listLinks(Readers& readers, std::vector<Link>& out);
+
+// ---- Disks and volumes
+
+/// Counters of one physical drive since boot.
+struct DriveCounters {
+    std::string name; ///< of the block device
+    bool known = false;
+    uint64_t bytesRead = 0;
+    uint64_t bytesWritten = 0;
+    uint64_t opsRead = 0;
+    uint64_t opsWritten = 0;
+    uint64_t timeReadNs = 0;
+    uint64_t timeWriteNs = 0;
+};
+/// The physical drives (no loop, zram, dm, md, nbd or sr device); reads into `out`.
+bool readDriveCounters(Readers& readers, std::vector<DriveCounters>& out);
+
+/// The size of one whole physical disk in bytes, for the capacity.
+struct DriveCapacity {
+    uint64_t bytes = 0;
+    uint32_t disks = 0;
+};
+DriveCapacity readDriveCapacity(const SystemRoot& root);
+
+/// One physical disk as the hardware describes it; texts empty when unknown.
+struct DriveDescription {
+    std::string name; ///< of the block device
+    std::string vendor;
+    std::string product;
+    std::string interconnect; ///< "NVMe", "SATA", "USB", "Virtio", …
+    std::string architecture;
+    std::string link;
+    std::string medium; ///< "SSD", "HDD" or empty
+    uint64_t size = 0;
+    bool internal = false;
+    bool removable = false;
+};
+std::vector<DriveDescription> describeDrives(const SystemRoot& root);
+
+struct MountedVolume {
+    std::string mount;
+    std::string device;
+    std::string fs;
+    uint64_t total = 0;
+    uint64_t available = 0; ///< to ordinary users
+    bool local = true;
+};
+/// The volumes a user would browse. A remote file system is asked on a thread of its own and answers with
+/// the last known figures while it does not reply, so this call never waits for a server.
+std::vector<MountedVolume> readMountedVolumes(const SystemRoot& root);
+
+} // namespace sysinfo::platform

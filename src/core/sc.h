@@ -1,0 +1,240 @@
+/* The flat interface of the sampling core, callable from C.
+ *
+ * Every function is total: none throws, prints or aborts. A failure shows as a zero count, a zero or
+ * default field, an `ok` or `available` flag that is false, or NaN. Texts are NUL-terminated UTF-8 or raw
+ * bytes from the kernel, cut to their array.
+ *
+ * Record arrays: a function that returns a block allocates count + 1 zero-filled records, stores the count
+ * through its optional out-pointer (0 when the allocation failed) and hands the block to the caller, who
+ * releases it with the matching sc_free_ function. Functions that fill a caller's array take a maximum and
+ * return how many they wrote.
+ *
+ * Threads: a handle is used by one thread at a time; functions without a handle may be called from any.
+ * Counters are cumulative since boot, sizes are bytes, rates are per second. */
+#ifndef QUARN_CORE_SC_H
+#define QUARN_CORE_SC_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ---- Handle: the state of the samplers that measure against their previous call. */
+
+typedef struct SCSampler SCSampler;
+
+/* A handle on this machine. Never fails short of memory exhaustion. */
+SCSampler* sc_sampler_create(void);
+/* A handle on the machine captured under `root` (a folder holding proc, sys, etc, …). */
+SCSampler* sc_sampler_create_at(const char* root);
+/* Releases a handle; null is ignored. */
+void sc_sampler_destroy(SCSampler* sampler);
+
+/* ---- CPU. */
+
+#define SC_MAX_CORES 64
+
+/* Shares in percent of all logical CPUs. The first sample of a handle, and the first after the set of CPUs
+ * changed, only primes: total 0, idle 100, every core 0. */
+typedef struct SCCpu {
+    double total; /* user + system */
+    double user;  /* nice time included */
+    double system;
+    double idle;
+    uint32_t coreCount; /* valid entries below, at most SC_MAX_CORES; the shares above cover all CPUs */
+    double cores[SC_MAX_CORES];
+    double coreSystem[SC_MAX_CORES];
+} SCCpu;
+
+SCCpu sc_sample_cpu(SCSampler* sampler);
+
+/* ---- Memory, in bytes unless named a count. */
+
+typedef struct SCMem {
+    uint64_t total;
+    uint64_t used; /* app + wired + compressed */
+    uint64_t app;  /* anonymous and shared memory that belongs to processes */
+    uint64_t wired;
+    uint64_t compressed; /* what the compressor (zswap, zram) occupies */
+    uint64_t cached;     /* file-backed and reclaimable memory */
+    uint64_t freeBytes;
+    uint64_t swapUsed;
+    uint64_t swapTotal;
+    uint64_t pageSize;
+    uint64_t pageIns;  /* count of pages */
+    uint64_t pageOuts; /* count of pages */
+    uint64_t active;
+    uint64_t inactive;
+    uint64_t speculative;
+    uint64_t purgeable;
+    uint64_t external;
+    uint64_t freeCount;      /* bytes, the same as freeBytes */
+    uint64_t faults;         /* count */
+    uint64_t cowFaults;      /* count; the Linux kernel keeps none */
+    uint64_t lookups;        /* count; the Linux kernel keeps none */
+    uint64_t hits;           /* count; the Linux kernel keeps none */
+    uint64_t compressions;   /* count of pages */
+    uint64_t decompressions; /* count of pages */
+    uint64_t swapIns;        /* count of pages */
+    uint64_t swapOuts;       /* count of pages */
+    uint64_t swapFree;
+    uint32_t pressureLevel; /* 1 normal, 2 warning, 4 critical; never 0 */
+    uint32_t freePercent;   /* share of memory available without swapping */
+} SCMem;
+
+SCMem sc_read_mem(void);
+
+/* Whole seconds since boot, 0.0 when unknown. */
+double sc_uptime_seconds(void);
+/* Fills three load averages (1, 5, 15 minutes), zeroed first; the number obtained, -1 on failure. */
+int sc_load_average(double* out);
+/* True when the effective user is root. */
+bool sc_is_root(void);
+
+/* ---- Processes. */
+
+typedef struct SCProcess {
+    int32_t pid;
+    int32_t ppid;
+    uint32_t uid; /* effective user */
+    char name[96];
+    char user[40];
+    char state[24]; /* "Starting", "Running", "Sleeping", "Stopped", "Zombie" or "—" */
+    char path[1024];
+    double cpuPercent; /* of one core, since the previous call; 0 on a first sight */
+    uint64_t memBytes; /* anonymous memory, resident or swapped; resident size when only that is known */
+    uint32_t threads;
+    uint64_t cpuTimeNs; /* user + system */
+    uint64_t diskRead;  /* bytes fetched from storage; see ioKnown */
+    uint64_t diskWrite; /* bytes sent to storage; see ioKnown */
+    uint64_t contextSwitches;
+    uint64_t energyNj;
+    bool energyKnown;
+    uint64_t startTime;       /* seconds since the epoch */
+    uint64_t startTimeMicros; /* microseconds since the epoch; with pid it names one process instance */
+    bool accessible;          /* the measurements above could be read */
+    bool ioKnown;             /* diskRead and diskWrite could be read (not so for other users' processes) */
+} SCProcess;
+
+/* Every process, in order of pid. `threads` (optional) receives the sum of all thread counts. */
+SCProcess* sc_sample_processes(SCSampler* sampler, uint32_t* count, uint32_t* threads);
+void sc_free_processes(SCProcess* processes);
+/* Start of one process in microseconds since the epoch; 0 for pids below 2 and for unknown ones. */
+uint64_t sc_process_start_time(int32_t pid);
+
+/* ---- Network totals over the interfaces that carry the machine's own traffic. */
+
+typedef struct SCNet {
+    uint64_t rxBytes; /* totals that never go down while the handle lives */
+    uint64_t txBytes;
+    uint64_t rxPackets;
+    uint64_t txPackets;
+    double rxRate; /* bytes per second */
+    double txRate;
+    double rxPacketRate;
+    double txPacketRate;
+} SCNet;
+
+SCNet sc_sample_net(SCSampler* sampler);
+
+/* ---- Disks. */
+
+typedef struct SCDisk {
+    uint64_t readBytes; /* sums over the physical drives */
+    uint64_t writeBytes;
+    uint64_t readOps;
+    uint64_t writeOps;
+    double readRate; /* bytes per second */
+    double writeRate;
+    double readOpsRate; /* operations per second */
+    double writeOpsRate;
+    uint64_t readTimeNs; /* cumulative service time */
+    uint64_t writeTimeNs;
+    double activeFraction; /* 0 to 1 */
+    double avgResponseMs;  /* per operation */
+    uint64_t capacityBytes;
+    uint32_t diskCount;
+} SCDisk;
+
+SCDisk sc_sample_disk(SCSampler* sampler);
+
+typedef struct SCDiskDevice {
+    char bsd[32]; /* kernel name of the block device */
+    char name[128];
+    char interconnect[48];
+    char medium[24]; /* "SSD", "HDD" or empty */
+    char architecture[64];
+    char link[48]; /* such as "PCIe 4.0 x4" */
+    uint64_t size;
+    uint64_t readBytes;
+    uint64_t writeBytes;
+    int32_t internalDisk; /* 0 or 1 */
+    int32_t removable;    /* 0 or 1 */
+} SCDiskDevice;
+
+int sc_disk_devices(SCDiskDevice* out, int max);
+
+typedef struct SCVolume {
+    char mount[256];
+    char device[128];
+    char fs[32];
+    uint64_t total;
+    uint64_t freeBytes; /* available to ordinary users */
+    uint64_t used;
+    bool local;
+} SCVolume;
+
+SCVolume* sc_read_volumes(uint32_t* count);
+void sc_free_volumes(SCVolume* volumes);
+
+/* ---- Records of the hardware readings. */
+
+typedef struct SCSensor {
+    char name[8]; /* four key characters */
+    double value;
+} SCSensor;
+
+typedef struct SCPower { /* watts, averaged since the previous sample */
+    double sysWatts;
+    double cpuWatts;
+    double gpuWatts;
+    double aneWatts;
+    double dramWatts;
+    double encoderWatts;
+    double decoderWatts;
+    double ispWatts;
+    double displayWatts;
+    bool available; /* the split by domain was measured */
+} SCPower;
+
+typedef struct SCGpuStats { /* percent, -1 when no GPU reports it */
+    double device;
+    double renderer;
+    double tiler;
+    uint64_t memUsed;
+    uint64_t memAlloc;
+} SCGpuStats;
+
+typedef struct SCBattery { /* -1 marks an unknown time, count or capacity */
+    bool present;
+    int32_t percent;
+    bool charging;
+    bool onAC;
+    int32_t timeToEmptyMin;
+    int32_t timeToFullMin;
+    int32_t cycleCount;
+    int32_t designCapacity;  /* mAh */
+    int32_t nominalCapacity; /* mAh when full */
+    int32_t voltage_mV;
+    int32_t amperage_mA; /* negative while discharging */
+    double temperatureC;
+    char health[32];
+} SCBattery;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <limits>
+#include <utility>
+
+namespace quarn {
+
+/// A reading that is carried from tick to tick, and when it was taken.
+template <class T>
+struct Throttled {
+    T cached{};
+    double computedAt = -std::numeric_limits<double>::infinity(); ///< steady seconds; never at first
+
+    double age(double now) const { return now - computedAt; }
+    void store(T value, double now) {
+        cached = std::move(value);
+        computedAt = now;
+    }
+    void makeStale() { computedAt = -std::numeric_limits<double>::infinity(); }
+};
+
+} // namespace quarn
