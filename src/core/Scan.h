@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <type_traits>
 
 /// Small total scanners for kernel text. None allocates, throws or reads past the end.
 namespace scutil {
@@ -30,12 +31,17 @@ inline std::string_view takeWord(std::string_view& rest) {
     return word;
 }
 
-/// The whole of `text` as a number; nullopt when it is anything else or out of range.
+/// The whole of `text` as a number; nullopt when it is anything else or out of range. `base` is for integers.
 template <class Number>
-std::optional<Number> toNumber(std::string_view text, int base = 10) {
+std::optional<Number> toNumber(std::string_view text, [[maybe_unused]] int base = 10) {
     Number value{};
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value, base);
-    if (result.ec != std::errc() || result.ptr != text.data() + text.size() || text.empty()) return {};
+    const char* end = text.data() + text.size();
+    std::from_chars_result result{};
+    if constexpr (std::is_floating_point_v<Number>)
+        result = std::from_chars(text.data(), end, value);
+    else
+        result = std::from_chars(text.data(), end, value, base);
+    if (text.empty() || result.ec != std::errc() || result.ptr != end) return {};
     return value;
 }
 

@@ -84,6 +84,11 @@ std::optional<double> uptime(Readers& readers);
 int loadAverage(Readers& readers, double out[3]);
 bool isRoot();
 
+/// A kernel setting by its dotted name ("kernel.hostname"), without trailing line feeds and NULs; empty, or
+/// 0, when it is unknown.
+std::string sysctlString(const SystemRoot& root, std::string_view name);
+uint64_t sysctlU64(const SystemRoot& root, std::string_view name);
+
 // ---- Processes
 
 /// One process as the kernel tells it.

@@ -4,6 +4,7 @@
 #include "core/platform.h"
 
 #include <memory>
+#include <vector>
 
 namespace sysinfo::platform {
 
@@ -26,8 +27,10 @@ public:
     KeptTable uptime;
     KeptTable loadavg;
     KeptTable diskstats;
-    std::unique_ptr<LinkSocket> links;       ///< netlink, opened with the first listing
-    std::unique_ptr<ProcessTable> processes; ///< opened with the first listing
+    std::vector<KeptTable> zram;       ///< mm_stat of each compressed RAM disk
+    unsigned zramAge = 0;              ///< readings since the RAM disks were looked for; 0 looks now
+    std::shared_ptr<LinkSocket> links; ///< netlink, opened with the first listing
+    std::unique_ptr<ProcessTable> processes;
 };
 
 } // namespace sysinfo::platform

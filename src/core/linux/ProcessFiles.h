@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace sysinfo::platform {
+
+/// What is used of proc/<pid>/stat. `comm` points into the parsed text.
+struct ProcessStat {
+    std::string_view comm; ///< raw bytes: may hold blanks, brackets and line feeds
+    char state = '?';
+    int32_t ppid = 0;
+    uint64_t cpuTicks = 0; ///< user + system
+    uint32_t threads = 0;
+    uint64_t startTicks = 0; ///< since boot
+};
+/// nullopt for text that is cut or is something else.
+std::optional<ProcessStat> parseProcessStat(std::string_view text);
+
+/// What is used of proc/<pid>/status; sizes in bytes.
+struct ProcessStatus {
+    uint32_t effectiveUid = 0;
+    bool uidKnown = false;
+    uint64_t resident = 0;
+    std::optional<uint64_t> anonymous; ///< resident anonymous memory; kernels before 4.5 do not tell
+    uint64_t swapped = 0;
+    uint64_t contextSwitches = 0; ///< voluntary + involuntary, of the main thread
+};
+ProcessStatus parseProcessStatus(std::string_view text);
+
+/// What is used of proc/<pid>/io: bytes that reached storage.
+struct ProcessIo {
+    uint64_t readBytes = 0;
+    uint64_t writeBytes = 0;
+};
+/// nullopt when a line is missing.
+std::optional<ProcessIo> parseProcessIo(std::string_view text);
+
+/// The start of a process in microseconds since the epoch.
+uint64_t startMicros(uint64_t bootSeconds, uint64_t startTicks);
+
+} // namespace sysinfo::platform
