@@ -1,0 +1,65 @@
+#pragma once
+
+#include "support/TempRoot.h"
+#include "ui/settings/SettingsStore.h"
+
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace quarn::testing {
+
+/// A folder for one settings file, and that file's content.
+struct SettingsFolder {
+    TempRoot folder;
+
+    std::filesystem::path file() const { return folder.path() / "settings.toml"; }
+    void write(std::string_view text) { folder.write("settings.toml", text); }
+    std::string text(const std::string& name = "settings.toml") const {
+        std::ifstream stream(folder.path() / name, std::ios::binary);
+        std::ostringstream content;
+        content << stream.rdbuf();
+        return content.str();
+    }
+    /// The names in the folder, without the lock's, which stays.
+    std::vector<std::string> names() const {
+        std::vector<std::string> result;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+            if (entry.path().extension() != ".lock") result.push_back(entry.path().filename());
+        std::sort(result.begin(), result.end());
+        return result;
+    }
+};
+
+/// A store that looks at the file with every read.
+struct WatchfulStore : SettingsStore {
+    explicit WatchfulStore(const SettingsFolder& folder)
+        : SettingsStore(folder.file(), std::chrono::nanoseconds(0)) {}
+};
+
+/// Starts `body` as a process of its own, which ends with its result as exit status.
+inline pid_t startProcess(const std::function<int()>& body) {
+    const pid_t pid = ::fork();
+    if (pid == 0) ::_exit(body());
+    return pid;
+}
+
+inline int exitStatus(pid_t pid) {
+    int status = -1;
+    ::waitpid(pid, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// The message of the SettingsError that `action` throws; empty when it throws none.
+inline std::string failureOf(const std::function<void()>& action) {
+    try {
+        action();
+        return {};
+    } catch (const SettingsError& error) {
+        return error.what();
+    }
+}
+
+} // namespace quarn::testing
