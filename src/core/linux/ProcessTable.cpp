@@ -19,7 +19,7 @@ constexpr unsigned listEvery = 32;
 /// Looking at one pid costs about as much as listing one process; beyond this many a listing is cheaper.
 constexpr int32_t mostProbes = 1024;
 /// The share of idle processes read in full with each reading.
-constexpr size_t sliceDivisor = 128;
+constexpr size_t sliceDivisor = 64;
 
 } // namespace
 

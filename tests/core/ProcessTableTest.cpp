@@ -1,0 +1,245 @@
+// The three-level process reading, checked on real processes against a plain reading of everything.
+#include "core/linux/ProcessTable.h"
+
+#include "core/ProcessSampler.h"
+#include "support/Child.h"
+#include "support/TempRoot.h"
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <sched.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+
+namespace {
+
+using namespace sysinfo;
+using namespace sysinfo::platform;
+using quarn::testing::Child;
+using RunState = KernelProcess::RunState;
+
+using ByPid = std::map<int32_t, KernelProcess>;
+
+ByPid byPid(std::span<const KernelProcess> table) {
+    ByPid result;
+    for (const auto& process : table) result.emplace(process.pid, process);
+    return result;
+}
+
+/// What a table made anew, which reads every process in full, says.
+ByPid plainReading() {
+    ProcessTable fresh(SystemRoot::host());
+    return byPid(fresh.read().value());
+}
+
+/// The children of this process; other processes of the machine move while the test looks.
+ByPid ownChildren(const ByPid& all) {
+    ByPid result;
+    for (const auto& [pid, process] : all)
+        if (process.ppid == ::getpid()) result.emplace(pid, process);
+    return result;
+}
+
+void expectSame(const ByPid& kept, const ByPid& plain) {
+    ASSERT_EQ(kept.size(), plain.size());
+    for (const auto& [pid, expected] : plain) {
+        ASSERT_TRUE(kept.contains(pid)) << pid;
+        const auto& actual = kept.at(pid);
+        EXPECT_EQ(actual.shortName, expected.shortName);
+        // The kernel forgets a zombie's path; who saw it before still knows.
+        if (expected.state != RunState::zombie) EXPECT_EQ(actual.path, expected.path);
+        EXPECT_EQ(actual.ppid, expected.ppid);
+        EXPECT_EQ(actual.uid, expected.uid);
+        EXPECT_EQ(actual.state, expected.state) << pid;
+        EXPECT_EQ(actual.threads, expected.threads);
+        EXPECT_EQ(actual.startTimeMicros, expected.startTimeMicros);
+        EXPECT_EQ(actual.cpuTimeNs, expected.cpuTimeNs) << pid;
+        EXPECT_EQ(actual.memBytes, expected.memBytes);
+        EXPECT_EQ(actual.contextSwitches, expected.contextSwitches);
+        EXPECT_EQ(actual.diskWrite, expected.diskWrite);
+    }
+}
+
+TEST(ProcessTable, AgreesWithAPlainReadingThroughALifetime) {
+    static std::vector<char> memory;
+    const auto obey = [](char letter) {
+        switch (letter) {
+        case 'b': quarn::testing::burnCpu(3'000'000); break;
+        case 'n': ::prctl(PR_SET_NAME, ") R 1 \n(x"); break;
+        case 'm': memory.assign(8 << 20, 'x'); break;
+        case 'e': ::execl("/bin/sleep", "sleep", "1000", nullptr); break;
+        default: break;
+        }
+    };
+    ProcessTable table(SystemRoot::host());
+    table.read();
+    const auto compare = [&] {
+        const auto kept = byPid(table.read().value());
+        expectSame(ownChildren(kept), ownChildren(plainReading()));
+    };
+
+    Child busy(obey), quiet(obey);
+    busy.settle();
+    quiet.settle();
+    compare();
+    for (const char letter : {'b', 'n', 'm', 'b'}) {
+        busy.tell(letter);
+        busy.settle();
+        compare();
+    }
+    EXPECT_EQ(byPid(table.read().value()).at(busy.pid()).shortName, ") R 1 \n(x");
+
+    ::kill(quiet.pid(), SIGSTOP);
+    ::waitpid(quiet.pid(), nullptr, WUNTRACED);
+    compare();
+    EXPECT_EQ(byPid(table.read().value()).at(quiet.pid()).state, RunState::stopped);
+
+    busy.kill();
+    ::waitid(P_PID, static_cast<id_t>(busy.pid()), nullptr, WEXITED | WNOWAIT);
+    compare();
+    EXPECT_EQ(byPid(table.read().value()).at(busy.pid()).state, RunState::zombie);
+    const pid_t gone = busy.pid();
+    busy.reap();
+    compare();
+    EXPECT_FALSE(byPid(table.read().value()).contains(gone));
+}
+
+TEST(ProcessTable, SeesAnOrphanMoveToItsNewParentWithoutRunning) {
+    // The grandchild never runs while its parent ends.
+    int report[2];
+    ASSERT_EQ(::pipe(report), 0);
+    Child parent([&](char) {
+        const pid_t grandchild = ::fork();
+        if (grandchild == 0)
+            for (;;) ::pause();
+        if (::write(report[1], &grandchild, sizeof grandchild) < 0) ::_exit(1);
+    });
+    parent.tell('f');
+    pid_t grandchild = 0;
+    ASSERT_EQ(::read(report[0], &grandchild, sizeof grandchild), static_cast<ssize_t>(sizeof grandchild));
+    const auto ppidIn = [&](ProcessTable& table) { return byPid(table.read().value()).at(grandchild).ppid; };
+    ProcessTable table(SystemRoot::host());
+    EXPECT_EQ(ppidIn(table), parent.pid());
+    EXPECT_EQ(ppidIn(table), parent.pid());
+    parent.kill();
+    parent.reap();
+    EXPECT_NE(ppidIn(table), parent.pid());
+    ::kill(grandchild, SIGKILL);
+    ::close(report[0]);
+    ::close(report[1]);
+}
+
+TEST(ProcessTable, TellsAReusedPidFromTheProcessBefore) {
+    // Asks the kernel for the very pid of a child that has ended.
+    std::ofstream control("/proc/sys/kernel/ns_last_pid");
+    if (!control) GTEST_SKIP() << "choosing a pid needs root";
+    ProcessTable table(SystemRoot::host());
+    ProcessSampler sampler(SystemRoot::host());
+    pid_t pid = 0;
+    {
+        Child first([](char) { quarn::testing::burnCpu(20'000'000); });
+        first.tell('b');
+        pid = first.pid();
+        sampler.advance(table.read().value(), 1'000'000'000);
+    }
+    control << pid - 1 << std::flush;
+    Child second([](char) { quarn::testing::burnCpu(40'000'000); });
+    if (second.pid() != pid) GTEST_SKIP() << "another process took the pid";
+    second.tell('b');
+    const auto& list = sampler.advance(table.read().value(), 2'000'000'000);
+    const auto info = std::find_if(list.begin(), list.end(), [&](const auto& p) { return p.pid == pid; });
+    ASSERT_NE(info, list.end());
+    EXPECT_EQ(info->cpuPercent, 0) << "a share must not be measured against the process before";
+    EXPECT_GE(info->cpuTimeNs, 40'000'000u);
+}
+
+TEST(ProcessTable, SharesAreExactWhereTicksRound) {
+    for (const long burnNs : {3'000'000L, 13'700'000L, 250'000'000L}) {
+        static long toBurn;
+        toBurn = burnNs;
+        Child child([](char) { quarn::testing::burnCpu(toBurn); });
+        child.settle();
+        ProcessTable table(SystemRoot::host());
+        ProcessSampler sampler(SystemRoot::host());
+        sampler.advance(table.read().value(), 1'000'000'000);
+        child.tell('b');
+        child.settle();
+        const auto& list = sampler.advance(table.read().value(), 2'000'000'000); // one second as told
+        const auto info =
+            std::find_if(list.begin(), list.end(), [&](const auto& p) { return p.pid == child.pid(); });
+        ASSERT_NE(info, list.end());
+        const double percent = static_cast<double>(burnNs) / 1e7;
+        EXPECT_NEAR(info->cpuPercent, percent, percent * 0.02 + 0.02) << burnNs << " ns";
+    }
+}
+
+TEST(ProcessTable, FindsEveryProcessWhileThousandsComeAndGo) {
+    ProcessTable table(SystemRoot::host());
+    table.read();
+    std::vector<pid_t> children;
+    const auto start = [&] {
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+            for (;;) ::pause();
+        }
+        ASSERT_GT(child, 0);
+        children.push_back(child);
+    };
+    const auto end = [&](size_t index) {
+        ::kill(children[index], SIGKILL);
+        ::waitpid(children[index], nullptr, 0);
+        children.erase(children.begin() + static_cast<long>(index));
+    };
+    size_t step = 0;
+    for (int round = 0; round < 100; ++round) {
+        for (int i = 0; i < 50; ++i) {
+            start();
+            if (++step % 3 != 0) end(step * 7919 % children.size());
+        }
+        const auto seen = ownChildren(byPid(table.read().value()));
+        std::vector<pid_t> pids;
+        for (const auto& [pid, process] : seen) pids.push_back(pid);
+        auto expected = children;
+        std::sort(expected.begin(), expected.end());
+        ASSERT_EQ(pids, expected) << "round " << round;
+        if (children.size() > 300)
+            while (!children.empty()) end(children.size() - 1);
+    }
+    while (!children.empty()) end(children.size() - 1);
+    EXPECT_TRUE(ownChildren(byPid(table.read().value())).empty());
+}
+
+TEST(ProcessTable, ReadsACapturedMachineFromItsFilesAlone) {
+    quarn::testing::TempRoot machine;
+    machine.write("proc/stat", "cpu 1 2 3 4\nbtime 1000\nprocesses 9\n")
+        .write("proc/7/stat", "7 (a) b) S 1 7 7 0 -1 0 0 0 0 0 150 50 0 0 20 0 3 0 250 1000 20 0 0 0\n")
+        .write("proc/7/status",
+               "Name:\ta) b\nUid:\t1\t1000\t1\t1\nVmRSS:\t 900 kB\nRssAnon:\t 500 kB\nVmSwap:\t 12 kB\n"
+               "voluntary_ctxt_switches:\t5\nnonvoluntary_ctxt_switches:\t6\n")
+        .write("proc/8/stat", "8 (cut")
+        .folder("proc/9")
+        .write("proc/self/stat", "nobody's");
+    machine.link("proc/7/exe", "/opt/a tool/a) b (deleted)");
+    ProcessTable table(machine.root());
+    const auto processes = table.read().value();
+    ASSERT_EQ(processes.size(), 1u) << "entries without a whole stat file are no processes";
+    const auto& p = processes.front();
+    EXPECT_EQ(p.shortName, "a) b");
+    EXPECT_EQ(p.path, "/opt/a tool/a) b");
+    EXPECT_EQ(p.uid, 1000u);
+    EXPECT_EQ(p.memBytes, 512u * 1024);
+    EXPECT_EQ(p.contextSwitches, 11u);
+    EXPECT_EQ(p.cpuTimeNs, 2'000'000'000u);
+    EXPECT_EQ(p.threads, 3u);
+    EXPECT_EQ(p.startTimeMicros, 1'002'500'000u);
+    EXPECT_FALSE(p.ioKnown) << "no io file: unknown, not zero";
+
+    machine.remove("proc/7");
+    EXPECT_TRUE(table.read().value().empty());
+    machine.remove("proc");
+    EXPECT_EQ(ProcessTable(machine.root()).read(), std::nullopt);
+}
+
+} // namespace

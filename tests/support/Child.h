@@ -1,0 +1,38 @@
+#pragma once
+
+#include <csignal>
+#include <functional>
+#include <sys/types.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace quarn::testing {
+
+/// A real child process that obeys commands over a pipe, one letter each, and confirms each one. So a test
+/// knows what the child has done without waiting any length of time.
+class Child {
+public:
+    /// `obey` runs in the child for each letter; the child ends when the pipe closes or it is killed.
+    explicit Child(std::function<void(char)> obey = [](char) {});
+    ~Child();
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+
+    pid_t pid() const { return pid_; }
+    /// Sends a letter and returns once the child has carried it out.
+    void tell(char letter);
+    /// Waits until the child sleeps in its next read, so that it uses no more CPU time.
+    void settle() const;
+    void kill(); ///< SIGKILL; the child stays a zombie
+    void reap(); ///< collects the zombie
+
+private:
+    pid_t pid_ = -1;
+    int commands_ = -1;
+    int answers_ = -1;
+};
+
+/// Uses at least `ns` nanoseconds of CPU time on the calling thread.
+void burnCpu(long ns);
+
+} // namespace quarn::testing
