@@ -23,7 +23,7 @@ public:
 
     bool isHost() const { return directory_.empty(); }
 
-    /// The path of `relative` ("proc/stat", without a leading slash) under this root.
+    /// The path of `relative` (without a leading slash) under this root.
     std::string path(std::string_view relative) const {
         std::string result = directory_;
         result += '/';

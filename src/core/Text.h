@@ -3,6 +3,7 @@
 #include <atomic>
 #include <compare>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -15,6 +16,7 @@ public:
     Text() = default;
     Text(std::string_view text); // NOLINT(google-explicit-constructor): a text is a text
     Text(const char* text) : Text(std::string_view(text)) {}
+    Text(const std::string& text) : Text(std::string_view(text)) {}
     Text(const Text& other) noexcept : block_(other.block_) {
         if (block_) block_->references.fetch_add(1, std::memory_order_relaxed);
     }

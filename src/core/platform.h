@@ -76,6 +76,9 @@ struct MemoryCapabilities {
 };
 MemoryCapabilities memoryCapabilities();
 
+/// Context switches of the whole machine since boot.
+std::optional<uint64_t> contextSwitches(Readers& readers);
+
 /// When the machine started, whole seconds since the epoch.
 std::optional<uint64_t> bootTime(const SystemRoot& root);
 /// Seconds since the machine started, not moved by a change of the wall clock.
@@ -106,7 +109,7 @@ struct KernelProcess {
     uint64_t startTimeMicros = 0; ///< since the epoch
     uint64_t cpuTimeNs = 0;
     uint64_t memBytes = 0;
-    uint64_t contextSwitches = 0;
+    uint64_t contextSwitches = 0; ///< of the main thread, where the kernel sums over threads nowhere
     uint64_t diskRead = 0;
     uint64_t diskWrite = 0;
     uint64_t energyNj = 0;

@@ -30,7 +30,7 @@ struct SystemRates {
     double cowFaults = 0;
     double compressions = 0; ///< pages
     double decompressions = 0;
-    double contextSwitches = 0; ///< over all listed processes
+    double contextSwitches = 0; ///< of the whole machine
     std::optional<double> cacheHitRatio;
 };
 
@@ -54,8 +54,8 @@ struct ProcInfo {
     uint64_t diskWrite = 0;
     double diskReadRate = 0; ///< bytes per second
     double diskWriteRate = 0;
-    uint64_t contextSwitches = 0;
-    double cswRate = 0; ///< per second
+    uint64_t contextSwitches = 0; ///< cumulative, of the main thread
+    double cswRate = 0;           ///< per second
     std::optional<uint64_t> energyNj;
     std::optional<double> watts;
     bool ioKnown = false; ///< the disk figures could be read; otherwise they are shown as unknown
@@ -120,7 +120,7 @@ struct DiskDevice {
 
 /// How a disk is described to people: "Internal disk", "External disk", "Flash drive", "Disk image" or
 /// "Memory card".
-std::string diskKind(const DiskDevice& disk);
+std::string_view diskKind(const DiskDevice& disk);
 
 struct Volume {
     std::string mount;
@@ -169,9 +169,9 @@ struct Hardware {
     uint64_t baseClockHz = 0;
 };
 
-enum class ThermalState { nominal, fair, serious, critical };
+enum class ThermalState { unknown, nominal, fair, serious, critical };
 
-/// "nominal", "elevated", "serious", "critical"; "unknown" for any other value.
+/// "nominal", "elevated", "serious", "critical"; otherwise "unknown".
 std::string_view thermalStateName(ThermalState state);
 
 /// One complete sample of the machine. A value: copying shares the lists and costs no list copy.
@@ -204,7 +204,7 @@ struct Snapshot {
     int64_t generation = 0;
     int64_t processGeneration = 0;
     WallTime timestamp{}; ///< when the tick began
-    ThermalState thermalState = ThermalState::nominal;
+    ThermalState thermalState = ThermalState::unknown;
     bool isAppleSilicon = false;
 };
 

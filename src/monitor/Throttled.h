@@ -5,12 +5,16 @@
 
 namespace quarn {
 
+/// Seconds on a scale that only goes forward and stands still while the machine sleeps.
+double steadySeconds();
+
 /// A reading that is carried from tick to tick, and when it was taken.
 template <class T>
 struct Throttled {
     T cached{};
     double computedAt = -std::numeric_limits<double>::infinity(); ///< steady seconds; never at first
 
+    bool isTaken() const { return computedAt > -std::numeric_limits<double>::infinity(); }
     double age(double now) const { return now - computedAt; }
     void store(T value, double now) {
         cached = std::move(value);

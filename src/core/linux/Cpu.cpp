@@ -35,6 +35,11 @@ std::optional<uint64_t> parseStatNumber(std::string_view text, std::string_view 
     return {};
 }
 
+std::optional<uint64_t> contextSwitches(Readers& readers) {
+    const auto text = readers.stat.read();
+    return text ? parseStatNumber(*text, "ctxt") : std::nullopt;
+}
+
 bool readCpuTicks(Readers& readers, CpuTicks& out) {
     const auto text = readers.stat.read();
     return text && parseCpuTicks(*text, out);

@@ -1,0 +1,176 @@
+// CPU, memory, load and processes of captured machines, against the values published with them.
+#include "core/CpuSampler.h"
+#include "core/MemStats.h"
+#include "core/ProcessSampler.h"
+#include "core/linux/Cpu.h"
+#include "core/linux/Memory.h"
+#include "support/TempRoot.h"
+
+#include <cmath>
+
+namespace {
+
+using namespace sysinfo;
+using quarn::testing::TempRoot;
+
+std::shared_ptr<platform::Readers> readersOf(std::string_view machine) {
+    return platform::openReaders(SystemRoot(QUARN_FIXTURES "/hosts/" + std::string(machine)));
+}
+
+TEST(CapturedCpu, SharesOfAnIntervalAsPublished) {
+    CpuSampler sampler;
+    sampler.sample(*readersOf("sixteen-cpus/before"));
+    const auto stats = sampler.sample(*readersOf("sixteen-cpus/after"));
+    // Published idle and iowait are apart, and so are irq, softirq and system. They were computed from the
+    // kernel's own sums, which round apart from those of the CPUs.
+    EXPECT_NEAR(stats.idle, 98.79324440645692 + 0.0320620665057134, 1e-4);
+    EXPECT_NEAR(stats.system, 0.40175031617741797 + 0.13419615804548835 + 0.0386057575594779, 1e-4);
+    EXPECT_NEAR(stats.user, 0.6001311969663126 + 0.000010098288663216828, 1e-4);
+    ASSERT_EQ(stats.perCore.size(), 16u);
+    EXPECT_NEAR(stats.perCore[0], 100 - 98.99208959203628 - 0.03393637737251638, 1e-6);
+    EXPECT_NEAR(stats.perCoreSystem[1], 1.1629581797908097 + 0.18060970340196816 + 0.052596911833010455,
+                1e-6);
+}
+
+TEST(CapturedCpu, EveryShapeOfTheFileIsRead) {
+    struct Case {
+        std::string text;
+        std::vector<uint32_t> ids;
+        std::vector<uint64_t> first; ///< of the first CPU: user, system, idle, nice
+        const char* lesson;
+    };
+    for (const auto& c : {
+             Case{"cpu 9\ncpu0 1 2 3 4 5 6 7 8\n", {0}, {1, 3 + 6 + 7 + 8, 4 + 5, 2}, "8 columns"},
+             Case{"cpu0 1 2 3 4 5 6 7 8 9\n", {0}, {1, 24, 9, 2}, "9 columns: guest time is in user already"},
+             Case{"cpu0 1 2 3 4 5 6 7 8 9 10\nintr 5\n", {0}, {1, 24, 9, 2}, "10 columns"},
+             Case{"cpu0 1 2 3 4", {0}, {1, 3, 4, 2}, "the first kernels had 4, no line feed at the end"},
+             Case{"cpu1 1 2 3 4\ncpu7 1 2 3 4\n",
+                  {1, 7},
+                  {1, 3, 4, 2},
+                  "CPU 0 is offline, others are missing"},
+             Case{"", {}, {}, "an empty file"},
+             Case{"cpu 1 2 3 4\nctxt 5\n", {}, {}, "no CPU of its own"},
+             Case{"cpuX 1 2\ncpu0 a b c 4\n", {0}, {0, 0, 4, 0}, "words in the place of numbers"},
+         }) {
+        platform::CpuTicks ticks;
+        EXPECT_EQ(platform::parseCpuTicks(c.text, ticks), !c.ids.empty()) << c.lesson;
+        EXPECT_EQ(ticks.ids, c.ids) << c.lesson;
+        if (!c.first.empty()) {
+            ASSERT_GE(ticks.ticks.size(), 4u);
+            EXPECT_EQ(std::vector<uint64_t>(ticks.ticks.begin(), ticks.ticks.begin() + 4), c.first)
+                << c.lesson;
+        }
+    }
+}
+
+TEST(CapturedCpu, ManyCpusAndAnEmptyFile) {
+    for (const auto& [machine, cpus] :
+         {std::pair{"sparse-48", 48}, {"hybrid-20", 20}, {"arm-128", 128}, {"nine-columns-16", 16}}) {
+        CpuSampler sampler;
+        EXPECT_EQ(sampler.sample(*readersOf(machine)).perCore.size(), static_cast<size_t>(cpus)) << machine;
+    }
+
+    TempRoot machine;
+    std::string thousand = "cpu  0 0 0 0\n";
+    for (int i = 0; i < 1000; ++i) thousand += "cpu" + std::to_string(i) + " 50 0 0 50 0 0 0 0 0 0\n";
+    machine.write("proc/stat", thousand);
+    const auto readers = platform::openReaders(machine.root());
+    CpuSampler sampler;
+    EXPECT_EQ(sampler.sample(*readers).perCore.size(), 1000u);
+    machine.write("proc/stat", ""); // the kernel could not answer: nothing is known, the baseline stays
+    EXPECT_TRUE(sampler.sample(*readers).perCore.empty());
+    std::string later = thousand;
+    for (size_t at = 0; (at = later.find(" 50 0 0 50", at)) != std::string::npos; ++at)
+        later.replace(at, 10, " 80 0 0 60");
+    machine.write("proc/stat", later);
+    EXPECT_DOUBLE_EQ(sampler.sample(*readers).total, 75);
+}
+
+TEST(CapturedMemory, UsedIsWithinATenthOfThePlainFormula) {
+    for (const auto* machine : {"one-editor", "sparse-48", "hybrid-20", "arm-128"}) {
+        const auto text = quarn::testing::fixture(std::string("hosts/") + machine + "/proc/meminfo");
+        platform::MemInfo info;
+        ASSERT_TRUE(platform::parseMemInfo(text, info)) << machine;
+        const double plain = static_cast<double>(info.memTotal) - static_cast<double>(info.memFree) -
+                             static_cast<double>(info.buffers) -
+                             static_cast<double>(info.cached - info.shmem) -
+                             static_cast<double>(info.kReclaimable.value_or(info.sReclaimable));
+        const SCMem mem = readMemStats(*readersOf(machine));
+        const auto total = static_cast<double>(mem.total);
+        EXPECT_NEAR(static_cast<double>(mem.used), plain, total / 10) << machine;
+        EXPECT_LE(mem.freePercent, 100u);
+        EXPECT_EQ(mem.freeCount, mem.freeBytes);
+    }
+}
+
+TEST(CapturedMemory, WithoutMemAvailableAnEstimateStandsIn) {
+    TempRoot machine;
+    machine.write("proc/meminfo",
+                  "MemTotal: 1000 kB\nMemFree: 100 kB\nBuffers: 50 kB\nCached: 200 kB\nShmem: 50 kB\n"
+                  "SReclaimable: 100 kB\nSwapTotal: 10 kB\nSwapFree: 4 kB\n");
+    const SCMem mem = readMemStats(*platform::openReaders(machine.root()));
+    EXPECT_EQ(mem.freePercent, 40u);
+    EXPECT_EQ(mem.swapUsed, 6u * 1024);
+    EXPECT_EQ(mem.pressureLevel, 1u);
+    machine.remove("proc/meminfo");
+    const SCMem none = readMemStats(*platform::openReaders(machine.root()));
+    EXPECT_EQ(none.total, 0u);
+    EXPECT_EQ(none.pressureLevel, 1u) << "never 0";
+}
+
+TEST(CapturedMemory, PressureLevels) {
+    const auto psi = platform::parseMemoryPressure("some avg10=12.50 avg60=1.00 avg300=0.1 total=7\n"
+                                                   "full avg10=3.20 avg60=0.00 avg300=0.0 total=3\n");
+    EXPECT_DOUBLE_EQ(psi.someAvg10, 12.5);
+    EXPECT_DOUBLE_EQ(psi.fullAvg10, 3.2);
+    EXPECT_EQ(platform::memoryPressureLevel(500, 1000, {}), 1u);
+    EXPECT_EQ(platform::memoryPressureLevel(500, 1000, psi), 2u);
+    EXPECT_EQ(platform::memoryPressureLevel(99, 1000, {}), 2u);
+    EXPECT_EQ(platform::memoryPressureLevel(500, 1000, {20, 10}), 4u);
+    EXPECT_EQ(platform::memoryPressureLevel(39, 1000, {}), 4u);
+    EXPECT_EQ(platform::parseMemoryPressure("some avg10=").someAvg10, 0);
+}
+
+TEST(CapturedMemory, CompressedRamDisksCount) {
+    TempRoot machine;
+    machine.write("proc/meminfo", "MemTotal: 1000 kB\nZswap: 2 kB\n")
+        .write("sys/block/zram0/mm_stat", "  8192 4096 5000 0 5000 0 0 0 0\n")
+        .write("sys/block/zram3/mm_stat", "1 2 3000 4\n")
+        .write("sys/block/sda/stat", "1");
+    EXPECT_EQ(readMemStats(*platform::openReaders(machine.root())).compressed, 2048u + 5000 + 3000);
+}
+
+TEST(CapturedProcesses, NumbersAsPublished) {
+    const auto readers = readersOf("one-editor");
+    ProcessSampler sampler(SystemRoot(QUARN_FIXTURES "/hosts/one-editor"));
+    const auto& list = sampler.sample(*readers);
+    ASSERT_EQ(list.size(), 3u);
+
+    EXPECT_EQ(list[0].pid, 584);
+    EXPECT_EQ(list[0].name, "(a b ) ( c d) ") << "a name of blanks and brackets";
+    EXPECT_EQ(list[0].state, "Running");
+
+    const auto& vim = list[1];
+    EXPECT_EQ(vim.name, "vim");
+    EXPECT_EQ(vim.path, "/usr/bin/vim");
+    EXPECT_EQ(vim.ppid, 5392);
+    EXPECT_EQ(vim.uid, 1000u);
+    EXPECT_EQ(vim.user, "1000") << "a captured machine without accounts shows the number";
+    EXPECT_EQ(vim.cpuTimeNs, (1677u + 44u) * uint64_t{10'000'000});
+    EXPECT_EQ(vim.startTime, 1418183276u + 823);
+    EXPECT_EQ(vim.memBytes, (2092u + 660u) * 1024);
+    EXPECT_EQ(vim.contextSwitches, 4742839u + 1727500u);
+    EXPECT_EQ(vim.diskRead, 1024u);
+    EXPECT_EQ(vim.diskWrite, 2048u);
+    EXPECT_TRUE(vim.ioKnown);
+
+    EXPECT_EQ(list[2].name, "ata_sff");
+    EXPECT_FALSE(list[2].ioKnown);
+
+    double load[3];
+    EXPECT_EQ(platform::loadAverage(*readers, load), 3);
+    EXPECT_DOUBLE_EQ(load[0], 0.02);
+    EXPECT_EQ(platform::bootTime(SystemRoot(QUARN_FIXTURES "/hosts/one-editor")), 1418183276u);
+}
+
+} // namespace

@@ -1,0 +1,70 @@
+/* The flat interface used from plain C, on the machine at hand. Returns the number of the check that failed.
+ */
+#include "core/sc.h"
+
+#include <math.h>
+#include <string.h>
+#include <unistd.h>
+
+int quarn_flat_interface_check(void);
+
+int quarn_flat_interface_check(void) {
+    sc_sampler_destroy(NULL);
+    SCSampler* sampler = sc_sampler_create();
+    if (!sampler) return 1;
+
+    const SCCpu cpu = sc_sample_cpu(sampler);
+    if (cpu.idle != 100 || cpu.total != 0 || cpu.coreCount == 0 || cpu.coreCount > SC_MAX_CORES) return 2;
+    for (uint32_t i = 0; i < SC_MAX_CORES; ++i)
+        if (cpu.cores[i] != 0 || cpu.coreSystem[i] != 0) return 3;
+
+    const SCMem mem = sc_read_mem();
+    if (mem.total == 0 || mem.used == 0 || mem.used > mem.total || mem.pageSize == 0) return 4;
+    if (mem.freeCount != mem.freeBytes || mem.pressureLevel == 0) return 5;
+
+    double load[3] = {-1, -1, -1};
+    if (sc_load_average(load) != 3 || load[0] < 0) return 6;
+    if (sc_uptime_seconds() <= 0 || sc_uptime_seconds() != floor(sc_uptime_seconds())) return 7;
+    if (sc_is_root() != (geteuid() == 0)) return 8;
+
+    uint32_t count = 0, threads = 0;
+    SCProcess* processes = sc_sample_processes(sampler, &count, &threads);
+    if (!processes || count == 0 || threads < count) return 9;
+    const SCProcess* self = NULL;
+    for (uint32_t i = 0; i < count; ++i)
+        if (processes[i].pid == getpid()) self = &processes[i];
+    if (!self || self->ppid != getppid() || !self->accessible || self->cpuPercent != 0) return 10;
+    if (self->startTimeMicros == 0 || self->startTimeMicros != sc_process_start_time(getpid())) return 11;
+    if (strlen(self->name) == 0 || strlen(self->path) == 0 || self->memBytes == 0) return 12;
+    SCProcess zero;
+    memset(&zero, 0, sizeof zero);
+    if (memcmp(&processes[count], &zero, sizeof zero) != 0) return 13; /* the extra record is always there */
+    sc_free_processes(processes);
+    if (sc_process_start_time(0) != 0 || sc_process_start_time(1) != 0 || sc_process_start_time(-5) != 0)
+        return 14;
+
+    const SCNet net = sc_sample_net(sampler);
+    if (net.rxRate != 0 || net.txRate != 0) return 15;
+    const SCDisk disk = sc_sample_disk(sampler);
+    if (disk.readRate != 0 || disk.activeFraction != 0) return 16;
+
+    SCDiskDevice devices[4];
+    const int listed = sc_disk_devices(devices, 1);
+    if (listed < 0 || listed > 1 || sc_disk_devices(NULL, 4) != 0 || sc_disk_devices(devices, 0) != 0)
+        return 17;
+
+    SCVolume* volumes = sc_read_volumes(&count);
+    if (!volumes) return 18;
+    for (uint32_t i = 0; i < count; ++i)
+        if (volumes[i].total == 0 || volumes[i].used != volumes[i].total - volumes[i].freeBytes) return 19;
+    sc_free_volumes(volumes);
+
+    SCSampler* nowhere = sc_sampler_create_at("/nonexistent");
+    processes = sc_sample_processes(nowhere, &count, NULL);
+    if (!processes || count != 0) return 20;
+    sc_free_processes(processes);
+    if (sc_sample_cpu(nowhere).idle != 100 || sc_sample_cpu(nowhere).coreCount != 0) return 21;
+    sc_sampler_destroy(nowhere);
+    sc_sampler_destroy(sampler);
+    return 0;
+}
