@@ -1,0 +1,233 @@
+#include "HelperKit/SerialQueue.h"
+
+#include "HelperKit/ThreadTuning.h"
+
+#include <future>
+#include <latch>
+#include <pthread.h>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using namespace quarn;
+using namespace std::chrono_literals;
+
+template <class Value>
+Value on(SerialQueue& queue, std::function<Value()> read) {
+    Value value{};
+    queue.sync([&] { value = read(); });
+    return value;
+}
+
+int niceOf(SerialQueue& queue) {
+    return on<int>(queue, [] { return getpriority(PRIO_PROCESS, 0); });
+}
+
+TEST(SerialQueue, RunsWorkInTheOrderOfPostingWhoeverPosts) {
+    std::string order;
+    SerialQueue queue("test");
+    std::promise<void> postedByWork, posted;
+    queue.async([&] {
+        queue.async([&] { order += 'a'; });
+        postedByWork.set_value();
+        posted.get_future().wait();
+    });
+    postedByWork.get_future().wait();
+    queue.async([&] { order += 'b'; });
+    posted.set_value();
+    queue.sync([&] { order += 'c'; });
+    EXPECT_EQ(order, "abc");
+}
+
+TEST(SerialQueue, SyncFromManyThreadsRunsOneAtATime) {
+    SerialQueue queue("test");
+    int count = 0; // unguarded: the queue is what keeps it whole
+    std::vector<std::jthread> callers;
+    for (int caller = 0; caller < 8; ++caller)
+        callers.emplace_back([&] {
+            for (int i = 0; i < 200; ++i) {
+                int before = -1, after = -1;
+                queue.sync([&] {
+                    before = count++;
+                    after = count;
+                });
+                EXPECT_EQ(after, before + 1);
+            }
+        });
+    callers.clear();
+    EXPECT_EQ(count, 1600);
+}
+
+TEST(SerialQueue, SyncCarriesExceptionsAndRunsInlineOnTheQueue) {
+    SerialQueue queue("test"), other("other");
+    const auto fail = [] { throw std::runtime_error("broken"); };
+    EXPECT_THROW(queue.sync(fail), std::runtime_error);
+    queue.sync([&] {
+        EXPECT_TRUE(queue.isCurrent());
+        EXPECT_THROW(queue.sync(fail), std::runtime_error);
+        EXPECT_TRUE(on<bool>(other, [&] { return other.isCurrent() && !queue.isCurrent(); }));
+    });
+    EXPECT_FALSE(queue.isCurrent());
+}
+
+TEST(SerialQueue, LogsEscapedExceptionsAndGoesOn) {
+    ::testing::internal::CaptureStderr();
+    {
+        SerialQueue queue("queue with a fault");
+        queue.async([] { throw std::runtime_error("broken"); });
+        queue.async([] { throw 1; });
+        const auto timer = queue.every(1h, 0ns, [] { throw std::runtime_error("late"); });
+        EXPECT_EQ(on<int>(queue, [] { return 7; }), 7);
+    }
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "Quarn: queue with a fault: broken\n"
+              "Quarn: queue with a fault: an exception without a description\n"
+              "Quarn: queue with a fault: late\n");
+}
+
+TEST(SerialQueue, DestructionRunsPendingWorkButNoTimers) {
+    std::string order;
+    std::thread::id queueThread, closureDestroyedOn;
+    std::latch go(1);
+    {
+        SerialQueue queue("test");
+        queue.async([&] {
+            queueThread = std::this_thread::get_id();
+            go.wait();
+            queue.async([&] { order += 'b'; });
+        });
+        queue.async([&] { order += 'a'; });
+        const std::shared_ptr<int> witness(
+            new int, [&](int* p) { closureDestroyedOn = std::this_thread::get_id(), delete p; });
+        queue.after(1h, [&, witness] { order += '!'; });
+        std::promise<void> queued;
+        std::thread([&] {
+            queue.async([&] { order += 'c'; });
+            go.count_down();
+        }).join();
+    }
+    EXPECT_TRUE(order == "acb" || order == "ac") << order; // b may have been posted too late
+    EXPECT_EQ(closureDestroyedOn, queueThread);
+}
+
+TEST(SerialQueue, PostingWhileTheQueueStopsNeitherRunsNorBlocks) {
+    std::promise<void> closed, tried;
+    bool ran = false;
+    auto queue = std::make_unique<SerialQueue>("test");
+    SerialQueue& closing = *queue;
+    queue->async([&] {
+        // Once the queue is closing a posted closure is dropped at once.
+        for (bool dropped = false; !dropped; std::this_thread::yield()) {
+            auto token = std::make_shared<int>();
+            const std::weak_ptr<int> alive = token;
+            closing.async([token = std::move(token)] {});
+            dropped = alive.expired();
+        }
+        closed.set_value();
+        tried.get_future().wait();
+    });
+    std::jthread late([&] {
+        closed.get_future().wait();
+        closing.sync([&] { ran = true; });
+        const auto timer = closing.every(1ms, 0ns, [&] { ran = true; });
+        closing.after(0ns, [&] { ran = true; });
+        tried.set_value();
+    });
+    queue.reset();
+    EXPECT_FALSE(ran);
+}
+
+TEST(SerialQueue, TimerRunsAtOnceThenRepeatsUntilItCancelsItself) {
+    SerialQueue queue("test");
+    std::promise<void> third;
+    std::unique_ptr<RepeatingTimer> timer;
+    int runs = 0;
+    const auto start = std::chrono::steady_clock::now();
+    queue.sync([&] {
+        timer = queue.every(2ms, 1ms, [&] {
+            if (++runs < 3) return;
+            timer->cancel();
+            third.set_value();
+        });
+    });
+    third.get_future().wait();
+    const auto took = std::chrono::steady_clock::now() - start;
+    EXPECT_GE(took, 4ms);
+    EXPECT_LT(took, 10s);
+    std::promise<void> later;
+    queue.after(6ms, [&] { later.set_value(); });
+    later.get_future().wait();
+    EXPECT_EQ(runs, 3);
+}
+
+TEST(SerialQueue, TimersMayBeDroppedAnywhereAndAnytime) {
+    std::unique_ptr<RepeatingTimer> outlives;
+    const auto witness = std::make_shared<int>();
+    {
+        SerialQueue queue("test");
+        outlives = queue.every(1ms, 0ns, [witness] {});
+        for (int i = 0; i < 200; ++i) queue.every(1ms, 0ns, [witness] {}).reset();
+        std::unique_ptr<RepeatingTimer> own;
+        std::promise<void> dropped;
+        queue.sync([&] {
+            own = queue.every(1ms, 0ns, [&, witness] {
+                own.reset();
+                dropped.set_value();
+            });
+        });
+        dropped.get_future().wait();
+        queue.sync([] {});
+        EXPECT_EQ(witness.use_count(), 2); // here and in the timer that is left
+    }
+    EXPECT_EQ(witness.use_count(), 1);
+    outlives->cancel();
+}
+
+TEST(SerialQueue, WorkRunsWithTheUsualTimerSlack) {
+    SerialQueue queue("test");
+    const auto usual = on<std::chrono::nanoseconds>(queue, threadTimerSlack);
+    const auto timer = queue.every(1h, 10min, [] {});
+    std::promise<std::chrono::nanoseconds> afterWaiting;
+    queue.after(3ms, [&] { afterWaiting.set_value(threadTimerSlack()); });
+    EXPECT_EQ(afterWaiting.get_future().get(), usual);
+}
+
+TEST(SerialQueue, NamesItsThreadAfterTheEndOfTheLabel) {
+    struct Case {
+        const char *label, *name;
+    };
+    for (const auto& c : {Case{"com.kelmora.quarn.sampler", "a.quarn.sampler"}, Case{"aux", "aux"}}) {
+        SerialQueue queue(c.label);
+        EXPECT_EQ(queue.label(), c.label);
+        EXPECT_EQ(on<std::string>(queue,
+                                  [] {
+                                      char name[16] = "";
+                                      pthread_getname_np(pthread_self(), name, sizeof name);
+                                      return std::string(name);
+                                  }),
+                  c.name);
+    }
+}
+
+TEST(SerialQueue, LowersOnlyWhatMayBeRaisedAgain) {
+    const int programs = getpriority(PRIO_PROCESS, 0);
+    SerialQueue background("test", QualityOfService::background);
+    EXPECT_EQ(niceOf(background), std::min(programs + 10, 19));
+
+    for (const bool privileged : {true, false}) {
+        SerialQueue queue("test", QualityOfService::userInitiated);
+        // For this one thread only; an ordinary user has no privilege to lose.
+        if (!privileged) queue.sync([] { syscall(SYS_setresuid, -1, 65534, -1); });
+        EXPECT_EQ(niceOf(queue), programs);
+        queue.setQualityOfService(QualityOfService::background);
+        EXPECT_TRUE(privileged || niceOf(queue) == programs);
+        queue.sync([&] { queue.setQualityOfService(QualityOfService::userInitiated); });
+        EXPECT_EQ(niceOf(queue), programs);
+    }
+}
+
+} // namespace
