@@ -1,0 +1,147 @@
+#include "HelperKit/RunLoop.h"
+
+#include <array>
+#include <stdexcept>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+using namespace quarn;
+
+struct Pipe {
+    Pipe() {
+        std::array<int, 2> ends{};
+        if (::pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
+        out.reset(ends[0]);
+        in.reset(ends[1]);
+    }
+    void write(std::string_view text) const {
+        ASSERT_EQ(::write(in.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    }
+    std::string read() const {
+        std::array<char, 64> buffer{};
+        const auto length = ::read(out.get(), buffer.data(), buffer.size());
+        return {buffer.data(), static_cast<size_t>(std::max<ssize_t>(length, 0))};
+    }
+    scutil::UniqueFd out, in;
+};
+
+TEST(RunLoop, RunsWorkOfOtherThreadsOnItsOwnUntilStopped) {
+    RunLoop loop;
+    int count = 0;
+    const auto own = std::this_thread::get_id();
+    {
+        std::vector<std::jthread> posters;
+        for (int i = 0; i < 4; ++i)
+            posters.emplace_back([&] {
+                for (int n = 0; n < 500; ++n)
+                    loop.async([&] {
+                        EXPECT_EQ(std::this_thread::get_id(), own);
+                        if (++count == 2000) loop.stop();
+                    });
+            });
+        loop.run();
+    }
+    EXPECT_EQ(count, 2000);
+}
+
+TEST(RunLoop, StopEndsTheRunAndKeepsTheRest) {
+    RunLoop loop;
+    std::string order;
+    loop.async([&] {
+        order += 'a';
+        loop.stop();
+    });
+    loop.async([&] { order += 'b'; });
+    loop.run();
+    EXPECT_EQ(order, "a");
+
+    loop.stop(); // before the run
+    loop.run();
+    EXPECT_EQ(order, "a");
+
+    loop.runPending();
+    EXPECT_EQ(order, "ab");
+
+    std::jthread stopper([&] { loop.stop(); }); // while it sleeps
+    loop.run();
+}
+
+TEST(RunLoop, EscapedExceptionsDoNotEndIt) {
+    RunLoop loop;
+    ::testing::internal::CaptureStderr();
+    loop.async([] { throw std::runtime_error("broken"); });
+    loop.async([&] { loop.stop(); });
+    loop.run();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Quarn: main loop: broken\n");
+}
+
+TEST(RunLoop, ServesDescriptorsBesideWorkThatNeverEnds) {
+    RunLoop loop;
+    const Pipe pipe;
+    std::string got;
+    const auto watch = loop.watch(pipe.out.get(), [&] {
+        got += pipe.read();
+        loop.stop();
+    });
+    std::function<void()> busy = [&] { loop.async(busy); };
+    loop.async(busy);
+    pipe.write("key");
+    loop.run();
+    EXPECT_EQ(got, "key");
+}
+
+TEST(RunLoop, ReportsWhatIsLeftAndTheEndOfTheFile) {
+    RunLoop loop;
+    Pipe pipe;
+    int calls = 0;
+    std::unique_ptr<RunLoop::Watch> watch;
+    watch = loop.watch(pipe.out.get(), [&] {
+        if (++calls < 3) return; // twice nothing is read
+        if (pipe.read().empty()) watch.reset();
+    });
+    loop.runPending();
+    EXPECT_EQ(calls, 0);
+    pipe.write("x");
+    loop.runPending();
+    loop.runPending();
+    loop.runPending();
+    pipe.in.reset();
+    for (int i = 0; i < 3; ++i) loop.runPending();
+    EXPECT_EQ(calls, 4);
+}
+
+TEST(RunLoop, DroppedWatchIsNotServedEvenInTheSameRound) {
+    RunLoop loop;
+    const Pipe one, two;
+    int calls = 0;
+    std::unique_ptr<RunLoop::Watch> first, second;
+    const auto dropBoth = [&] {
+        ++calls;
+        first.reset();
+        second.reset();
+    };
+    first = loop.watch(one.out.get(), dropBoth);
+    second = loop.watch(two.out.get(), dropBoth);
+    one.write("x");
+    two.write("x");
+    loop.runPending();
+    loop.runPending();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(RunLoop, DescriptorClosedUnderItsWatchIsForgotten) {
+    RunLoop loop;
+    Pipe pipe;
+    const auto watch = loop.watch(pipe.out.get(), [] { FAIL(); });
+    ::testing::internal::CaptureStderr(); // opens a file, so before the descriptor becomes free
+    pipe.out.reset();
+    loop.runPending();
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+              "Quarn: main loop: a watched descriptor was closed\n");
+    loop.stop();
+    loop.run();
+}
+
+} // namespace
