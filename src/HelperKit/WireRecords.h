@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio> // where stdout and stderr are macros, they are so for every user of this header
 #include <optional>
 #include <string>
 #include <vector>
@@ -38,6 +39,22 @@ struct HelperProcessList {
     bool operator==(const HelperProcessList&) const = default;
 };
 
+/// One TCP or UDP socket with the process that owns it.
+struct SocketRecord {
+    int64_t pid = 0;
+    std::string name;      ///< of the process
+    int64_t proto = 0;     ///< IP protocol number
+    int64_t ipVersion = 0; ///< 4 or 6
+    std::string local;
+    int64_t localPort = 0;
+    std::optional<std::string> remote; ///< absent without a peer
+    int64_t remotePort = 0;
+    int64_t tcpState = 0;
+    uint64_t socketID = 0;
+
+    bool operator==(const SocketRecord&) const = default;
+};
+
 /// Power and frequencies as the privileged helper measured them.
 struct HelperPower {
     std::optional<double> sampledAt; ///< seconds since the epoch
@@ -54,6 +71,33 @@ struct HelperPower {
     std::string source; ///< which reading produced the figures
 
     bool operator==(const HelperPower&) const = default;
+};
+
+/// Which build answers at the other end.
+struct VersionInfo {
+    int64_t major = 0;
+    int64_t minor = 0;
+    int64_t patch = 0;
+    int64_t build = 0;
+    std::string buildDate;
+
+    bool operator==(const VersionInfo&) const = default;
+};
+
+/// The outcome of a command that the helper ran.
+struct CommandResult {
+    std::string stdout;
+    std::string stderr;
+    int32_t exitCode = 0;
+    bool timedOut = false;
+    std::optional<std::string> launchError; ///< why it could not be started
+    bool outputTruncated = false;           ///< it wrote more than is kept
+
+    bool succeeded() const { return !failureDescription(); }
+    /// The first thing that went wrong, for the user or the log; absent on success.
+    std::optional<std::string> failureDescription() const;
+
+    bool operator==(const CommandResult&) const = default;
 };
 
 } // namespace quarn
