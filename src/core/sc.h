@@ -233,6 +233,35 @@ typedef struct SCBattery { /* -1 marks an unknown time, count or capacity */
     char health[32];
 } SCBattery;
 
+SCBattery sc_read_battery(void);
+
+typedef struct SCHardware { /* texts empty and numbers 0 when unknown; sizes in bytes */
+    char model[64];
+    char cpuBrand[128];
+    char arch[16];
+    char osVersion[32];
+    char osBuild[32];
+    char kernel[64];
+    char hostname[128];
+    char gpuName[64];
+    uint32_t ncpu; /* logical CPUs */
+    uint32_t physCpu;
+    uint32_t perfCores; /* 0, as the next, on a processor with one kind of core */
+    uint32_t effCores;
+    uint32_t gpuCores;
+    uint64_t memTotal;
+    uint64_t l2Cache; /* of one performance core, as the two below */
+    uint64_t pageSize;
+    uint64_t bootTime; /* seconds since the epoch */
+    uint64_t l1iCache;
+    uint64_t l1dCache;
+    uint64_t l2CacheE; /* of one efficiency core */
+    bool hvSupport;    /* can run virtual machines */
+    bool vmPresent;    /* is a virtual machine */
+} SCHardware;
+
+SCHardware sc_read_hardware(void);
+
 #ifdef __cplusplus
 }
 #endif
