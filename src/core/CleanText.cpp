@@ -24,7 +24,9 @@ size_t utf8Length(std::string_view text) {
     return length;
 }
 
-bool isControl(std::string_view character) {
+/// Controls, and the mark of a character that someone before could not read either.
+bool saysNothing(std::string_view character) {
+    if (character == "\xef\xbf\xbd") return true;
     const auto lead = static_cast<uint8_t>(character[0]);
     return lead < 0x20 || lead == 0x7f || (lead == 0xc2 && static_cast<uint8_t>(character[1]) < 0xa0);
 }
@@ -36,7 +38,7 @@ std::string cleanText(std::string_view text) {
     clean.reserve(text.size());
     while (!text.empty()) {
         const size_t length = utf8Length(text);
-        if (length > 0 && !isControl(text.substr(0, length))) clean += text.substr(0, length);
+        if (length > 0 && !saysNothing(text.substr(0, length))) clean += text.substr(0, length);
         text.remove_prefix(std::max<size_t>(length, 1));
     }
     return std::string(trimmed(clean));

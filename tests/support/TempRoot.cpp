@@ -1,5 +1,6 @@
 #include "support/TempRoot.h"
 
+#include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -52,6 +53,27 @@ TempRoot& TempRoot::copyFixture(std::string_view fixture, std::string_view relat
              fs::copy_options::recursive | fs::copy_options::copy_symlinks |
                  fs::copy_options::overwrite_existing);
     return *this;
+}
+
+TempRoot& TempRoot::unpack(std::string_view packed) {
+    std::istringstream lines(fixture(packed));
+    for (std::string line; std::getline(lines, line);) {
+        const size_t equals = line.find('=');
+        std::string content;
+        for (size_t i = equals + 1; i < line.size(); ++i) {
+            const bool escaped = line[i] == '\\' && ++i < line.size();
+            content += !escaped ? line[i] : line[i] == 'n' ? '\n' : line[i] == '0' ? '\0' : line[i];
+        }
+        write(line.substr(0, equals), content + '\n');
+    }
+    return *this;
+}
+
+std::optional<fs::path> outsideCapture(std::string_view relative) {
+    const char* folder = std::getenv("QUARN_CAPTURES");
+    const fs::path path =
+        (folder ? fs::path(folder) : fs::path(QUARN_SOURCE_DIR) / "build/captures") / relative;
+    return fs::exists(path) ? std::optional(path) : std::nullopt;
 }
 
 std::string fixture(std::string_view relative) {

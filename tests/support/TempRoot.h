@@ -3,6 +3,7 @@
 #include "core/SystemRoot.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,10 +27,17 @@ public:
     TempRoot& remove(std::string_view relative);
     /// Copies a folder of tests/fixtures into `relative`.
     TempRoot& copyFixture(std::string_view fixture, std::string_view relative = "");
+    /// Writes the files of a packed tree of tests/fixtures: "path=content" on each line, with \n, \0 and
+    /// \\ for line feeds, NULs and backslashes. For machines of a thousand one-number files.
+    TempRoot& unpack(std::string_view fixture);
 
 private:
     std::filesystem::path path_;
 };
+
+/// A folder of captures that the repository does not hold, below build/captures or where QUARN_CAPTURES says;
+/// nullopt when it is not there: a test of such captures skips itself.
+std::optional<std::filesystem::path> outsideCapture(std::string_view relative);
 
 /// The content of a file of tests/fixtures; fails the test when it is missing.
 std::string fixture(std::string_view relative);

@@ -1,0 +1,164 @@
+#include "core/HardwareInfo.h"
+#include "core/CpuTopology.h"
+#include "core/linux/HardwareTopology.h"
+#include "support/TempRoot.h"
+
+namespace {
+
+using namespace sysinfo;
+using quarn::testing::TempRoot;
+
+HardwareInfo unpacked(std::string_view machine) {
+    TempRoot root;
+    root.unpack("hardware/" + std::string(machine) + ".tree");
+    return readHardwareInfo(root.root());
+}
+
+constexpr uint64_t KiB = 1024, MiB = 1024 * KiB;
+
+TEST(HardwareInfo, CapturedProcessors) {
+    struct Case {
+        const char *machine, *teaches;
+        uint32_t logical, cores, performance, efficiency;
+        uint64_t l1i, l1d, l2, l2e, l3, clock;
+    };
+    for (const auto& c : {
+             Case{"hybrid-20",
+                  "two kinds of cores, told apart by their highest frequencies; half the threads", 20, 14, 6,
+                  8, 32 * KiB, 48 * KiB, 1280 * KiB, 2 * MiB, 24 * MiB, 1'900'000'000},
+             Case{"sparse-48", "eight last-level caches", 48, 48, 0, 0, 64 * KiB, 64 * KiB, 512 * KiB, 0,
+                  8 * 5118 * KiB, 0},
+             Case{"arm-128", "more CPUs than fit in one mask word", 128, 128, 0, 0, 64 * KiB, 64 * KiB,
+                  512 * KiB, 0, 4 * 32 * MiB, 0},
+             Case{"one-offline-16", "an offline CPU is not counted", 15, 15, 0, 0, 64 * KiB, 64 * KiB, MiB, 0,
+                  0, 0},
+             Case{"arm-2", "no cache is described", 2, 2, 0, 0, 0, 0, 0, 0, 0, 0},
+             Case{"s390-20", "core numbers that repeat from book to book", 20, 20, 0, 0, 0, 0, 0, 0, 0, 0},
+             Case{"four-sockets-40", "numbers interleaved over four packages", 40, 40, 0, 0, 32 * KiB,
+                  32 * KiB, 256 * KiB, 0, 4 * 30 * MiB, 2'400'000'000},
+             Case{"arm64-server", "no list of CPUs that are online", 1, 1, 0, 0, 64 * KiB, 64 * KiB, MiB, 0,
+                  32 * MiB, 0},
+         }) {
+        SCOPED_TRACE(std::string(c.machine) + ": " + c.teaches);
+        const auto info = unpacked(c.machine);
+        EXPECT_EQ(info.ncpu, c.logical);
+        EXPECT_EQ(info.physCpu, c.cores);
+        EXPECT_EQ(info.perfCores, c.performance);
+        EXPECT_EQ(info.effCores, c.efficiency);
+        EXPECT_EQ(info.l1iCache, c.l1i);
+        EXPECT_EQ(info.l1dCache, c.l1d);
+        EXPECT_EQ(info.l2Cache, c.l2);
+        EXPECT_EQ(info.l2CacheE, c.l2e);
+        EXPECT_EQ(info.l3Cache, c.l3);
+        EXPECT_NEAR(static_cast<double>(info.baseClockHz), static_cast<double>(c.clock), 1e7);
+    }
+}
+
+TEST(HardwareInfo, CapturedIdentities) {
+    struct Case {
+        const char *machine, *model, *brand, *arch, *kernel;
+        bool virtualises;
+    };
+    for (const auto& c : {
+             Case{"hybrid-20", "HP EliteBook 840 14 inch G10 Notebook PC",
+                  "13th Gen Intel(R) Core(TM) i7-1370P", "x86_64", "Linux 6.1.0-13-amd64", true},
+             Case{"sparse-48", "AMD DRACHMA", "AMD Engineering Sample", "x86_64", "", true},
+             Case{"arm-128", "Huawei XA320 V2", "Kunpeng-920", "aarch64",
+                  "Linux 5.15.0-rc1-00005-g4c1b4a4d90b6-dirty", false},
+             Case{"one-offline-16", "TYAN Computer S4881", "Dual Core AMD Opteron(tm) Processor 865",
+                  "x86_64", "", false},
+             Case{"arm-2", "ST-Ericsson MOP500 platform", "Cortex-A9", "armv7l", "", false},
+             Case{"s390-20", "", "IBM/S390", "s390x", "", false},
+             Case{"four-sockets-40", "Dell PowerEdge R910", "Intel(R) Xeon(R) CPU E7- 4870 @ 2.40GHz",
+                  "x86_64", "", true},
+             Case{"arm64-server", "", "Neoverse-N1", "aarch64", "", false},
+         }) {
+        SCOPED_TRACE(c.machine);
+        const auto info = unpacked(c.machine);
+        EXPECT_EQ(info.model, c.model);
+        EXPECT_EQ(info.cpuBrand, c.brand);
+        EXPECT_EQ(info.arch, c.arch);
+        EXPECT_EQ(info.kernel, c.kernel);
+        EXPECT_EQ(info.hvSupport, c.virtualises);
+        EXPECT_FALSE(info.vmPresent);
+    }
+}
+
+TEST(HardwareInfo, ThisMachine) {
+    const auto info = readHardwareInfo(SystemRoot::host());
+    EXPECT_GT(info.ncpu, 0u);
+    EXPECT_GT(info.physCpu, 0u);
+    EXPECT_LE(info.physCpu, info.ncpu);
+    EXPECT_FALSE(info.arch.empty());
+    EXPECT_TRUE(info.kernel.starts_with("Linux "));
+    EXPECT_FALSE(info.hostname.empty());
+    EXPECT_GE(info.pageSize, 4096u);
+    const SCHardware flat = sc_read_hardware();
+    EXPECT_EQ(flat.memTotal, info.memTotal);
+    EXPECT_EQ(info.cpuBrand.substr(0, 127), flat.cpuBrand);
+    EXPECT_EQ(info.osVersion.substr(0, 31), flat.osVersion);
+}
+
+TEST(HardwareInfo, FirstCpuOffline) {
+    TempRoot root;
+    root.unpack("hardware/hybrid-20.tree").write("sys/devices/system/cpu/online", "1-19\n");
+    root.remove("sys/devices/system/cpu/cpu0/cache").remove("sys/devices/system/cpu/cpu0/topology");
+    const auto info = readHardwareInfo(root.root());
+    EXPECT_EQ(info.ncpu, 19u);
+    EXPECT_EQ(info.physCpu, 14u) << "its core goes on with the other thread";
+    EXPECT_EQ(info.l1dCache, 48 * KiB);
+    EXPECT_EQ(info.l3Cache, 24 * MiB);
+}
+
+TEST(HardwareInfo, TheMonitorsOfAHybridProcessorNameItsKinds) {
+    TempRoot root;
+    root.unpack("hardware/hybrid-20.tree")
+        .write("sys/devices/cpu_core/cpus", "0-7\n")
+        .write("sys/devices/cpu_atom/cpus", "8-19\n");
+    const auto info = readHardwareInfo(root.root());
+    EXPECT_EQ(info.perfCores, 4u);
+    EXPECT_EQ(info.effCores, 10u);
+}
+
+TEST(CpuLayout, KindsOfCoresByWhatTheyCanDo) {
+    struct Case {
+        const char* teaches;
+        std::vector<uint64_t> capacities, frequencies;
+        uint32_t performance, efficiency;
+    };
+    for (const auto& c : {
+             Case{"three tiers: only the lowest saves", {1024, 800, 800, 280, 280, 280}, {}, 3, 3},
+             Case{"little cores at half the power", {1024, 1024, 485, 485}, {}, 2, 2},
+             Case{"equal capacities", {1024, 1024}, {}, 0, 0},
+             Case{"favoured cores are no other kind", {}, {5200, 5200, 5000, 5000}, 0, 0},
+             Case{"frequencies, where no capacity is told", {}, {5000, 3900, 3900}, 1, 2},
+             Case{"capacity before frequency", {1024, 1024}, {5000, 2000}, 0, 0},
+         }) {
+        std::vector<LogicalCpu> cpus(std::max(c.capacities.size(), c.frequencies.size()));
+        for (size_t i = 0; i < cpus.size(); ++i) {
+            cpus[i].core = std::to_string(i);
+            if (i < c.capacities.size()) cpus[i].capacity = c.capacities[i];
+            if (i < c.frequencies.size()) cpus[i].maxFreqKHz = c.frequencies[i];
+        }
+        const auto layout = deriveCpuLayout(cpus);
+        EXPECT_EQ(layout.performance, c.performance) << c.teaches;
+        EXPECT_EQ(layout.efficiency, c.efficiency) << c.teaches;
+    }
+    EXPECT_EQ(deriveCpuLayout({}).logical, 0u);
+}
+
+TEST(CpuList, AnyText) {
+    using List = std::vector<uint32_t>;
+    using platform::parseCpuList;
+    EXPECT_EQ(parseCpuList("0-2,5,7-8"), (List{0, 1, 2, 5, 7, 8}));
+    EXPECT_EQ(parseCpuList(" 3 "), (List{3}));
+    EXPECT_EQ(parseCpuList(""), List{});
+    EXPECT_EQ(parseCpuList("5-3"), List{});
+    EXPECT_EQ(parseCpuList("0-4000000000"), List{}) << "must not fill the memory";
+    EXPECT_EQ(parseCpuList("1,x,2"), List{1});
+    EXPECT_EQ(platform::parseCacheSize("32M"), 32 * MiB);
+    EXPECT_EQ(platform::parseCacheSize("K"), std::nullopt);
+    EXPECT_EQ(platform::parseCacheSize("unknown"), std::nullopt);
+}
+
+} // namespace
