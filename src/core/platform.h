@@ -3,6 +3,7 @@
 #include "core/SystemRoot.h"
 #include "core/Text.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -195,5 +196,37 @@ struct MountedVolume {
 /// The volumes a user would browse. A remote file system is asked on a thread of its own and answers with
 /// the last known figures while it does not reply, so this call never waits for a server.
 std::vector<MountedVolume> readMountedVolumes(const SystemRoot& root);
+
+// ---- Sockets
+
+/// One TCP or UDP socket as the kernel tells it.
+struct KernelSocket {
+    uint64_t id = 0;  ///< the same as long as the socket lives, 0 when it has none
+    int32_t pid = -1; ///< the lowest pid that holds a descriptor of it, −1 when none may be seen
+    uint16_t localPort = 0;
+    uint16_t remotePort = 0;
+    uint8_t protocol = 0; ///< 6 (TCP) or 17 (UDP)
+    int8_t tcpState = -1; ///< BSD numbering: 0 CLOSED to 10 TIME_WAIT; −1 for UDP and for unknown states
+    bool isIPv6 = false;  ///< of the IPv6 family, whatever its addresses
+    /// Network order; an address of the IPv4 family stands in the last four bytes.
+    std::array<uint8_t, 16> local{};
+    std::array<uint8_t, 16> remote{};
+    std::string_view processName; ///< empty when `pid` is −1 or its name cannot be read
+
+    bool operator==(const KernelSocket&) const = default;
+};
+
+/// Which sockets a listing holds: those of processes that the caller may inspect, or all of the machine,
+/// with those that belong to other users, to the kernel or (while closing) to nobody at the end.
+enum class SocketScope : uint8_t { inspectable, all };
+
+/// The open files of a socket listing and what it knows of processes that did not run since. Belongs to one
+/// thread at a time.
+class SocketReader;
+std::shared_ptr<SocketReader> openSocketReader(const SystemRoot& root);
+
+/// Reads into `out`, whose storage is reused: the sockets of the lowest pid first, each socket once. The
+/// names are valid until the next call. False when the kernel tells of no socket table at all.
+bool readSockets(SocketReader& reader, SocketScope scope, std::vector<KernelSocket>& out);
 
 } // namespace sysinfo::platform

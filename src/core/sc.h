@@ -261,6 +261,32 @@ typedef struct SCHardware { /* texts empty and numbers 0 when unknown; sizes in 
 } SCHardware;
 
 SCHardware sc_read_hardware(void);
+/* ---- Sockets. */
+
+typedef struct SCSocket {
+    int32_t pid;       /* owning process */
+    char name[64];     /* of the process */
+    int32_t protocol;  /* 6 (TCP) or 17 (UDP) */
+    int32_t ipVersion; /* 6 for sockets of the IPv6 family, whatever the form of the texts; else 4 */
+    char local[48];    /* empty for the unspecified address */
+    int32_t localPort;
+    bool hasRemote;
+    char remote[48]; /* empty when there is none */
+    int32_t remotePort;
+    int32_t state;     /* 0 CLOSED, 1 LISTEN, 2 SYN_SENT, 3 SYN_RECEIVED, 4 ESTABLISHED, 5 CLOSE_WAIT, 6
+                          FIN_WAIT_1,     7 CLOSING, 8 LAST_ACK, 9 FIN_WAIT_2, 10 TIME_WAIT; -1 for UDP */
+    uint64_t socketId; /* kernel identity of the socket, 0 when it has none */
+} SCSocket;
+
+/* The TCP and UDP sockets of every process that the caller may inspect, in the network namespace of the
+ * caller. A socket that several descriptors or processes share is listed once, under the lowest pid. Costs a
+ * look at every open descriptor; callers that list again and again use SocketLister. */
+SCSocket* sc_read_sockets(uint32_t* count);
+void sc_free_sockets(SCSocket* sockets);
+
+/* Writes an address of `family` (AF_INET: 4 bytes, AF_INET6: 16 bytes, network order) as text; empty for the
+ * unspecified address and for any other family. */
+void formatHost(int family, const void* address, char out[48]);
 
 #ifdef __cplusplus
 }
