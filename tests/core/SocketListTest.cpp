@@ -1,0 +1,257 @@
+// Real loopback sockets of this process and of a child, as the listing shows them.
+#include "core/SocketList.h"
+#include "core/linux/SocketDiag.h"
+#include "support/Child.h"
+#include "support/TempRoot.h"
+
+#include <arpa/inet.h>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <sys/socket.h>
+
+namespace {
+
+using namespace sysinfo;
+using quarn::testing::Child;
+using scutil::UniqueFd;
+
+constexpr int listenState = 1, establishedState = 4, closeWaitState = 5;
+
+union Address {
+    sockaddr plain;
+    sockaddr_in v4;
+    sockaddr_in6 v6;
+};
+
+Address address(int family, const char* host, uint16_t port = 0) {
+    Address result{};
+    result.plain.sa_family = static_cast<sa_family_t>(family);
+    if (family == AF_INET) {
+        result.v4.sin_port = htons(port);
+        EXPECT_EQ(::inet_pton(family, host, &result.v4.sin_addr), 1);
+    } else {
+        result.v6.sin6_port = htons(port);
+        EXPECT_EQ(::inet_pton(family, host, &result.v6.sin6_addr), 1);
+    }
+    return result;
+}
+
+socklen_t size(const Address& a) { return a.plain.sa_family == AF_INET ? sizeof a.v4 : sizeof a.v6; }
+
+uint16_t portOf(const UniqueFd& socket) {
+    Address own{};
+    socklen_t length = sizeof own;
+    ::getsockname(socket.get(), &own.plain, &length);
+    return ntohs(own.plain.sa_family == AF_INET ? own.v4.sin_port : own.v6.sin6_port);
+}
+
+UniqueFd bound(int type, const Address& to, bool onlyIPv6 = false) {
+    UniqueFd socket(::socket(to.plain.sa_family, type | SOCK_CLOEXEC, 0));
+    const int value = onlyIPv6;
+    if (to.plain.sa_family == AF_INET6)
+        ::setsockopt(socket.get(), IPPROTO_IPV6, IPV6_V6ONLY, &value, sizeof value);
+    EXPECT_EQ(::bind(socket.get(), &to.plain, size(to)), 0) << std::strerror(errno);
+    if (type == SOCK_STREAM) ::listen(socket.get(), 4);
+    return socket;
+}
+
+UniqueFd connected(int type, const Address& to, int family) {
+    UniqueFd socket(::socket(family, type | SOCK_CLOEXEC, 0));
+    EXPECT_EQ(::connect(socket.get(), &to.plain, size(to)), 0) << std::strerror(errno);
+    return socket;
+}
+
+UniqueFd accepted(const UniqueFd& listening) {
+    return UniqueFd(::accept4(listening.get(), nullptr, nullptr, SOCK_CLOEXEC));
+}
+
+std::vector<SCSocket> ofPort(const std::vector<SCSocket>& all, uint16_t port, int protocol = IPPROTO_TCP) {
+    std::vector<SCSocket> result;
+    for (const auto& socket : all)
+        if (socket.localPort == port && socket.protocol == protocol) result.push_back(socket);
+    return result;
+}
+
+std::vector<SCSocket> listed(SocketScope scope = SocketScope::inspectable) {
+    SocketLister lister(SystemRoot::host());
+    EXPECT_TRUE(lister.refresh(scope));
+    return lister.sockets();
+}
+
+bool hasIPv6() { return bool(std::ifstream("/proc/net/if_inet6").get() != EOF); }
+
+TEST(SocketList, ShowsEachKindOfSocketAsItIs) {
+    const auto any = bound(SOCK_STREAM, address(AF_INET, "0.0.0.0"));
+    const auto client = connected(SOCK_STREAM, address(AF_INET, "127.0.0.1", portOf(any)), AF_INET);
+    const auto server = accepted(any);
+    const auto udp = bound(SOCK_DGRAM, address(AF_INET, "127.0.0.1"));
+    const auto udpClient = connected(SOCK_DGRAM, address(AF_INET, "127.0.0.1", portOf(udp)), AF_INET);
+
+    uint32_t count = 99;
+    SCSocket* flat = sc_read_sockets(&count);
+    const std::vector<SCSocket> all(flat, flat + count);
+    EXPECT_EQ(flat[count].pid, 0) << "one zero record more than counted";
+    sc_free_sockets(flat);
+
+    const struct {
+        const char* what;
+        const UniqueFd& socket;
+        int protocol;
+        const char* local;
+        int state;
+        uint16_t remotePort;
+    } cases[] = {
+        {"listening", any, IPPROTO_TCP, "", listenState, 0},
+        {"client", client, IPPROTO_TCP, "127.0.0.1", establishedState, portOf(any)},
+        {"UDP", udp, IPPROTO_UDP, "127.0.0.1", -1, 0},
+        {"connected UDP", udpClient, IPPROTO_UDP, "127.0.0.1", -1, portOf(udp)},
+    };
+    for (const auto& each : cases) {
+        auto found = ofPort(all, portOf(each.socket), each.protocol);
+        std::erase_if(found, [&](const SCSocket& s) { return s.remotePort != each.remotePort; });
+        ASSERT_EQ(found.size(), 1U) << each.what;
+        EXPECT_EQ(found[0].pid, ::getpid()) << each.what;
+        EXPECT_STREQ(found[0].name, "core_tests") << each.what;
+        EXPECT_STREQ(found[0].local, each.local) << each.what;
+        EXPECT_EQ(found[0].state, each.state) << each.what;
+        EXPECT_EQ(found[0].ipVersion, 4) << each.what;
+        EXPECT_EQ(found[0].hasRemote, each.remotePort != 0) << each.what;
+        EXPECT_STREQ(found[0].remote, each.remotePort != 0 ? "127.0.0.1" : "") << each.what;
+        EXPECT_NE(found[0].socketId, 0U) << each.what;
+    }
+    EXPECT_EQ(ofPort(all, portOf(any)).size(), 2U) << "the listening socket and its connection";
+}
+
+TEST(SocketList, ShowsIPv4TextsWhereADualStackSocketSpeaksIPv4) {
+    if (!hasIPv6()) GTEST_SKIP() << "this kernel has no IPv6";
+    const auto dual = bound(SOCK_STREAM, address(AF_INET6, "::"));
+    const auto only = bound(SOCK_STREAM, address(AF_INET6, "::1"), true);
+    const auto v4Client =
+        connected(SOCK_STREAM, address(AF_INET6, "::ffff:127.0.0.1", portOf(dual)), AF_INET6);
+    const auto fromV4 = accepted(dual);
+    const auto v6Client = connected(SOCK_STREAM, address(AF_INET6, "::1", portOf(only)), AF_INET6);
+    const auto fromV6 = accepted(only);
+
+    const auto all = listed();
+    const auto client = ofPort(all, portOf(v4Client));
+    ASSERT_EQ(client.size(), 1U);
+    EXPECT_STREQ(client[0].local, "127.0.0.1");
+    EXPECT_STREQ(client[0].remote, "127.0.0.1");
+    EXPECT_EQ(client[0].ipVersion, 6);
+    const auto other = ofPort(all, portOf(v6Client));
+    ASSERT_EQ(other.size(), 1U);
+    EXPECT_STREQ(other[0].local, "::1");
+    EXPECT_STREQ(other[0].remote, "::1");
+    for (const auto& socket : ofPort(all, portOf(dual))) {
+        EXPECT_STREQ(socket.local, socket.state == listenState ? "" : "127.0.0.1");
+        EXPECT_EQ(socket.ipVersion, 6);
+    }
+}
+
+TEST(SocketList, ListsAnInheritedSocketOnceUnderTheLowestPid) {
+    const auto shared = bound(SOCK_STREAM, address(AF_INET, "127.0.0.1"));
+    const UniqueFd twice(::dup(shared.get()));
+    const Child child;
+    const auto found = ofPort(listed(), portOf(shared));
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].pid, std::min(::getpid(), child.pid()));
+}
+
+TEST(SocketList, ShowsSocketsThatNoProcessHoldsOnlyOnRequest) {
+    const auto listening = bound(SOCK_STREAM, address(AF_INET, "127.0.0.1"));
+    auto client = connected(SOCK_STREAM, address(AF_INET, "127.0.0.1", portOf(listening)), AF_INET);
+    const auto server = accepted(listening);
+    const uint16_t port = portOf(client);
+    client.reset(); // the kernel keeps its end until the server closes too
+
+    EXPECT_TRUE(ofPort(listed(), port).empty());
+    const auto all = listed(SocketScope::all);
+    const auto orphan = ofPort(all, port);
+    ASSERT_EQ(orphan.size(), 1U);
+    EXPECT_EQ(orphan[0].pid, noProcess);
+    EXPECT_STREQ(orphan[0].name, "");
+    for (const auto& socket : ofPort(all, portOf(listening))) {
+        EXPECT_EQ(socket.pid, ::getpid());
+        EXPECT_EQ(socket.state, socket.remotePort == port ? closeWaitState : listenState);
+    }
+}
+
+/// A child that opens and closes a listening socket and changes its name on command.
+void obey(char letter) {
+    static UniqueFd socket;
+    if (letter == 'o') socket = bound(SOCK_STREAM, address(AF_INET, "127.0.0.9"));
+    if (letter == 'c') socket.reset();
+    if (letter == 'n') std::ofstream("/proc/self/comm") << "renamed-process";
+}
+
+TEST(SocketList, KeepsWhatSleepsAndSeesWhatRan) {
+    Child child(obey), idle(obey);
+    idle.tell('o');
+    SocketLister lister(SystemRoot::host());
+    const auto refreshed = [&](const Child& of) {
+        child.settle();
+        idle.settle();
+        EXPECT_TRUE(lister.refresh(SocketScope::inspectable));
+        std::vector<SCSocket> found;
+        for (const auto& socket : lister.sockets())
+            if (socket.pid == of.pid() && std::string_view(socket.local) == "127.0.0.9")
+                found.push_back(socket);
+        return found;
+    };
+    EXPECT_EQ(refreshed(child).size(), 0U);
+    const auto first = refreshed(idle);
+    ASSERT_EQ(first.size(), 1U);
+    child.tell('o');
+    EXPECT_EQ(refreshed(child).size(), 1U);
+    child.tell('n');
+    EXPECT_STREQ(refreshed(child).at(0).name, "renamed-process");
+    const auto kept = refreshed(idle);
+    ASSERT_EQ(kept.size(), 1U) << "the descriptors of a sleeping process are not walked, but still known";
+    EXPECT_EQ(kept[0].socketId, first[0].socketId);
+    child.tell('c');
+    EXPECT_EQ(refreshed(child).size(), 0U);
+    idle.kill();
+    idle.reap();
+    EXPECT_TRUE(refreshed(child).empty());
+}
+
+TEST(SocketList, FindsSocketsBehindGapsInTheDescriptors) {
+    auto socket = bound(SOCK_STREAM, address(AF_INET, "127.0.0.1"));
+    const UniqueFd far(::fcntl(socket.get(), F_DUPFD_CLOEXEC, 900));
+    ASSERT_GE(far.get(), 900);
+    socket.reset();
+    EXPECT_EQ(ofPort(listed(), portOf(far)).size(), 1U);
+}
+
+/// The messages and the text of the running kernel must tell the same.
+TEST(SocketList, AgreesWithTheTablesAsText) {
+    const auto listening = bound(SOCK_STREAM, address(AF_INET, "127.0.0.1"));
+    const auto client = connected(SOCK_STREAM, address(AF_INET, "127.0.0.1", portOf(listening)), AF_INET);
+    const auto server = accepted(listening);
+    const auto udp = bound(SOCK_DGRAM, address(AF_INET, "127.0.0.1"));
+    const auto own = [&](const std::vector<platform::SocketEntry>& entries) {
+        std::map<uint32_t, platform::KernelSocket> result;
+        for (auto entry : entries) {
+            entry.socket.id = 0; // text knows no cookies
+            for (const auto* mine : {&listening, &client, &server, &udp})
+                if (entry.socket.localPort == portOf(*mine)) result.emplace(entry.inode, entry.socket);
+        }
+        return result;
+    };
+    for (const uint8_t protocol : {IPPROTO_TCP, IPPROTO_UDP}) {
+        const platform::SocketTable table{protocol, false};
+        std::vector<platform::SocketEntry> messages, lines;
+        ASSERT_TRUE(platform::SocketDiag().read(table, messages));
+        std::ostringstream text;
+        text << std::ifstream(protocol == IPPROTO_TCP ? "/proc/net/tcp" : "/proc/net/udp").rdbuf();
+        platform::parseSocketTable(text.str(), table, lines);
+        EXPECT_EQ(own(messages), own(lines));
+        EXPECT_EQ(own(messages).size(), protocol == IPPROTO_TCP ? 3U : 1U);
+    }
+}
+
+} // namespace
