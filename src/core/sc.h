@@ -261,8 +261,11 @@ typedef struct SCHardware { /* texts empty and numbers 0 when unknown; sizes in 
 } SCHardware;
 
 SCHardware sc_read_hardware(void);
+
 /* ---- Sockets. */
 
+/* `state` counts 0 CLOSED, 1 LISTEN, 2 SYN_SENT, 3 SYN_RECEIVED, 4 ESTABLISHED, 5 CLOSE_WAIT, 6 FIN_WAIT_1,
+ * 7 CLOSING, 8 LAST_ACK, 9 FIN_WAIT_2, 10 TIME_WAIT. */
 typedef struct SCSocket {
     int32_t pid;       /* owning process */
     char name[64];     /* of the process */
@@ -273,8 +276,7 @@ typedef struct SCSocket {
     bool hasRemote;
     char remote[48]; /* empty when there is none */
     int32_t remotePort;
-    int32_t state;     /* 0 CLOSED, 1 LISTEN, 2 SYN_SENT, 3 SYN_RECEIVED, 4 ESTABLISHED, 5 CLOSE_WAIT, 6
-                          FIN_WAIT_1,     7 CLOSING, 8 LAST_ACK, 9 FIN_WAIT_2, 10 TIME_WAIT; -1 for UDP */
+    int32_t state;     /* of TCP, as above; -1 for UDP */
     uint64_t socketId; /* kernel identity of the socket, 0 when it has none */
 } SCSocket;
 
