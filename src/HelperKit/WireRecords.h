@@ -49,8 +49,12 @@ struct SocketRecord {
     int64_t localPort = 0;
     std::optional<std::string> remote; ///< absent without a peer
     int64_t remotePort = 0;
-    int64_t tcpState = 0;
+    int64_t tcpState = 0; ///< BSD numbering, −1 for UDP
     uint64_t socketID = 0;
+
+    /// The sockets of every process that this one may inspect; empty on failure. Blocks for some
+    /// milliseconds on a machine with thousands of sockets.
+    static std::vector<SocketRecord> readAll();
 
     bool operator==(const SocketRecord&) const = default;
 };
