@@ -1,0 +1,64 @@
+#include "HelperKit/ByteReader.h"
+#include "HelperKit/ByteWriter.h"
+
+#include <limits>
+#include <sys/mman.h>
+
+namespace {
+
+using namespace quarn;
+
+TEST(ByteWriter, LaysOutIntegersLittleEndianAndTextsWithTheirLength) {
+    ByteWriter writer;
+    writer.integer<uint8_t>(0xFE);
+    writer.integer<int16_t>(-2);
+    writer.integer<uint32_t>(0x01020304);
+    writer.integer<int64_t>(-3);
+    writer.string("aß");
+    const Data raw{1, 2};
+    writer.bytes(raw);
+    EXPECT_EQ(writer.data(), (Data{0xFE, 0xFE, 0xFF, 4, 3, 2, 1, 0xFD, 0xFF, 0xFF, 0xFF, 0xFF,
+                                   0xFF, 0xFF, 0xFF, 3, 0, 0, 0, 'a',  0xC3, 0x9F, 1,    2}));
+}
+
+TEST(ByteWriter, RepairsTextsThatTheReaderWouldReject) {
+    ByteWriter writer;
+    writer.string("a\xFF");
+    ByteReader reader(writer.data());
+    EXPECT_EQ(reader.string(), "a\uFFFD");
+}
+
+TEST(ByteWriterDeathTest, TextBeyondItsLengthFieldEndsTheProgram) {
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    constexpr size_t length = size_t{1} << 32;
+    void* const space = mmap(nullptr, length, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(space, MAP_FAILED);
+    ByteWriter writer;
+    EXPECT_DEATH(writer.string({static_cast<const char*>(space), length}), "4294967295");
+    munmap(space, length);
+}
+
+TEST(ByteReader, WhatIsMissingIsAbsentAndMovesNothing) {
+    const Data data{0x80, 0xFF, 0x01};
+    ByteReader reader(data);
+    EXPECT_EQ(reader.integer<uint32_t>(), std::nullopt);
+    EXPECT_EQ(reader.bytes(4), std::nullopt);
+    EXPECT_EQ(reader.bytes(-1), std::nullopt);
+    EXPECT_EQ(reader.bytes(std::numeric_limits<int64_t>::min()), std::nullopt);
+    EXPECT_EQ(reader.integer<int16_t>(), -128);
+    EXPECT_EQ(reader.bytes(0)->size(), 0U);
+    EXPECT_EQ(reader.integer<int8_t>(), 1);
+    EXPECT_EQ(reader.integer<int8_t>(), std::nullopt);
+    EXPECT_EQ(reader.remaining(), 0U);
+}
+
+TEST(ByteReader, RejectsTextsThatAreShortOrIllFormed) {
+    for (const auto& data : {Data{3, 0, 0}, Data{3, 0, 0, 0, 'a', 'b'}, Data{0xFF, 0xFF, 0xFF, 0xFF, 'a'},
+                             Data{1, 0, 0, 0, 0xC3}}) {
+        ByteReader reader(data);
+        EXPECT_EQ(reader.string(), std::nullopt);
+        EXPECT_EQ(reader.remaining(), data.size());
+    }
+}
+
+} // namespace

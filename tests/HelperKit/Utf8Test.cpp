@@ -1,0 +1,39 @@
+#include "HelperKit/Utf8.h"
+
+namespace {
+
+using namespace quarn;
+
+TEST(Utf8, WellFormedTextIsLeftAlone) {
+    for (const std::string& text :
+         {std::string(), std::string("plain, longer than a chunk"), std::string("nul\0inside", 10),
+          std::string("größe ключ 進程 🦊"), std::string("\xC2\x80 \xDF\xBF"),
+          std::string("\xE0\xA0\x80"), std::string("\xED\x9F\xBF \xEE\x80\x80"),
+          std::string("\xF0\x90\x80\x80 \xF4\x8F\xBF\xBF")}) {
+        EXPECT_TRUE(isUtf8(text)) << text;
+        EXPECT_EQ(repairedUtf8(text), text);
+    }
+}
+
+TEST(Utf8, IllFormedStretchesBecomeOneReplacementEach) {
+    struct Case {
+        const char *text, *repaired; // ? stands for the replacement
+    };
+    for (const auto& c : {
+             Case{"12345678\xFF", "12345678?"}, Case{"a\x80 b", "a? b"}, // continuation without a start
+             Case{"\xC0\xAF\xC1\xBF", "????"},                           // overlong
+             Case{"\xE0\x9F\xBF\xF0\x8F\xBF\xBF", "???????"},            // overlong
+             Case{"\xED\xA0\x80", "???"},                                // surrogate
+             Case{"\xF4\x90\x80\x80\xF5", "?????"},                      // beyond U+10FFFF
+             Case{"\xE2\x82", "?"},                                      // cut at the end
+             Case{"\xF0\x9F\xA6x\xC3(", "?x?("},                         // cut by another character
+         }) {
+        EXPECT_FALSE(isUtf8(c.text));
+        std::string expected;
+        for (const char each : std::string(c.repaired))
+            expected += each == '?' ? std::string("\uFFFD") : std::string(1, each);
+        EXPECT_EQ(repairedUtf8(c.text), expected);
+    }
+}
+
+} // namespace
