@@ -42,7 +42,9 @@ TEST(SettingsText, EditsKeepWhatTheyDoNotConcern) {
 
 TEST(SettingsText, RewritesWhatCannotBeEditedInPlaceWithoutLosingAKey) {
     for (const std::string before :
-         {"[a]\nx = 1\n[b]\ny = 1979-05-27\n", "a.x = 1\na.y = 2\nb.y = 1979-05-27\n"}) {
+         {"[a]\nx = 1\n[b]\ny = 1979-05-27\n", "a.x = 1\na.y = 2\nb.y = 1979-05-27\n",
+          "\xef\xbb\xbf"
+          "a = { x = 1 }\nb = { y = [[1979-05-27, nan], { \"z\\n\" = '\"\\' }] }\n"}) {
         for (const std::optional<SettingValue>& value : {std::optional<SettingValue>(7.5), {}}) {
             const auto after = editedSettings(before, {{"a", value}});
             ASSERT_TRUE(after) << before;
@@ -88,6 +90,9 @@ TEST(SettingsText, ErrorsNameTheLine) {
     EXPECT_EQ(parsed.error->substr(0, 5), "line ");
     EXPECT_TRUE(parsed.values.empty());
     EXPECT_EQ(parseSettings("a = 1\nb\n").error->substr(0, 7), "line 2:");
+    for (const auto broken :
+         {"\xc3\xa9 = 1\n", "a = \xc3\xa9\n", "[,a]\n", "[\xc3\xa9]\n", "\xff", "a = 1\na = 2\n"})
+        EXPECT_TRUE(parseSettings(broken).error) << broken;
 }
 
 } // namespace

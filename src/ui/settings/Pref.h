@@ -8,11 +8,19 @@
 
 namespace quarn {
 
+/// What a person may store under a key; the program itself is free.
+struct Accepted {
+    double least = -std::numeric_limits<double>::infinity();
+    double most = std::numeric_limits<double>::infinity();
+    std::span<const std::string_view> choices{}; ///< the texts that a text, or each one of a list, may be
+    std::string_view form{};                     ///< of a text with a grammar of its own, for people
+};
+
 /// How a type is stored. `fromStored` answers nullopt for a value of the wrong type, which reads as the
 /// default.
 template <class T>
 struct PrefStorable {
-    static constexpr std::span<const std::string_view> choices{};
+    static constexpr Accepted accepted{};
     static std::optional<T> fromStored(const SettingValue& value) {
         if (const T* stored = std::get_if<T>(&value)) return *stored;
         if constexpr (std::is_same_v<T, double>) // "2" is a fine way to write 2.0 by hand
@@ -25,7 +33,7 @@ struct PrefStorable {
 /// An enumeration stored as one of the texts that name its cases.
 template <class E, const auto& texts>
 struct PrefStorableEnum {
-    static constexpr std::span<const std::string_view> choices{texts};
+    static constexpr Accepted accepted{.choices = texts};
     static std::optional<E> fromStored(const SettingValue& value) {
         const auto* text = std::get_if<std::string>(&value);
         const auto found = text ? std::find(texts.begin(), texts.end(), *text) : texts.end();
@@ -41,7 +49,8 @@ struct PrefStorable<TopAppsRange> : PrefStorableEnum<TopAppsRange, topAppsRangeT
 
 template <>
 struct PrefStorable<SidebarLayout> {
-    static constexpr std::span<const std::string_view> choices{};
+    static constexpr Accepted accepted{
+        .form = "pages in their order, as in \"cpu,memory;disks\" (hidden ones last)"};
     static std::optional<SidebarLayout> fromStored(const SettingValue& value) {
         const auto* text = std::get_if<std::string>(&value);
         return text ? SidebarLayout::decoded(*text) : std::nullopt;
@@ -60,13 +69,6 @@ struct Pref {
         if (found == values.end()) return defaultValue;
         return PrefStorable<T>::fromStored(found->second).value_or(defaultValue);
     }
-};
-
-/// What a person may store under a key; the program itself is free.
-struct Accepted {
-    double least = -std::numeric_limits<double>::infinity();
-    double most = std::numeric_limits<double>::infinity();
-    std::span<const std::string_view> choices{}; ///< the texts that a text, or each one of a list, may be
 };
 
 class SettingGroup;
@@ -125,7 +127,7 @@ template <class T>
 class Setting final : public AnySetting {
 public:
     Setting(SettingGroup& group, std::string_view key, T defaultValue, std::string_view meaning,
-            Accepted accepted = {.choices = PrefStorable<T>::choices})
+            Accepted accepted = PrefStorable<T>::accepted)
         : AnySetting(group, key, meaning, accepted), pref_{key, std::move(defaultValue)} {}
 
     const Pref<T>& pref() const { return pref_; }
