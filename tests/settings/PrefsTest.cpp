@@ -97,23 +97,6 @@ menuBarDetailed = "cpu"
     EXPECT_EQ(prefs.menuBarDetailed.get(), Texts{});
 }
 
-TEST(Prefs, WhatIsSetIsReadByTheNextProgram) {
-    SettingsFolder folder;
-    WatchfulStore store(folder), other(folder);
-    Prefs prefs(store);
-    const Prefs next(other);
-    prefs.backgroundInterval.set(2);
-    prefs.historyRange.set(HistoryRange::thirtyMinutes);
-    prefs.topAppsRange.set(TopAppsRange::hour);
-    prefs.widgets.set({"cpu", "disk"});
-    prefs.sidebarLayout.set({{"cpu", "disks"}, {"gpu"}});
-    EXPECT_EQ(next.backgroundInterval.get(), 2.0);
-    EXPECT_EQ(next.historyRange.get(), HistoryRange::thirtyMinutes);
-    EXPECT_EQ(next.topAppsRange.get(), TopAppsRange::hour);
-    EXPECT_EQ(next.widgets.get(), (Texts{"cpu", "disk"}));
-    EXPECT_EQ(next.sidebarLayout.get(), (SidebarLayout{{"cpu", "disks"}, {"gpu"}}));
-}
-
 TEST(Prefs, MenuBarModulesAreBuiltFromTheMenuBarSettings) {
     struct Case {
         int64_t item;

@@ -137,30 +137,4 @@ TEST(SettingsFailure, AUserWithoutAHomeIsTold) {
     EXPECT_NE(failureOf([&] { store.set("a", true); }).find("no home"), std::string::npos);
 }
 
-TEST(SettingsFailure, ProgramsKilledWhileWritingLeaveASoundFileAndNoLock) {
-    SettingsFolder folder;
-    folder.write("a = 1\n");
-    for (int round = 0; round < 10; ++round) {
-        int pipe[2];
-        ASSERT_EQ(::pipe(pipe), 0);
-        const pid_t pid = startProcess([&] {
-            SettingsStore store(folder.file());
-            for (int64_t i = 0;; ++i) {
-                store.set("b", std::string(static_cast<size_t>(i % 3000), 'x'));
-                if (i == round && ::write(pipe[1], "", 1) != 1) return 1;
-            }
-        });
-        char ready = 0;
-        EXPECT_EQ(::read(pipe[0], &ready, 1), 1);
-        ::kill(pid, SIGKILL);
-        exitStatus(pid);
-        ::close(pipe[0]);
-        ::close(pipe[1]);
-        SettingsStore store(folder.file());
-        EXPECT_EQ(store.value("a"), SettingValue(int64_t{1}));
-        store.set("round", int64_t{round});
-    }
-    EXPECT_FALSE(fs::exists(folder.file().string() + ".broken-1"));
-}
-
 } // namespace

@@ -38,15 +38,23 @@ TEST(SettingsStore, KeepsPermissionsCommentsAndForeignKeys) {
 TEST(SettingsStore, NoticesWhatOthersChange) {
     SettingsFolder folder;
     WatchfulStore store(folder);
+    const auto now = fs::file_time_type::clock::now();
     for (int64_t i = 0; i < 9; ++i) { // in place, of one size, and faster than the file system's clock
         folder.write("a = " + std::to_string(i) + "\n");
+        fs::last_write_time(folder.file(), now);
         EXPECT_EQ(store.value("a"), SettingValue(i));
     }
+    fs::last_write_time(folder.file(), now - std::chrono::hours(1));
+    EXPECT_EQ(store.value("a"), SettingValue(int64_t{8}));
+    const fs::path away = folder.folder.path() / "away";
+    fs::rename(folder.file(), away);
+    EXPECT_EQ(store.value("a"), std::nullopt);
+    fs::rename(away, folder.file());
+    EXPECT_EQ(store.value("a"), SettingValue(int64_t{8}));
     WatchfulStore(folder).set("a", "other"); // replaced
     EXPECT_EQ(store.value("a"), SettingValue("other"));
-    fs::remove(folder.file());
-    EXPECT_EQ(store.value("a"), std::nullopt);
 
+    fs::remove(folder.file());
     SettingsStore patient(folder.file(), std::chrono::hours(1));
     EXPECT_TRUE(patient.values()->empty());
     folder.write("a = true\n");

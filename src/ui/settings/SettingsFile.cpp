@@ -167,7 +167,7 @@ FileStamp SettingsFile::replace(std::string_view text) const {
 
 fs::path SettingsFile::keepAside(std::string_view text) const {
     for (int number = 1;; ++number) {
-        const fs::path aside = fmt::format("{}.broken-{}", path_.string(), number);
+        fs::path aside = fmt::format("{}.broken-{}", path_.string(), number);
         const scutil::UniqueFd fd(::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
         if (!fd && errno == EEXIST) continue;
         if (!fd) fail(aside, errno);
