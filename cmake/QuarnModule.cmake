@@ -35,8 +35,8 @@ function(quarn_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE quarn_options quarn_test_support ${arg_DEPENDS} GTest::gtest_main)
-  target_precompile_headers(${name} REUSE_FROM quarn_test_support)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
+    PROPERTIES TIMEOUT 120)
 endfunction()
 
 # quarn_fuzz(name SOURCES … DEPENDS …): one libFuzzer target with a seed corpus in corpus/<name>.
