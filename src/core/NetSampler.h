@@ -15,10 +15,13 @@ public:
     /// A listing that fails repeats the previous sample, rates included, and does not move its time.
     SCNet sample(platform::Readers& readers);
 
+    /// The arithmetic of `sample` on links listed at `nowNs` (CLOCK_MONOTONIC_RAW).
+    SCNet advance(const std::vector<platform::Link>& links, uint64_t nowNs);
+
 private:
     InterfaceTotals totals_;
     SCNet last_{};
-    std::optional<uint64_t> lastNs_; ///< CLOCK_MONOTONIC_RAW of the previous listing
+    std::optional<uint64_t> lastNs_; ///< when the previous listing was taken
     std::vector<platform::Link> links_;
     std::vector<InterfaceCounters> counted_;
 };

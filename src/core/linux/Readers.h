@@ -8,7 +8,7 @@
 
 namespace sysinfo::platform {
 
-class LinkSocket;
+class LinkReader;
 class ProcessTable;
 
 /// What one handle keeps open. Each reader file of this folder uses its own members.
@@ -29,7 +29,7 @@ public:
     KeptTable diskstats;
     std::vector<KeptTable> zram;       ///< mm_stat of each compressed RAM disk
     unsigned zramAge = 0;              ///< readings since the RAM disks were looked for; 0 looks now
-    std::shared_ptr<LinkSocket> links; ///< netlink, opened with the first listing
+    std::shared_ptr<LinkReader> links; ///< opened with the first listing
     std::unique_ptr<ProcessTable> processes;
 };
 

@@ -1,0 +1,340 @@
+// Network links: the kernel's messages, what counts as hardware, and the kernel itself.
+#include "NetlinkBytes.h"
+#include "core/InterfaceTotals.h"
+#include "core/linux/Files.h"
+#include "core/linux/LinkMessages.h"
+#include "core/linux/LinkSocket.h"
+#include "core/linux/LinkTraits.h"
+#include "core/linux/NetDev.h"
+#include "core/platform.h"
+#include "support/TempRoot.h"
+
+#include <algorithm>
+#include <arpa/inet.h>
+#include <linux/if_link.h>
+#include <linux/rtnetlink.h>
+#include <net/if.h>
+#include <net/if_arp.h>
+#include <sched.h>
+#include <sys/socket.h>
+#include <thread>
+
+namespace {
+
+using namespace sysinfo;
+using namespace sysinfo::platform;
+using quarn::testing::attribute;
+using quarn::testing::bytesOf;
+using quarn::testing::message;
+using quarn::testing::TempRoot;
+
+constexpr uint32_t sequence = 7;
+
+std::string linkPayload(int index, const std::string& name, const std::string& kind = "") {
+    ifinfomsg header{};
+    header.ifi_index = index;
+    header.ifi_flags = IFF_UP;
+    std::string payload = bytesOf(header) + attribute(IFLA_IFNAME, name + '\0');
+    if (!kind.empty()) payload += attribute(IFLA_LINKINFO, attribute(IFLA_INFO_KIND, kind + '\0'));
+    return payload;
+}
+
+std::string linkMessage(int index, const std::string& name, uint32_t number = sequence, uint16_t flags = 0) {
+    return message(RTM_NEWLINK, flags, number, linkPayload(index, name));
+}
+
+std::string statusMessage(uint16_t type, int32_t error, uint16_t flags = 0) {
+    return message(type, flags, sequence, bytesOf(error));
+}
+
+TEST(LinkMessages, OneAnswer) {
+    const std::string datagram =
+        message(RTM_NEWLINK, NLM_F_MULTI, sequence, linkPayload(3, "br0", "bridge")) +
+        linkMessage(2, "eth0") + statusMessage(NLMSG_DONE, 0);
+    DumpProgress progress;
+    std::vector<LinkIdentity> links;
+    parseLinks(datagram, sequence, progress, links);
+    ASSERT_EQ(links.size(), 2u);
+    EXPECT_EQ(links[0].index, 3u);
+    EXPECT_EQ(links[0].name, "br0");
+    EXPECT_EQ(links[0].kind, "bridge");
+    EXPECT_EQ(links[1].kind, "");
+    EXPECT_EQ(links[1].interfaceFlags, unsigned{IFF_UP});
+    EXPECT_TRUE(progress.ended && !progress.failed && !progress.interrupted);
+}
+
+TEST(LinkMessages, WhatCanBeWrongWithAnAnswer) {
+    const auto cut = [](std::string bytes, size_t by) { return bytes.substr(0, bytes.size() - by); };
+    std::string overlong = linkMessage(2, "eth0");
+    overlong[0] = '\x7f';
+    std::string tooShort = linkMessage(2, "eth0");
+    tooShort[0] = 8;
+    std::string longAttribute = linkMessage(2, "eth0");
+    longAttribute[sizeof(nlmsghdr) + sizeof(ifinfomsg)] = '\x40';
+    struct Case {
+        std::string datagram;
+        bool ended, failed, interrupted;
+        size_t links;
+        const char* lesson;
+    };
+    for (const auto& c : {
+             Case{"", false, false, false, 0, "an empty datagram"},
+             Case{cut(linkMessage(2, "eth0"), 4), false, true, false, 0, "cut in the middle"},
+             Case{linkMessage(2, "eth0") + "\1\2\3", false, true, false, 1, "a piece of a header follows"},
+             Case{overlong, false, true, false, 0, "longer than the datagram"},
+             Case{tooShort, false, true, false, 0, "shorter than its header"},
+             Case{longAttribute, false, false, false, 0, "an attribute beyond the message"},
+             Case{linkMessage(2, "eth0", sequence - 1), false, false, false, 0,
+                  "an answer to another request"},
+             Case{linkMessage(2, "eth0", sequence, NLM_F_DUMP_INTR) + statusMessage(NLMSG_DONE, 0), true,
+                  false, true, 1, "links came or went meanwhile"},
+             Case{statusMessage(NLMSG_DONE, 0, NLM_F_DUMP_INTR), true, false, true, 0, "said at the end"},
+             Case{statusMessage(NLMSG_DONE, -5), true, true, false, 0, "ended by an error"},
+             Case{statusMessage(NLMSG_ERROR, -1), false, true, false, 0, "refused"},
+             Case{statusMessage(NLMSG_ERROR, 0), false, false, false, 0, "an acknowledgement"},
+             Case{statusMessage(NLMSG_DONE, 0) + linkMessage(2, "eth0"), true, false, false, 0,
+                  "more after the end"},
+             Case{linkMessage(0, "eth0"), false, false, false, 0, "no index"},
+             Case{linkMessage(2, ""), false, false, false, 0, "no name"},
+             Case{linkMessage(2, std::string(IF_NAMESIZE, 'x')), false, false, false, 0, "a name too long"},
+             Case{message(RTM_NEWLINK, 0, sequence, "abc"), false, false, false, 0, "no room for a header"},
+         }) {
+        DumpProgress progress;
+        std::vector<LinkIdentity> links;
+        parseLinks(c.datagram, sequence, progress, links);
+        EXPECT_EQ(progress.ended, c.ended) << c.lesson;
+        EXPECT_EQ(progress.failed, c.failed) << c.lesson;
+        EXPECT_EQ(progress.interrupted, c.interrupted) << c.lesson;
+        EXPECT_EQ(links.size(), c.links) << c.lesson;
+    }
+}
+
+TEST(LinkMessages, Counters) {
+    rtnl_link_stats64 stats{};
+    stats.rx_packets = 1;
+    stats.tx_packets = 2;
+    stats.rx_bytes = 5'000'000'000;
+    stats.tx_bytes = 4;
+    if_stats_msg header{};
+    header.ifindex = 9;
+    const auto counted = [&](const std::string& value) {
+        const std::string datagram =
+            message(RTM_NEWSTATS, 0, sequence, bytesOf(header) + attribute(IFLA_STATS_LINK_64, value));
+        DumpProgress progress;
+        std::vector<LinkCounters> counters;
+        parseLinkCounters(datagram, sequence, progress, counters);
+        return counters;
+    };
+    const auto whole = counted(bytesOf(stats));
+    ASSERT_EQ(whole.size(), 1u);
+    EXPECT_EQ(whole[0].index, 9u);
+    EXPECT_EQ(whole[0].rxBytes, 5'000'000'000u);
+    EXPECT_EQ(whole[0].txBytes, 4u);
+    EXPECT_EQ(whole[0].rxPackets, 1u);
+    EXPECT_EQ(whole[0].txPackets, 2u);
+    EXPECT_EQ(counted(bytesOf(stats) + "fields of a later kernel").size(), 1u);
+    EXPECT_EQ(counted(bytesOf(stats).substr(0, 31)).size(), 0u);
+}
+
+TEST(LinkMessages, InterfaceNameOfOneMessage) {
+    const std::string whole = linkMessage(2, "eth0");
+    EXPECT_EQ(interfaceName(whole.data(), whole.size()), "eth0");
+    EXPECT_EQ(interfaceName(whole.data(), whole.size() - 1), "");
+    EXPECT_EQ(interfaceName(whole.data(), 3), "");
+    const std::string other = message(RTM_DELLINK, 0, sequence, linkPayload(2, "eth0"));
+    EXPECT_EQ(interfaceName(other.data(), other.size()), "");
+}
+
+TEST(LinkTraits, TypesOfLinks) {
+    struct Case {
+        LinkTraits traits;
+        uint8_t type;
+        const char* lesson;
+    };
+    for (const auto& c : {
+             Case{{ARPHRD_ETHER, "", "", true, false}, linkTypeEthernet, "a wired port"},
+             Case{{ARPHRD_ETHER, "", "wlan", true, false}, linkTypeEthernet, "a wireless port"},
+             Case{{ARPHRD_INFINIBAND, "ipoib", "", true, false}, linkTypeEthernet, "InfiniBand"},
+             Case{{ARPHRD_RAWIP, "", "wwan", true, false}, linkTypeCellular, "a modem"},
+             Case{{ARPHRD_NONE, "wwan", "wwan", false, false}, linkTypeCellular, "a modem by its kind"},
+             Case{{ARPHRD_ETHER, "bridge", "bridge", false, false}, linkTypeOther, "a bridge"},
+             Case{{ARPHRD_ETHER, "macvlan", "", true, false}, linkTypeOther, "made of another link"},
+             Case{{ARPHRD_ETHER, "", "", false, false}, linkTypeOther, "no device, no kind: a tap of old"},
+             Case{
+                 {ARPHRD_IEEE80211_RADIOTAP, "", "wlan", true, false}, linkTypeOther, "a monitor of the air"},
+             Case{{ARPHRD_CAN, "can", "", true, false}, linkTypeOther, "a field bus"},
+             Case{{ARPHRD_ETHER, "", "dsa", true, false}, linkTypeOther, "a port of a switch"},
+             Case{{ARPHRD_ETHER, "", "", true, true}, linkTypeOther, "the fast half of a virtual port"},
+         })
+        EXPECT_EQ(linkType(c.traits), c.type) << c.lesson;
+}
+
+TEST(LinkTraits, ReadFromSysfs) {
+    TempRoot machine;
+    machine.link("sys/class/net/eth0", "../../devices/vmbus/1/net/eth0")
+        .write("sys/devices/vmbus/1/net/eth0/type", "1")
+        .link("sys/class/net/eth1", "../../devices/pci0000:00/0000:00:03.0/net/eth1")
+        .write("sys/devices/pci0000:00/0000:00:03.0/net/eth1/type", "1")
+        .link("sys/devices/pci0000:00/0000:00:03.0/net/eth1/master", "../../../../vmbus/1/net/eth0")
+        .link("sys/class/net/br0", "../../devices/virtual/net/br0")
+        .write("sys/devices/virtual/net/br0/uevent", "DEVTYPE=bridge\nINTERFACE=br0\n")
+        .link("sys/class/net/eth2", "../../devices/pci0000:00/0000:00:04.0/net/eth2")
+        .write("sys/devices/pci0000:00/0000:00:04.0/net/eth2/type", "1")
+        .link("sys/devices/pci0000:00/0000:00:04.0/net/eth2/master", "../../../../virtual/net/br0")
+        .write("sys/class/net/wwp0/uevent", "DEVTYPE=wwan\n")
+        .folder("sys/class/net/wwp0/device");
+    const auto typeOf = [&](const char* name) { return linkType(readLinkTraits(machine.root(), name)); };
+    EXPECT_EQ(typeOf("eth0"), linkTypeEthernet);
+    EXPECT_EQ(typeOf("eth1"), linkTypeOther) << "eth0 counts its traffic already";
+    EXPECT_EQ(typeOf("br0"), linkTypeOther);
+    EXPECT_EQ(typeOf("eth2"), linkTypeEthernet) << "the bridge above does not count, its port does";
+    EXPECT_EQ(typeOf("wwp0"), linkTypeCellular);
+    EXPECT_EQ(typeOf("enp3s0"), linkTypeEthernet) << "nothing captured: the name decides";
+    EXPECT_EQ(typeOf("docker0"), linkTypeOther);
+}
+
+TEST(NetDev, LinesOfTheTable) {
+    const auto lines = parseNetDev("Inter-|   Receive  |  Transmit\n face |bytes    packets\n"
+                                   "  eth0:5000000000 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\n"
+                                   "eth0:1: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\n"
+                                   "short: 1 2 3\nwords: a b c d e f g h i j k l m n o p\n: 1 2\n\n");
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0].name, "eth0");
+    EXPECT_EQ(lines[0].rxBytes, 5'000'000'000u);
+    EXPECT_EQ(lines[0].txBytes, 9u);
+    EXPECT_EQ(lines[0].collisions, 14u);
+    EXPECT_EQ(lines[1].name, "eth0:1");
+}
+
+TEST(CapturedLinks, OnlyThePortOfAContainerHostCounts) {
+    const auto readers = openReaders(SystemRoot(QUARN_FIXTURES "/hosts/one-editor"));
+    std::vector<Link> links;
+    ASSERT_TRUE(listLinks(*readers, links));
+    ASSERT_EQ(links.size(), 4u);
+    std::string counted;
+    for (const auto& link : links)
+        if (countsInterface(link.name, link.flags, link.type)) counted += link.name;
+    EXPECT_EQ(counted, "eth0");
+    EXPECT_EQ(links[3].rxBytes, 874354587u);
+    EXPECT_EQ(links[3].txPackets, 732147u);
+    EXPECT_EQ(links[1].flags & linkLoopback, unsigned{linkLoopback}) << "known by its name";
+}
+
+uint64_t loopbackBytes(const std::vector<LinkIdentity>& identities,
+                       const std::vector<LinkCounters>& counters) {
+    for (const auto& c : counters)
+        for (const auto& identity : identities)
+            if (identity.index == c.index && identity.name == "lo") return c.rxBytes;
+    return 0;
+}
+
+TEST(LinkSocket, AgreesWithTheTableThatTheKernelPrints) {
+    const auto loopback = [] {
+        for (const auto& line : parseNetDev(readTable("/proc/net/dev").value_or("")))
+            if (line.name == "lo") return line.rxBytes;
+        return uint64_t{0};
+    };
+    LinkSocket socket;
+    const uint64_t before = loopback();
+    ASSERT_TRUE(socket.read());
+    const uint64_t after = loopback();
+    const uint64_t read = loopbackBytes(socket.identities(), socket.counters());
+    EXPECT_GE(read, before);
+    EXPECT_LE(read, after);
+}
+
+/// One request that changes links, sent from the calling thread's network namespace; true when it was done.
+bool changeLinks(uint16_t type, uint16_t flags, const std::string& payload) {
+    const scutil::UniqueFd fd(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE));
+    const std::string request = message(type, NLM_F_REQUEST | NLM_F_ACK | flags, 1, payload);
+    std::array<char, 4096> reply{};
+    if (::send(fd.get(), request.data(), request.size(), 0) < 0) return false;
+    if (::recv(fd.get(), reply.data(), reply.size(), 0) < static_cast<ssize_t>(sizeof(nlmsghdr) + 4))
+        return false;
+    int32_t error = -1;
+    std::memcpy(&error, reply.data() + sizeof(nlmsghdr), sizeof error);
+    return error == 0;
+}
+
+std::string namesOf(const std::vector<LinkIdentity>& identities) {
+    std::string names;
+    for (const auto& identity : identities) names += identity.name + ' ';
+    return names;
+}
+
+void followLinksThatChange() {
+    LinkSocket socket;
+    ASSERT_TRUE(socket.read());
+    const std::string atFirst = namesOf(socket.identities());
+    const uint64_t revision = socket.revision();
+    ASSERT_TRUE(socket.read());
+    EXPECT_EQ(socket.revision(), revision) << "names are not asked again without need";
+
+    const std::string bridge = attribute(IFLA_LINKINFO, attribute(IFLA_INFO_KIND, "bridge"));
+    if (!changeLinks(RTM_NEWLINK, NLM_F_CREATE | NLM_F_EXCL,
+                     bytesOf(ifinfomsg{}) + attribute(IFLA_IFNAME, std::string("quarn0") + '\0') + bridge))
+        GTEST_SKIP() << "this kernel makes no bridges";
+    ASSERT_TRUE(socket.read());
+    EXPECT_GT(socket.revision(), revision);
+    EXPECT_EQ(namesOf(socket.identities()), atFirst + "quarn0 ");
+    EXPECT_EQ(socket.identities().back().kind, "bridge");
+    EXPECT_EQ(socket.counters().size(), socket.identities().size());
+
+    ifinfomsg link{};
+    link.ifi_index = static_cast<int>(socket.identities().back().index);
+    ASSERT_TRUE(
+        changeLinks(RTM_NEWLINK, 0, bytesOf(link) + attribute(IFLA_IFNAME, std::string("other0") + '\0')));
+    ASSERT_TRUE(socket.read());
+    EXPECT_EQ(namesOf(socket.identities()), atFirst + "other0 ");
+
+    ASSERT_TRUE(changeLinks(RTM_DELLINK, 0, bytesOf(link)));
+    ASSERT_TRUE(socket.read());
+    EXPECT_EQ(namesOf(socket.identities()), atFirst);
+    EXPECT_EQ(socket.counters().size(), socket.identities().size());
+}
+
+void countWhatTheLoopbackCarries() {
+    ifinfomsg loopback{};
+    loopback.ifi_index = 1;
+    loopback.ifi_flags = IFF_UP;
+    loopback.ifi_change = IFF_UP;
+    ASSERT_TRUE(changeLinks(RTM_NEWLINK, 0, bytesOf(loopback)));
+    LinkSocket socket;
+    ASSERT_TRUE(socket.read());
+    const uint64_t before = loopbackBytes(socket.identities(), socket.counters());
+
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    const scutil::UniqueFd receiver(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    ASSERT_EQ(::bind(receiver.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::getsockname(receiver.get(), reinterpret_cast<sockaddr*>(&address), &length), 0);
+    const std::string payload(1000, 'x');
+    ASSERT_EQ(::sendto(receiver.get(), payload.data(), payload.size(), 0,
+                       reinterpret_cast<const sockaddr*>(&address), sizeof address),
+              1000);
+    ASSERT_TRUE(socket.read());
+    constexpr uint64_t headers = 20 + 8; // IP and UDP
+    EXPECT_EQ(loopbackBytes(socket.identities(), socket.counters()) - before, 1000 + headers);
+}
+
+/// Runs `test` on a thread with a network of its own; false where that is not permitted.
+bool inOwnNetwork(void (*test)()) {
+    bool permitted = false;
+    std::thread([&] {
+        permitted = ::unshare(CLONE_NEWNET) == 0;
+        if (permitted) test();
+    }).join();
+    return permitted;
+}
+
+TEST(LinkSocket, FollowsLinksThatChange) {
+    if (!inOwnNetwork(followLinksThatChange)) GTEST_SKIP() << "a network namespace needs root";
+}
+
+TEST(LinkSocket, CountsEveryByte) {
+    if (!inOwnNetwork(countWhatTheLoopbackCarries)) GTEST_SKIP() << "a network namespace needs root";
+}
+
+} // namespace
