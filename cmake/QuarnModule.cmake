@@ -3,8 +3,8 @@
 add_library(quarn_options INTERFACE)
 target_include_directories(quarn_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(quarn_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wcast-qual
-  $<$<COMPILE_LANGUAGE:C>:-Wno-old-style-cast;-Wno-non-virtual-dtor>
+  -Wall -Wextra -Wpedantic -Wshadow -Wcast-qual
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Wold-style-cast>
   $<$<BOOL:${QUARN_WERROR}>:-Werror>)
 if(QUARN_SANITIZE)
   target_compile_options(quarn_options INTERFACE -fsanitize=${QUARN_SANITIZE} -fno-omit-frame-pointer

@@ -10,8 +10,8 @@
 /// call, and the files they read from. C++ callers use the samplers directly and so keep texts and lists
 /// shared; the sc_ functions copy into flat records. Belongs to one thread at a time.
 struct SCSampler {
-    explicit SCSampler(const sysinfo::SystemRoot& root)
-        : root(root), readers(sysinfo::platform::openReaders(root)), processes(root), disk(root) {}
+    explicit SCSampler(const sysinfo::SystemRoot& machine)
+        : root(machine), readers(sysinfo::platform::openReaders(root)), processes(root), disk(root) {}
 
     sysinfo::SystemRoot root;
     std::shared_ptr<sysinfo::platform::Readers> readers;

@@ -149,21 +149,25 @@ bool listLinks(Readers& readers, std::vector<Link>& out);
 
 // ---- Disks and volumes
 
-/// Counters of one physical drive since boot.
-struct DriveCounters {
-    std::string name; ///< of the block device
-    bool known = false;
+/// Counters of one storage drive since boot.
+struct DriveStats {
     uint64_t bytesRead = 0;
     uint64_t bytesWritten = 0;
     uint64_t opsRead = 0;
     uint64_t opsWritten = 0;
     uint64_t timeReadNs = 0;
     uint64_t timeWriteNs = 0;
+    bool ok = false; ///< the drive told its counters
 };
-/// The physical drives (no loop, zram, dm, md, nbd or sr device); reads into `out`.
+struct DriveCounters {
+    std::string name; ///< of the block device
+    DriveStats stats;
+};
+/// The physical drives (no loop, zram, dm, md, nbd or sr device, no partition); reads into `out`, whose
+/// storage is reused.
 bool readDriveCounters(Readers& readers, std::vector<DriveCounters>& out);
 
-/// The size of one whole physical disk in bytes, for the capacity.
+/// The sizes of the whole physical disks summed up. A drive without a medium is no disk.
 struct DriveCapacity {
     uint64_t bytes = 0;
     uint32_t disks = 0;
@@ -176,25 +180,28 @@ struct DriveDescription {
     std::string vendor;
     std::string product;
     std::string interconnect; ///< "NVMe", "SATA", "USB", "Virtio", …
-    std::string architecture;
-    std::string link;
-    std::string medium; ///< "SSD", "HDD" or empty
-    uint64_t size = 0;
-    bool internal = false;
+    std::string architecture; ///< "NVMe", "SATA (AHCI)", "USB Mass Storage", "SD card reader", …
+    std::string link;         ///< "PCIe 4.0 x4"
+    std::string medium;       ///< "SSD", "HDD" or empty, as for a virtual machine's disk
+    uint64_t size = 0;        ///< bytes
+    bool internal = false;    ///< known to be built in
     bool removable = false;
 };
+/// The physical drives that hold a medium, in the order of their names. Asks the kernel's tables only, never
+/// a device, so that none wakes.
 std::vector<DriveDescription> describeDrives(const SystemRoot& root);
 
 struct MountedVolume {
     std::string mount;
     std::string device;
     std::string fs;
-    uint64_t total = 0;
+    uint64_t total = 0;     ///< bytes; 0 while unknown (a server that has not answered yet, a captured root)
     uint64_t available = 0; ///< to ordinary users
     bool local = true;
 };
 /// The volumes a user would browse. A remote file system is asked on a thread of its own and answers with
-/// the last known figures while it does not reply, so this call never waits for a server.
+/// the last known figures while it does not reply: a call that meets a new one waits up to 50 ms for it, no
+/// other call waits for a server.
 std::vector<MountedVolume> readMountedVolumes(const SystemRoot& root);
 
 // ---- Sockets

@@ -3,6 +3,7 @@
 #include "core/FlatRecords.h"
 #include "core/MemStats.h"
 #include "core/SCSampler.h"
+#include "core/Storage.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/linux/BlockDevices.h"
 #include "core/linux/Files.h"
 #include "core/platform.h"
 
@@ -27,6 +28,7 @@ public:
     KeptTable uptime;
     KeptTable loadavg;
     KeptTable diskstats;
+    DriveNames driveNames;             ///< of the lines of diskstats
     std::vector<KeptTable> zram;       ///< mm_stat of each compressed RAM disk
     unsigned zramAge = 0;              ///< readings since the RAM disks were looked for; 0 looks now
     std::shared_ptr<LinkReader> links; ///< opened with the first listing

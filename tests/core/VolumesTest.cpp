@@ -1,0 +1,231 @@
+// Volumes: the mount table, which mounts are volumes, and servers that do not answer.
+#include "core/Storage.h"
+#include "core/linux/MountTable.h"
+#include "core/linux/VolumeAnswers.h"
+#include "support/TempRoot.h"
+
+#include <atomic>
+#include <future>
+#include <latch>
+#include <sys/statvfs.h>
+
+namespace {
+
+using namespace sysinfo;
+using namespace sysinfo::platform;
+using quarn::testing::TempRoot;
+using namespace std::chrono_literals;
+
+TEST(MountInfo, Lines) {
+    const auto mounts = parseMountInfo(
+        "36 35 98:0 /mnt1 /mnt\\0402\\011x\\134 rw,noatime master:1 shared:2 - ext3 /dev/ro\\040ot rw\n"
+        "1 1 0:5 /  /root rw,nosuid - rootfs rootfs rw\n"
+        "hello\n20 1 8:1 / relative rw - ext4 /dev/sda1 rw\n21 1 8:1 / /x rw shared:1\n22 1 8:1 / /y rw -\n"
+        "23 x 8:1 / /z rw - ext4 s rw\n"
+        "24 1 8:1 / /a\\999b\\04 rw - ext4 /dev/sda1");
+    ASSERT_EQ(mounts.size(), 3u);
+    EXPECT_EQ(mounts[0].id, 36u);
+    EXPECT_EQ(mounts[0].parent, 35u);
+    EXPECT_EQ(mounts[0].device, "98:0");
+    EXPECT_EQ(mounts[0].root, "/mnt1");
+    EXPECT_EQ(mounts[0].point, "/mnt 2\tx\\");
+    EXPECT_EQ(mounts[0].type, "ext3");
+    EXPECT_EQ(mounts[0].source, "/dev/ro ot");
+    EXPECT_EQ(mounts[1].type, "rootfs");
+    EXPECT_EQ(mounts[2].point, "/a\\999b\\04") << "no escapes";
+}
+
+TEST(MountTable, WhichMountsAreVolumes) {
+    struct Case {
+        const char* line; ///< from the device on; mounted above "/" unless it says otherwise
+        bool browsable;
+    };
+    for (const auto& c : {
+             Case{"8:2 / /home rw - ext4 /dev/sda2 rw", true},
+             Case{"8:2 / /boot/efi rw - vfat /dev/sda2 rw", true},
+             Case{"8:2 / /run/media/ann/STICK rw - exfat /dev/sdb1 rw", true},
+             Case{"11:0 / /media/cdrom ro - iso9660 /dev/sr0 ro", true},
+             Case{"0:40 / /tank rw - zfs tank rw", true},
+             Case{"0:41 /@data /data rw - btrfs /dev/sdc rw", true},
+             Case{"0:42 / /srv/nfs rw - nfs4 10.0.0.1:/export rw", true},
+             Case{"0:43 / /srv/sshfs rw - fuse.sshfs ann@host:/ rw", true},
+             Case{"0:44 / /mnt/own rw - fuse.mergerfs a:b rw", true},
+             Case{"8:3 / /mnt/windows rw - fuseblk /dev/sda3 rw", true},
+             Case{"8:3 / /var/lib/docker rw - ext4 /dev/sda3 rw", true},
+             Case{"0:21 / /proc rw - proc proc rw", false},
+             Case{"0:22 / /dev/shm rw - tmpfs tmpfs rw", false},
+             Case{"0:22 / /tmp rw - tmpfs tmpfs rw", false},
+             Case{"0:23 / /sys/fs/fuse/connections rw - fusectl fusectl rw", false},
+             Case{"0:24 / /mnt/auto rw - autofs systemd-1 rw", false},
+             Case{"7:1 / /snap/core/1 ro - squashfs /dev/loop1 ro", false},
+             Case{"7:1 / /opt/app ro - squashfs /dev/loop1 ro", false},
+             Case{"0:25 / /var/lib/docker/overlay2/a/merged rw - overlay overlay rw", false},
+             Case{"8:3 /x /var/lib/docker/volumes/x rw - ext4 /dev/sda3 rw", false},
+             Case{"8:3 /x /etc/hosts rw - ext4 /dev/sda3 rw", false},
+             Case{"0:26 / /run/user/1000/gvfs rw - fuse.gvfsd-fuse gvfsd-fuse rw", false},
+             Case{"0:26 / /home/ann/.gvfs rw - fuse.gvfsd-fuse gvfsd-fuse rw", false},
+             Case{"0:27 / /tmp/.mount_AppX ro - fuse.App.AppImage App.AppImage ro", false},
+             Case{"0:4 net:[4026531840] /run/netns/x rw - nsfs nsfs rw", false},
+             Case{"8:4 / /mnt/gone//deleted rw - ext4 /dev/sda4 rw", false},
+             Case{"8:4 /dir//deleted /mnt/bound rw - ext4 /dev/sda4 rw", false},
+         }) {
+        const auto table =
+            parseMountInfo(std::string("10 1 8:1 / / rw - ext4 /dev/sda1 rw\n11 10 ") + c.line + "\n");
+        ASSERT_EQ(table.size(), 2u) << c.line;
+        EXPECT_EQ(browsableMounts(table).size(), c.browsable ? 2u : 1u) << c.line;
+    }
+    EXPECT_EQ(browsableMounts(parseMountInfo("10 1 0:30 / / rw - overlay overlay rw\n")).size(), 1u)
+        << "the root is listed whatever it is made of";
+}
+
+TEST(MountTable, EachFileSystemOnceAndNothingHidden) {
+    const auto points = [](const std::string& lines) {
+        std::string all;
+        for (const auto& mount : browsableMounts(parseMountInfo(lines))) all += mount.point + ' ';
+        return all;
+    };
+    const std::string root = "10 1 8:1 / / rw - ext4 /dev/sda1 rw\n";
+    EXPECT_EQ(points(root + "11 10 8:1 /home /home rw - ext4 /dev/sda1 rw\n"), "/ ");
+    EXPECT_EQ(points("11 10 8:1 /srv /srv rw - ext4 x rw\n12 10 8:1 / /mnt/disk rw - ext4 x rw\n"),
+              "/mnt/disk ")
+        << "the whole before a folder of it";
+    EXPECT_EQ(points("11 10 8:1 / /mnt/long rw - ext4 x rw\n12 10 8:1 / /mnt/s rw - ext4 x rw\n"), "/mnt/s ");
+    EXPECT_EQ(points(root + "11 10 8:2 / /m rw - ext4 x rw\n12 11 8:3 / /m rw - xfs y rw\n"), "/ /m ");
+    EXPECT_EQ(browsableMounts(parseMountInfo("11 10 8:2 / /m rw - ext4 x rw\n12 11 8:3 / /m rw - xfs y rw\n"))
+                  .at(0)
+                  .type,
+              "xfs")
+        << "the upper of two mounts on one folder";
+    EXPECT_EQ(points(root + "11 10 8:2 / /m/sub rw - ext4 x rw\n12 10 0:9 / /m rw - tmpfs y rw\n"), "/ ")
+        << "something else was mounted over the way to it";
+    EXPECT_EQ(points(root + "12 10 0:9 / /m rw - tmpfs y rw\n11 12 8:2 / /m/sub rw - ext4 x rw\n"),
+              "/ /m/sub ");
+    EXPECT_EQ(points("11 12 8:2 / /m/s rw - ext4 x rw\n12 11 8:3 / /m rw - ext4 y rw\n"), "/m/s /m ")
+        << "parents in a ring end somewhere";
+}
+
+TEST(MountTable, WhatMayStall) {
+    const auto table = parseMountInfo("10 1 8:1 / / rw - ext4 /dev/sda1 rw\n"
+                                      "11 10 0:40 / /srv rw - nfs4 host:/x rw\n"
+                                      "12 11 8:2 / /srv/disk rw - ext4 /dev/sdb1 rw\n"
+                                      "13 10 0:41 / /mnt/fuse rw - fuse.encfs encfs rw\n"
+                                      "14 10 8:3 / /srvx rw - ext4 /dev/sdc1 rw\n"
+                                      "15 10 0:42 / /b rw - fuse.s3fs bucket rw\n");
+    std::string stalling, remote;
+    for (const auto& mount : table) {
+        if (canStall(mount, table)) stalling += mount.point + ' ';
+        if (isRemote(mount)) remote += mount.point + ' ';
+    }
+    EXPECT_EQ(stalling, "/srv /srv/disk /mnt/fuse /b ") << "the way to /srv/disk leads through a server";
+    EXPECT_EQ(remote, "/srv /b ");
+}
+
+/// A file system at "/hang" that answers when it is let go, and others that answer at once.
+struct Server {
+    VolumeAnswers::Ask ask() {
+        return [this](const std::string& point) -> std::optional<VolumeSpace> {
+            if (point == "/refuses") return {};
+            if (point != "/hang") return VolumeSpace{100, 40};
+            ++asked;
+            letGo.wait();
+            return VolumeSpace{1000, 400};
+        };
+    }
+    std::atomic<int> asked = 0;
+    std::latch letGo{1};
+};
+
+using State = VolumeAnswers::Answer::State;
+
+TEST(VolumeAnswers, AFirstCallWaitsForWhoAnswersAndNoOtherCallWaits) {
+    Server server;
+    VolumeAnswers volumes(server.ask(), 1h);
+    const std::vector<VolumeAnswers::Question> quick{{"1", "/quick"}, {"2", "/refuses"}};
+    const auto first = volumes.answers(quick);
+    EXPECT_EQ(first[0].state, State::known);
+    EXPECT_EQ(first[0].space.available, 40u);
+    EXPECT_EQ(first[1].state, State::refused);
+
+    const std::vector<VolumeAnswers::Question> hanging{{"1", "/quick"}, {"3", "/hang"}};
+    auto waiting = std::async(std::launch::async, [&] { return volumes.answers(hanging); });
+    while (server.asked == 0) std::this_thread::yield();
+    for (int call = 0; call < 100; ++call) {
+        const auto answers = volumes.answers(hanging); // would take an hour if it waited
+        EXPECT_EQ(answers[0].state, State::known);
+        EXPECT_EQ(answers[1].state, State::unknown);
+    }
+    EXPECT_EQ(server.asked, 1) << "one thread for a server that hangs, however often it is asked";
+    server.letGo.count_down();
+    EXPECT_EQ(waiting.get()[1].space.total, 1000u);
+}
+
+TEST(VolumeAnswers, TheLastAnswerStaysWhileAServerHangs) {
+    std::latch letGo(1), asking(1);
+    int asked = 0;
+    VolumeAnswers volumes(
+        [&](const std::string&) -> std::optional<VolumeSpace> {
+            if (++asked == 2) {
+                asking.count_down();
+                letGo.wait();
+            }
+            return VolumeSpace{static_cast<uint64_t>(asked), 0};
+        },
+        1h);
+    const std::vector<VolumeAnswers::Question> question{{"1", "/srv"}};
+    EXPECT_EQ(volumes.answers(question)[0].space.total, 1u);
+    EXPECT_EQ(volumes.answers(question)[0].space.total, 1u);
+    asking.wait();
+    EXPECT_EQ(volumes.answers(question)[0].space.total, 1u);
+    letGo.count_down();
+    while (volumes.answers(question)[0].space.total < 2) std::this_thread::yield();
+}
+
+TEST(VolumeAnswers, PatienceEndsAndAThreadOutlivesItsOwner) {
+    auto server = std::make_shared<Server>();
+    const std::weak_ptr<Server> alive = server;
+    {
+        VolumeAnswers volumes([server, ask = server->ask()](const std::string& point) { return ask(point); },
+                              1ms);
+        EXPECT_EQ(volumes.answers({{"3", "/hang"}})[0].state, State::unknown);
+        EXPECT_TRUE(volumes.answers({}).empty());
+    }
+    while (server->asked == 0) std::this_thread::yield();
+    server->letGo.count_down();
+    server.reset();
+    while (!alive.expired()) std::this_thread::yield();
+}
+
+TEST(Volumes, TheRootOfThisMachineIsListedWithItsRoom) {
+    struct statvfs status {};
+    ASSERT_EQ(::statvfs("/", &status), 0);
+    for (const auto& volume : readVolumes(SystemRoot::host())) {
+        EXPECT_LE(volume.freeBytes, volume.total) << volume.mount;
+        if (volume.mount != "/") continue;
+        EXPECT_EQ(volume.total, uint64_t{status.f_blocks} * status.f_frsize);
+        EXPECT_EQ(volume.used, volume.total - volume.freeBytes);
+        return;
+    }
+    ADD_FAILURE() << "no root among the volumes";
+}
+
+TEST(CapturedVolumes, AreListedWithUnknownRoom) {
+    const auto volumes = readVolumes(SystemRoot(QUARN_FIXTURES "/hosts/mixed-disks"));
+    ASSERT_EQ(volumes.size(), 2u);
+    EXPECT_EQ(volumes[0].mount, "/");
+    EXPECT_EQ(volumes[0].device, "/dev/dm-2");
+    EXPECT_EQ(volumes[0].total, 0u);
+    EXPECT_EQ(volumes[1].mount, "/boot");
+    EXPECT_EQ(volumes[1].fs, "ext2");
+}
+
+TEST(CapturedVolumes, AMessyTable) {
+    const auto machine = quarn::testing::outsideCapture("ul/mountinfo-findmnt/mountinfo");
+    if (!machine) GTEST_SKIP() << "captured machines are not unpacked in build/captures";
+    TempRoot root;
+    root.link("proc/self/mountinfo", machine->string());
+    std::string seen;
+    for (const auto& volume : readVolumes(root.root())) seen += volume.mount + (volume.local ? " " : "* ");
+    EXPECT_EQ(seen, "/ /boot /home/kzak /mnt/sounds* ");
+}
+
+} // namespace
