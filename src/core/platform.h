@@ -17,6 +17,10 @@
 /// no system call.
 ///
 /// Functions return false, nullopt or an empty list when the reading failed; none throws.
+namespace sysinfo {
+class SMCConnection;
+}
+
 namespace sysinfo::platform {
 
 /// The open files and buffers of one sampler handle. Reading through kept descriptors costs half of opening
@@ -235,5 +239,11 @@ std::shared_ptr<SocketReader> openSocketReader(const SystemRoot& root);
 /// Reads into `out`, whose storage is reused: the sockets of the lowest pid first, each socket once. The
 /// names are valid until the next call. False when the kernel tells of no socket table at all.
 bool readSockets(SocketReader& reader, SocketScope scope, std::vector<KernelSocket>& out);
+
+// ---- Sensors
+
+/// The machine's sensors behind the interface of a sensor controller; null when it offers none. Chips are
+/// looked for with the first call.
+std::unique_ptr<SMCConnection> openSensors(const SystemRoot& root);
 
 } // namespace sysinfo::platform

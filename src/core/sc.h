@@ -189,12 +189,28 @@ typedef struct SCVolume {
 SCVolume* sc_read_volumes(uint32_t* count);
 void sc_free_volumes(SCVolume* volumes);
 
-/* ---- Records of the hardware readings. */
+/* ---- Sensors: named by keys of four characters, such as "TC01" for a temperature of a CPU. The keys of the
+ * machine's sensors are kept for the life of the program; sensors that appear later are added. A slow sensor
+ * delays no call by more than a twentieth of a second, and sleeping devices are not woken. */
 
 typedef struct SCSensor {
     char name[8]; /* four key characters */
     double value;
 } SCSensor;
+
+/* How many keys there are. */
+uint64_t sc_smc_key_capacity(void);
+/* The value of one key; NaN when it has none, or `key` is not four characters. "PSTR" is what the whole
+ * machine draws and "PDTR" what an adapter delivers, in watts, where the hardware tells. */
+double sc_smc_read_float(const char* key);
+/* Temperatures in degrees Celsius: plausible ones (0 to 130) of sensors that were plausible (5 to 125) when
+ * they were first seen. */
+int sc_smc_read_temps(SCSensor* out, int max);
+/* The readings of one kind: 'F' revolutions per minute, 'V' volts, 'I' amperes, 'P' watts, or any other
+ * first character of keys. */
+int sc_smc_read_keys(char kind, SCSensor* out, int max);
+
+/* ---- Records of the hardware readings. */
 
 typedef struct SCPower { /* watts, averaged since the previous sample */
     double sysWatts;

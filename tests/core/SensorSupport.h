@@ -1,0 +1,79 @@
+#pragma once
+
+#include "core/SMCSensors.h"
+#include "core/linux/SensorConnection.h"
+#include "core/linux/SensorIo.h"
+#include "support/TempRoot.h"
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+/// Helpers of the sensor tests.
+namespace quarn::testing {
+
+using Readings = std::map<std::string, double>;
+
+inline Readings asMap(const SCSensor* sensors, int count) {
+    Readings map;
+    for (int i = 0; i < count; ++i) map[sensors[i].name] = sensors[i].value;
+    return map;
+}
+
+/// The sensors of a machine under a folder, with a clock that a test drives.
+class SensorMachine {
+public:
+    using Read = std::function<long(sysinfo::platform::KeptAttribute&, std::span<char>)>;
+    /// Given each reading, and how to do it for real.
+    using Hook = std::function<long(sysinfo::platform::KeptAttribute&, std::span<char>, const Read&)>;
+
+    explicit SensorMachine(const sysinfo::SystemRoot& root, Hook hook = {},
+                           decltype(sysinfo::platform::SensorIo::write) write = {})
+        : smc(connect(root, std::move(hook), std::move(write))), sensors(smc) {}
+
+    Readings temperatures() {
+        SCSensor out[512];
+        return asMap(out, sensors.temps(out, 512));
+    }
+    Readings of(char kind) {
+        SCSensor out[512];
+        return asMap(out, sensors.keys(kind, out, 512));
+    }
+    /// The same by "label (chip)".
+    Readings named(const Readings& byKey) {
+        Readings map;
+        for (const auto& [key, value] : byKey) {
+            const auto sensor = smc.describe(sysinfo::smcCode(key));
+            map[sensor ? sensor->label + " (" + sensor->chip + ")" : key] = value;
+        }
+        return map;
+    }
+    void pass(double seconds) { *now += static_cast<uint64_t>(seconds * 1e9); }
+
+    std::shared_ptr<std::atomic<uint64_t>> now = std::make_shared<std::atomic<uint64_t>>(1'000'000'000);
+    sysinfo::SMC smc;
+    sysinfo::SMCSensors sensors;
+
+private:
+    std::unique_ptr<sysinfo::SMCConnection> connect(const sysinfo::SystemRoot& root, Hook hook,
+                                                    decltype(sysinfo::platform::SensorIo::write) write) {
+        auto io = sysinfo::platform::SensorIo::forRoot(root);
+        io.nowNs = [clock = now] { return clock->load(); };
+        if (hook) {
+            io.read = [hook, real = io.read](auto& attribute, auto buffer) {
+                return hook(attribute, buffer, real);
+            };
+        }
+        io.write = std::move(write);
+        return std::make_unique<sysinfo::platform::SensorConnection>(root, std::move(io));
+    }
+};
+
+/// The captured machine of tests/fixtures/sensors.
+inline sysinfo::SystemRoot capturedSensors(const std::string& name) {
+    return sysinfo::SystemRoot(QUARN_FIXTURES "/sensors/" + name);
+}
+
+} // namespace quarn::testing
