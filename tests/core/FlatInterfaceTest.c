@@ -64,6 +64,12 @@ int quarn_flat_interface_check(void) {
     if (!processes || count != 0) return 20;
     sc_free_processes(processes);
     if (sc_sample_cpu(nowhere).idle != 100 || sc_sample_cpu(nowhere).coreCount != 0) return 21;
+    SCSensor sensors[2];
+    if (sc_smc_read_temps(NULL, 2) != 0 || sc_smc_read_temps(sensors, 0) != 0) return 22;
+    if (sc_smc_read_temps(sensors, 2) > 2 || sc_smc_read_keys('F', sensors, 2) > 2) return 23;
+    if (!isnan(sc_smc_read_float("TC0")) || !isnan(sc_smc_read_float(NULL))) return 24;
+    if (sc_smc_key_capacity() > 100000) return 25;
+
     sc_sampler_destroy(nowhere);
     sc_sampler_destroy(sampler);
     return 0;

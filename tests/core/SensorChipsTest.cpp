@@ -39,7 +39,7 @@ TEST(SensorChips, OddAttributes) {
     root.write(folder + "/temp1_label", "CPU\x1b[31m socket\n").write(folder + "/temp1_max", "90000\n");
     SensorMachine machine(root.root());
     EXPECT_EQ(machine.named(machine.temperatures()),
-              (Readings{{"CPU [31m socket (board)", 40}, {" (board)", 47}}));
+              (Readings{{"CPU[31m socket (board)", 40}, {" (board)", 47}}));
     EXPECT_EQ(machine.temperatures().size(), 3u) << "1, padded 3 and 70";
     EXPECT_EQ(machine.of('I').begin()->second, -1.5);
     EXPECT_EQ(machine.of('P').begin()->second, 9);
