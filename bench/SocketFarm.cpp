@@ -43,6 +43,8 @@ bool openTcp(Address address, int count) {
     ::getsockname(listening, plain, &length);
     for (--count; count > 1; count -= 2) {
         const int client = ::socket(plain->sa_family, SOCK_STREAM, 0);
+        const linger reset{1, 0}; // so that nothing of them is left afterwards
+        ::setsockopt(client, SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
         if (::connect(client, plain, length) != 0 || ::accept(listening, nullptr, nullptr) < 0) return false;
     }
     return true;

@@ -3,6 +3,7 @@
 #include "core/FlatRecords.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <memory>
 
@@ -48,18 +49,14 @@ SCSocket toSocket(const SocketRecord& record) {
     return socket;
 }
 
-std::vector<SocketRecord> toRecords(std::span<const SCSocket> sockets) {
-    std::vector<SocketRecord> records;
-    records.reserve(sockets.size());
-    for (const auto& socket : sockets) records.push_back(toRecord(socket));
-    return records;
-}
-
 std::vector<SocketRecord> SocketRecord::readAll() {
     uint32_t count = 0;
     const std::unique_ptr<SCSocket, decltype(&sc_free_sockets)> sockets(sc_read_sockets(&count),
                                                                         sc_free_sockets);
-    return toRecords({sockets.get(), count});
+    std::vector<SocketRecord> records;
+    records.reserve(count);
+    std::transform(sockets.get(), sockets.get() + count, std::back_inserter(records), toRecord);
+    return records;
 }
 
 } // namespace quarn

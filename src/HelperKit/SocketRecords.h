@@ -3,16 +3,11 @@
 #include "HelperKit/WireRecords.h"
 #include "core/sc.h"
 
-#include <span>
-#include <vector>
-
 namespace quarn {
 
 /// The record that travels for a socket of the sampling core, and back. What does not fit the flat record's
 /// fields is cut or clamped.
 SocketRecord toRecord(const SCSocket& socket);
 SCSocket toSocket(const SocketRecord& record);
-
-std::vector<SocketRecord> toRecords(std::span<const SCSocket> sockets);
 
 } // namespace quarn

@@ -69,14 +69,6 @@ SCSocket flatSocket(const platform::KernelSocket& socket) {
     return flat;
 }
 
-bool SocketLister::refresh(SocketScope scope) {
-    sockets_.clear();
-    if (!platform::readSockets(*reader_, scope, kernelSockets_)) return false;
-    sockets_.reserve(kernelSockets_.size());
-    for (const auto& socket : kernelSockets_) sockets_.push_back(flatSocket(socket));
-    return true;
-}
-
 } // namespace sysinfo
 
 void formatHost(int family, const void* address, char out[48]) {

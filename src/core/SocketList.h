@@ -4,7 +4,8 @@
 #include "core/sc.h"
 
 #include <memory>
-#include <vector>
+#include <optional>
+#include <span>
 
 namespace sysinfo {
 
@@ -28,17 +29,15 @@ class SocketLister {
 public:
     explicit SocketLister(const SystemRoot& root) : reader_(platform::openSocketReader(root)) {}
 
-    /// False, with an empty list, when the kernel tells of no socket table at all.
-    bool refresh(SocketScope scope);
-
-    /// The sockets at the last `refresh`, in ascending order of pid. With `SocketScope::all` those without a
-    /// known process follow, their pid `noProcess`.
-    const std::vector<SCSocket>& sockets() const { return sockets_; }
+    /// The sockets of now in ascending order of pid; with `SocketScope::all` those without a known process
+    /// follow. Valid until the next call; `flatSocket` makes the record of one. nullopt when the kernel tells
+    /// of no socket table at all.
+    std::optional<std::span<const platform::KernelSocket* const>> list(SocketScope scope) {
+        return platform::readSockets(*reader_, scope);
+    }
 
 private:
     std::shared_ptr<platform::SocketReader> reader_;
-    std::vector<platform::KernelSocket> kernelSockets_;
-    std::vector<SCSocket> sockets_;
 };
 
 } // namespace sysinfo

@@ -236,9 +236,9 @@ enum class SocketScope : uint8_t { inspectable, all };
 class SocketReader;
 std::shared_ptr<SocketReader> openSocketReader(const SystemRoot& root);
 
-/// Reads into `out`, whose storage is reused: the sockets of the lowest pid first, each socket once. The
-/// names are valid until the next call. False when the kernel tells of no socket table at all.
-bool readSockets(SocketReader& reader, SocketScope scope, std::vector<KernelSocket>& out);
+/// The sockets of the lowest pid first, each socket once; valid until the next call. nullopt when the kernel
+/// tells of no socket table at all.
+std::optional<std::span<const KernelSocket* const>> readSockets(SocketReader& reader, SocketScope scope);
 
 // ---- Sensors
 

@@ -135,22 +135,25 @@ std::vector<Connection> ConnectionPresentation::connections(const std::vector<So
                                                             const ProcessNames& names) {
     std::vector<Connection> rows;
     rows.reserve(records.size());
-    for (const auto& record : records) {
-        auto& row = rows.emplace_back();
-        const bool isTcp = record.proto == IPPROTO_TCP;
-        row.proto = isTcp ? "TCP" : "UDP";
-        row.local = record.local;
-        row.localPort = portText(record.localPort);
-        row.remote = record.remote.value_or("*");
-        row.remotePort = portText(record.remotePort);
-        if (isTcp && record.tcpState >= 0 && record.tcpState < static_cast<int64_t>(tcpStates.size()))
-            row.state = tcpStates[static_cast<size_t>(record.tcpState)].name;
-        row.pid = record.pid;
-        const auto name = names.find(record.pid);
-        row.processName = name == names.end() ? record.name : name->second;
-        if (record.socketID != 0) row.socketID = std::to_string(record.socketID);
-    }
+    for (const auto& record : records) rows.push_back(connection(record, names));
     return rows;
+}
+
+Connection ConnectionPresentation::connection(const SocketRecord& record, const ProcessNames& names) {
+    Connection row;
+    const bool isTcp = record.proto == IPPROTO_TCP;
+    row.proto = isTcp ? "TCP" : "UDP";
+    row.local = record.local;
+    row.localPort = portText(record.localPort);
+    row.remote = record.remote.value_or("*");
+    row.remotePort = portText(record.remotePort);
+    if (isTcp && record.tcpState >= 0 && record.tcpState < static_cast<int64_t>(tcpStates.size()))
+        row.state = tcpStates[static_cast<size_t>(record.tcpState)].name;
+    row.pid = record.pid;
+    const auto name = names.find(record.pid);
+    row.processName = name == names.end() ? record.name : name->second;
+    if (record.socketID != 0) row.socketID = std::to_string(record.socketID);
+    return row;
 }
 
 bool ConnectionPresentation::matches(const Connection& connection, ConnectionScope scope,

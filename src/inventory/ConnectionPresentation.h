@@ -27,6 +27,7 @@ struct ConnectionPresentation {
     /// One row for each record. A process that `names` lacks is called what its record says.
     static std::vector<Connection> connections(const std::vector<SocketRecord>& records,
                                                const ProcessNames& names);
+    static Connection connection(const SocketRecord& record, const ProcessNames& names);
 
     /// True when the connection is within scope and protocol and `query` occurs in its name, addresses, state
     /// (whatever the case of ASCII letters), ports or pid. An empty query accepts all.

@@ -139,6 +139,23 @@ TEST(SocketText, BrokenLinesAreLeftOut) {
     EXPECT_EQ(flat.socketId, 77U);
 }
 
+TEST(SocketStatistics, TellWhetherASocketIsInNoTable) {
+    const std::string used = "sockets: used 290\nTCP: inuse 5 orphan 0 tw 3 alloc ";
+    const struct {
+        std::string sockstat, sockstat6;
+        bool mayHave;
+    } cases[] = {
+        {used + "8 mem 1\nUDP: inuse 3\n", "TCP6: inuse 3\n", false},
+        {used + "9 mem 1\n", "TCP6: inuse 3\n", true},
+        {used + "5\n", "", false}, // no IPv6
+        {used + "x\n", "TCP6: inuse 3\n", true},
+        {"TCP: inuse", "", true},
+        {"", "", true},
+    };
+    for (const auto& each : cases)
+        EXPECT_EQ(mayHaveIdleTcpSockets(each.sockstat, each.sockstat6), each.mayHave) << each.sockstat;
+}
+
 TEST(SocketLinks, OnlySocketsHaveAnInode) {
     EXPECT_EQ(parseSocketLink("socket:[12345]"), 12345U);
     for (const char* other : {"", "socket:[", "socket:[]", "socket:[12", "socket:[-1]", "socket:[1x]",
@@ -218,27 +235,32 @@ TEST(CapturedSockets, AreListedOnceUnderTheLowestPid) {
     machine.link("proc/42/fd/8", "socket:[2740]").link("proc/42/fd/3", "pipe:[21040]");
     machine.write("proc/42/comm", "a \"name\"\n");
     SocketLister lister(machine.root());
-    ASSERT_TRUE(lister.refresh(SocketScope::inspectable));
+    const auto listed = [&](SocketScope scope) {
+        std::vector<SCSocket> result;
+        for (const auto* socket : lister.list(scope).value()) result.push_back(flatSocket(*socket));
+        return result;
+    };
+    const auto owned = listed(SocketScope::inspectable);
     // The capture repeats one socket in three lines, and in the tables of TCP and of UDP.
-    ASSERT_EQ(lister.sockets().size(), 2U);
-    const auto& listening = lister.sockets()[0];
+    ASSERT_EQ(owned.size(), 2U);
+    const auto& listening = owned[0];
     EXPECT_EQ(listening.pid, 42);
     EXPECT_STREQ(listening.name, "a \"name\"");
     EXPECT_EQ(listening.protocol, IPPROTO_TCP);
     EXPECT_STREQ(listening.local, "10.0.0.5");
     EXPECT_EQ(listening.localPort, 22);
     EXPECT_EQ(listening.state, 1);
-    const auto& v6 = lister.sockets()[1];
+    const auto& v6 = owned[1];
     EXPECT_STREQ(v6.local, "fe80::56e1:adff:fe7c:6609");
     EXPECT_EQ(v6.localPort, 51073);
     EXPECT_EQ(v6.ipVersion, 6);
 
-    ASSERT_TRUE(lister.refresh(SocketScope::all));
-    ASSERT_EQ(lister.sockets().size(), 3U);
-    EXPECT_EQ(lister.sockets()[2].pid, noProcess);
-    EXPECT_EQ(lister.sockets()[2].localPort, 5355);
+    const auto all = listed(SocketScope::all);
+    ASSERT_EQ(all.size(), 3U);
+    EXPECT_EQ(all[2].pid, noProcess);
+    EXPECT_EQ(all[2].localPort, 5355);
 
-    EXPECT_FALSE(SocketLister(TempRoot().root()).refresh(SocketScope::all));
+    EXPECT_FALSE(SocketLister(TempRoot().root()).list(SocketScope::all));
 }
 
 } // namespace

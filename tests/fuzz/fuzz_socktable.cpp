@@ -17,6 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<platform::SocketEntry> entries;
     platform::parseSocketTable(text, table, entries);
     for (const auto& entry : entries) flatSocket(entry.socket);
+    platform::mayHaveIdleTcpSockets(text, text);
     while (!text.empty()) platform::parseSocketLink(scutil::takeLine(text));
     return 0;
 }

@@ -15,6 +15,9 @@ namespace {
 /// The kernel fills at most this much for one datagram.
 constexpr size_t datagramSize = 32 * 1024;
 
+/// The number that stands for idle sockets in requests; older headers lack it.
+constexpr unsigned boundInactive = 13;
+
 uint64_t identity(const inet_diag_msg& message) {
     const uint64_t low = message.id.idiag_cookie[0];
     const uint64_t high = message.id.idiag_cookie[1];
@@ -68,9 +71,9 @@ DumpProgress parseSocketDump(std::string_view datagram, uint32_t sequence, uint8
     return datagram.empty() ? DumpProgress::more : DumpProgress::failed;
 }
 
-bool SocketDiag::read(SocketTable table, std::vector<SocketEntry>& out) {
+bool SocketDiag::read(SocketTable table, Idle idle, std::vector<SocketEntry>& out) {
     const size_t before = out.size();
-    if (request(table)) {
+    if (request(table, idle)) {
         auto progress = DumpProgress::more;
         while (progress == DumpProgress::more) progress = receive(table, out);
         if (progress == DumpProgress::done) return true;
@@ -80,7 +83,7 @@ bool SocketDiag::read(SocketTable table, std::vector<SocketEntry>& out) {
     return false;
 }
 
-bool SocketDiag::request(SocketTable table) {
+bool SocketDiag::request(SocketTable table, Idle idle) {
     if (!netlink_) netlink_.reset(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_SOCK_DIAG));
     if (!netlink_) return false;
     struct {
@@ -93,7 +96,7 @@ bool SocketDiag::request(SocketTable table) {
     message.header.nlmsg_seq = ++sequence_;
     message.body.sdiag_family = table.isIPv6 ? AF_INET6 : AF_INET;
     message.body.sdiag_protocol = table.protocol;
-    message.body.idiag_states = ~0U;
+    message.body.idiag_states = idle == Idle::included ? ~0U : ~(1U << boundInactive);
     for (;;) {
         const auto sent = ::send(netlink_.get(), &message, sizeof message, 0);
         if (sent >= 0) return static_cast<size_t>(sent) == sizeof message;

@@ -59,6 +59,21 @@ std::optional<SocketEntry> parseLine(std::string_view line, SocketTable table) {
     return entry;
 }
 
+/// The number after `key` in the line of `protocol`: "TCP: inuse 5 orphan 0 alloc 9".
+std::optional<uint64_t> sockstatNumber(std::string_view text, std::string_view protocol,
+                                       std::string_view key) {
+    while (!text.empty()) {
+        std::string_view line = scutil::takeLine(text);
+        if (scutil::takeUntil(line, ':') != protocol) continue;
+        while (!line.empty()) {
+            const auto word = scutil::takeWord(line);
+            const auto value = scutil::takeWord(line);
+            if (word == key) return scutil::toNumber<uint64_t>(value);
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 int8_t bsdTcpState(unsigned kernelState) {
@@ -72,6 +87,13 @@ void parseSocketTable(std::string_view text, SocketTable table, std::vector<Sock
     scutil::takeLine(text); // headings
     while (!text.empty())
         if (const auto entry = parseLine(scutil::takeLine(text), table)) out.push_back(*entry);
+}
+
+bool mayHaveIdleTcpSockets(std::string_view sockstat, std::string_view sockstat6) {
+    const auto all = sockstatNumber(sockstat, "TCP", "alloc");
+    const auto used = sockstatNumber(sockstat, "TCP", "inuse");
+    const auto used6 = sockstatNumber(sockstat6, "TCP6", "inuse");
+    return !all || !used || *all != *used + used6.value_or(0);
 }
 
 } // namespace sysinfo::platform

@@ -27,4 +27,8 @@ int8_t bsdTcpState(unsigned kernelState);
 /// it, which is taken to be that of this one.
 void parseSocketTable(std::string_view text, SocketTable table, std::vector<SocketEntry>& out);
 
+/// Whether TCP sockets may exist that are in no table of listening and connected ones: bound without being
+/// used, or disconnected. True when the texts (proc/net/sockstat and sockstat6) do not tell.
+bool mayHaveIdleTcpSockets(std::string_view sockstat, std::string_view sockstat6);
+
 } // namespace sysinfo::platform

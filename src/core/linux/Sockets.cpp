@@ -22,6 +22,9 @@ constexpr std::array tableSources{
     TableSource{{IPPROTO_UDP, true}, "proc/net/udp6"},
 };
 
+/// Entries that memory is set aside for. It costs nothing until it is used; a list that grows costs copies.
+constexpr size_t usualMost = 32 * 1024;
+
 /// Finds the entry of an inode. Open addressing in one block that is kept from listing to listing.
 class InodeIndex {
 public:
@@ -67,26 +70,33 @@ private:
 
 class SocketReader {
 public:
-    explicit SocketReader(const SystemRoot& root) : root_(root), holders_(root) {}
+    explicit SocketReader(const SystemRoot& root)
+        : root_(root),
+          sockstat_(root, "proc/net/sockstat"),
+          sockstat6_(root, "proc/net/sockstat6"),
+          holders_(root) {
+        entries_.reserve(usualMost);
+    }
 
-    bool read(SocketScope scope, std::vector<KernelSocket>& out) {
-        out.clear();
-        if (!readTables()) return false;
+    std::optional<std::span<const KernelSocket* const>> read(SocketScope scope) {
+        listed_.clear();
+        if (!readTables()) return {};
         index_.build(entries_);
-        assignHolders(out);
+        assignHolders();
         if (scope == SocketScope::all)
             for (const auto& entry : entries_)
-                if (entry.socket.pid < 0) out.push_back(entry.socket);
-        return true;
+                if (entry.socket.pid < 0) listed_.push_back(&entry.socket);
+        return listed_;
     }
 
 private:
     /// The tables that this kernel has (IPv6 may be off); false when it has none.
     bool readTables() {
         entries_.clear();
+        const auto idle = hasIdle() ? SocketDiag::Idle::included : SocketDiag::Idle::left;
         bool any = false;
         for (const auto& [table, file] : tableSources) {
-            if (root_.isHost() && diag_.read(table, entries_)) {
+            if (root_.isHost() && diag_.read(table, idle, entries_)) {
                 any = true;
             } else if (const auto text = readTable(root_.path(file))) {
                 parseSocketTable(*text, table, entries_);
@@ -96,8 +106,14 @@ private:
         return any;
     }
 
-    /// Appends the sockets that have a holder, and stops walking when every socket has one.
-    void assignHolders(std::vector<KernelSocket>& out) {
+    bool hasIdle() {
+        const auto all = sockstat_.read();
+        const auto all6 = sockstat6_.read();
+        return mayHaveIdleTcpSockets(all.value_or(""), all6.value_or(""));
+    }
+
+    /// Lists the sockets that have a holder, and stops walking when every socket has one.
+    void assignHolders() {
         size_t left = 0;
         for (const auto& entry : entries_) left += entry.inode != 0;
         if (left == 0 || !holders_.start()) return;
@@ -107,25 +123,28 @@ private:
                 if (!entry || entry->socket.pid >= 0) continue;
                 entry->socket.pid = holder->pid;
                 entry->socket.processName = holders_.name(*holder);
-                out.push_back(entry->socket);
+                listed_.push_back(&entry->socket);
                 --left;
             }
         }
     }
 
     SystemRoot root_;
+    KeptTable sockstat_;
+    KeptTable sockstat6_;
     SocketDiag diag_;
     SocketHolders holders_;
     InodeIndex index_;
     std::vector<SocketEntry> entries_;
+    std::vector<const KernelSocket*> listed_;
 };
 
 std::shared_ptr<SocketReader> openSocketReader(const SystemRoot& root) {
     return std::make_shared<SocketReader>(root);
 }
 
-bool readSockets(SocketReader& reader, SocketScope scope, std::vector<KernelSocket>& out) {
-    return reader.read(scope, out);
+std::optional<std::span<const KernelSocket* const>> readSockets(SocketReader& reader, SocketScope scope) {
+    return reader.read(scope);
 }
 
 } // namespace sysinfo::platform
