@@ -1,0 +1,211 @@
+// The engine over a small captured machine whose files the test changes, with time driven by hand.
+#include "monitor/Monitor.h"
+
+#include "support/ManualQueue.h"
+#include "support/TempRoot.h"
+#include "ui/settings/Prefs.h"
+#include "ui/settings/SettingsStore.h"
+
+#include <unistd.h>
+
+namespace {
+
+using namespace quarn;
+using namespace std::chrono_literals;
+using quarn::testing::ManualQueue;
+using quarn::testing::TempRoot;
+
+class FakeHelper final : public HelperClient {
+public:
+    bool isEnabled() const override { return true; }
+    bool isConnected() const override { return true; }
+    HelperFetch pollProcesses(std::chrono::milliseconds, std::function<void()> onReply) override {
+        ++polls;
+        reply = std::move(onReply);
+        return next;
+    }
+    std::optional<HelperPower> fetchPower(std::chrono::milliseconds) override { return {}; }
+
+    HelperFetch next;
+    std::function<void()> reply;
+    int polls = 0;
+};
+
+class MonitorTest : public ::testing::Test {
+protected:
+    MonitorTest() {
+        machine.write("proc/stat", "cpu0 0 0 0 0\nctxt 1000\nbtime 100\n")
+            .write("proc/meminfo", "MemTotal: 1000 kB\nAnonPages: 300 kB\n")
+            .write("proc/vmstat", "pgfault 100\n")
+            .write("proc/loadavg", "0.50 0.25 0.10 1/9 7\n")
+            .write("proc/uptime", "77.9 5\n");
+        writeProcess(7, 0, 0);
+        monitor =
+            std::make_unique<Monitor>(MonitorSetup{.queue = queue,
+                                                   .main = mainQueue,
+                                                   .prefs = prefs,
+                                                   .helper = helper,
+                                                   .root = machine.root(),
+                                                   .steadySeconds = [this] { return 5000 + queue.seconds(); },
+                                                   .wallTime = [] { return WallTime(42s); }});
+        monitor->observe([this](const Snapshot& snapshot) { seen.push_back(snapshot); });
+    }
+
+    void writeProcess(int pid, int cpuTicks, int readBytes) {
+        const std::string folder = "proc/" + std::to_string(pid) + "/";
+        machine.write(folder + "stat", std::to_string(pid) + " (p) S 1 0 0 0 0 0 0 0 0 0 " +
+                                           std::to_string(cpuTicks) + " 0 0 0 0 0 2 0 50 0\n");
+        machine.write(folder + "status", "Uid: 5 5 5 5\nRssAnon: 4 kB\nvoluntary_ctxt_switches: 3\n");
+        machine.write(folder + "io", "read_bytes: " + std::to_string(readBytes) + "\nwrite_bytes: 0\n");
+    }
+
+    /// Lets `by` pass and publishes what came.
+    void pass(Queue::Duration by) {
+        queue.advance(by);
+        mainQueue.run();
+    }
+
+    TempRoot machine, home;
+    SettingsStore store{home.path() / "settings.toml"};
+    Prefs prefs{store};
+    ManualQueue queue, mainQueue;
+    FakeHelper helper;
+    std::vector<Snapshot> seen;
+    std::unique_ptr<Monitor> monitor;
+};
+
+TEST_F(MonitorTest, TicksAtThePeriodOfTheProfile) {
+    monitor->start();
+    EXPECT_EQ(queue.lastInterval, 2s) << "the stored profile is normal";
+    EXPECT_EQ(queue.lastLeeway, 20ms);
+    pass(0s);
+    ASSERT_EQ(seen.size(), 1u) << "the first tick comes at once";
+    pass(4s);
+    ASSERT_EQ(seen.size(), 3u);
+    EXPECT_EQ(seen[2].generation, 3);
+    EXPECT_EQ(seen[2].processGeneration, 3);
+    EXPECT_EQ(seen[2].timestamp, WallTime(42s));
+    EXPECT_EQ(seen[2].loadAvg, (std::vector<double>{0.5, 0.25, 0.1}));
+    EXPECT_EQ(seen[2].uptime, 77);
+    EXPECT_EQ(monitor->latest().generation, 3);
+
+    monitor->setProfile(SamplingProfile::diagnostic);
+    monitor->start();
+    EXPECT_EQ(queue.lastInterval, 1s);
+    EXPECT_EQ(queue.timerCount(), 1u) << "the old timer is replaced";
+}
+
+TEST_F(MonitorTest, RatesOfTheIntervalBetweenTicks) {
+    monitor->start();
+    pass(0s);
+    machine.write("proc/stat", "cpu0 50 0 25 25\nctxt 3000\nbtime 100\n")
+        .write("proc/vmstat", "pgfault 500\n");
+    writeProcess(7, 10, 8192);
+    pass(2s);
+    const auto& snapshot = seen.at(1);
+    EXPECT_DOUBLE_EQ(snapshot.cpu.total, 75);
+    EXPECT_DOUBLE_EQ(snapshot.rates.contextSwitches, 1000);
+    EXPECT_DOUBLE_EQ(snapshot.rates.faults, 200);
+    ASSERT_EQ(snapshot.processes.size(), 1u);
+    EXPECT_DOUBLE_EQ(snapshot.processes[0].diskReadRate, 4096);
+    EXPECT_EQ(snapshot.totalThreads, 2);
+    EXPECT_EQ(snapshot.mem.app, 300u * 1024);
+}
+
+TEST_F(MonitorTest, InTheBackgroundProcessesAreCarried) {
+    monitor->setBackground(true);
+    monitor->start();
+    EXPECT_EQ(queue.lastLeeway, 200ms);
+    EXPECT_EQ(queue.qos, QualityOfService::utility);
+    pass(0s);
+    writeProcess(8, 0, 0);
+    pass(4s);
+    EXPECT_EQ(seen.back().generation, 3);
+    EXPECT_EQ(seen.back().processGeneration, 1);
+    EXPECT_EQ(seen.back().processes.size(), 1u);
+    EXPECT_EQ(seen.back().processes.data(), seen.front().processes.data()) << "carried, not copied";
+    EXPECT_EQ(seen.back().disksGeneration, 1);
+    pass(2s);
+    EXPECT_EQ(seen.back().processGeneration, 2) << "due after six seconds";
+    EXPECT_EQ(seen.back().processes.size(), 2u);
+
+    monitor->setPanelOpen(true);
+    EXPECT_EQ(queue.lastLeeway, 20ms) << "a panel makes it a foreground plan";
+    pass(0s);
+    EXPECT_EQ(seen.back().disksGeneration, 2);
+}
+
+TEST_F(MonitorTest, TheStoredBackgroundIntervalStretchesTheTick) {
+    prefs.backgroundInterval.set(7);
+    monitor->setBackground(true);
+    monitor->start();
+    EXPECT_EQ(queue.lastInterval, 7s);
+}
+
+TEST_F(MonitorTest, AMachineThatLosesItsFilesKeepsTicking) {
+    monitor->start();
+    pass(0s);
+    machine.remove("proc");
+    pass(2s);
+    const auto& snapshot = seen.at(1);
+    EXPECT_EQ(snapshot.generation, 2);
+    EXPECT_EQ(snapshot.cpu.idle, 100);
+    EXPECT_TRUE(snapshot.cpu.perCore.empty());
+    EXPECT_EQ(snapshot.mem.total, 0u);
+    EXPECT_TRUE(snapshot.loadAvg.empty());
+}
+
+TEST_F(MonitorTest, ACapturedMachineIsNeverReadThroughTheHelper) {
+    monitor->setHelperActive(true);
+    monitor->sampleNow();
+    EXPECT_EQ(helper.polls, 0);
+}
+
+TEST_F(MonitorTest, NothingIsPublishedAfterItsEnd) {
+    monitor->sampleNow();
+    monitor.reset();
+    mainQueue.run();
+    EXPECT_TRUE(seen.empty());
+    EXPECT_EQ(queue.timerCount(), 0u);
+}
+
+/// Reads the machine at hand as an ordinary user would.
+TEST(MonitorHelper, OutcomesOfAPoll) {
+    if (::geteuid() == 0 && ::seteuid(65534) != 0) GTEST_SKIP() << "cannot give up root";
+    {
+        TempRoot home;
+        SettingsStore store(home.path() / "settings.toml");
+        Prefs prefs(store);
+        ManualQueue queue, mainQueue;
+        FakeHelper helper;
+        Monitor monitor({.queue = queue, .main = mainQueue, .prefs = prefs, .helper = helper});
+        std::vector<Snapshot> seen;
+        monitor.observe([&](const Snapshot& snapshot) { seen.push_back(snapshot); });
+        const auto tick = [&] {
+            monitor.sampleNow();
+            mainQueue.run();
+            return seen.back();
+        };
+        monitor.setHelperActive(true);
+        helper.next.outcome = HelperFetch::pending;
+        EXPECT_EQ(tick().processGeneration, 0) << "nothing is taken while the answer is outstanding";
+        ASSERT_TRUE(helper.reply);
+
+        helper.next.outcome = HelperFetch::fresh;
+        helper.next.list.processes.resize(1);
+        helper.next.list.totalThreads = 9;
+        helper.reply(); // the first answer is shown at once
+        queue.run();
+        mainQueue.run();
+        EXPECT_EQ(seen.back().processGeneration, 1);
+        EXPECT_EQ(seen.back().processes.size(), 1u);
+        EXPECT_EQ(seen.back().totalThreads, 9);
+
+        helper.next.outcome = HelperFetch::unavailable;
+        EXPECT_EQ(tick().processes.size(), 1u) << "not due yet";
+        monitor.setHelperActive(false);
+    }
+    if (::getuid() == 0) ASSERT_EQ(::seteuid(0), 0);
+}
+
+} // namespace
