@@ -142,10 +142,12 @@ TEST_F(MonitorTest, TheStoredBackgroundIntervalStretchesTheTick) {
     EXPECT_EQ(queue.lastInterval, 7s);
 }
 
-TEST_F(MonitorTest, AMachineThatLosesItsFilesKeepsTicking) {
+TEST_F(MonitorTest, AMachineThatStopsAnsweringKeepsTicking) {
     monitor->start();
     pass(0s);
-    machine.remove("proc");
+    for (const char* file : {"stat", "meminfo", "vmstat", "loadavg", "uptime"})
+        machine.write(std::string("proc/") + file, "");
+    machine.remove("proc/7");
     pass(2s);
     const auto& snapshot = seen.at(1);
     EXPECT_EQ(snapshot.generation, 2);
@@ -153,6 +155,7 @@ TEST_F(MonitorTest, AMachineThatLosesItsFilesKeepsTicking) {
     EXPECT_TRUE(snapshot.cpu.perCore.empty());
     EXPECT_EQ(snapshot.mem.total, 0u);
     EXPECT_TRUE(snapshot.loadAvg.empty());
+    EXPECT_TRUE(snapshot.processes.empty());
 }
 
 TEST_F(MonitorTest, ACapturedMachineIsNeverReadThroughTheHelper) {
