@@ -30,13 +30,14 @@ function(quarn_program name)
   install(TARGETS ${name} RUNTIME)
 endfunction()
 
-# quarn_test(name SOURCES … DEPENDS …): one GoogleTest program for one folder of tests.
+# quarn_test(name SOURCES … DEPENDS … [ALONE]): one GoogleTest program for one folder of tests. ALONE: its tests
+# change what every process sees, so no other test runs beside them.
 function(quarn_test name)
-  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS" ${ARGN})
+  cmake_parse_arguments(arg "ALONE" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE quarn_options quarn_test_support ${arg_DEPENDS} GTest::gtest_main)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
-    PROPERTIES TIMEOUT 120)
+    PROPERTIES TIMEOUT 120 RUN_SERIAL ${arg_ALONE})
 endfunction()
 
 # quarn_fuzz(name SOURCES … DEPENDS …): one libFuzzer target with a seed corpus in corpus/<name>.

@@ -53,7 +53,7 @@ std::optional<std::span<const KernelProcess>> ProcessTable::read() {
     }
     if (allocation && (listed || allocation->forks != probed_.forks)) {
         // A pid is allocated before its process can be seen, so the next look reaches back one step further.
-        lastPidBeforeProbed_ = probed_.lastPid;
+        beforeProbed_ = probed_;
         probed_ = *allocation;
     }
 
@@ -80,11 +80,11 @@ std::optional<ProcessTable::Allocation> ProcessTable::readAllocation() {
 
 bool ProcessTable::probeNewPids(const Allocation& now) {
     if (now.forks == probed_.forks) return true;
-    const int32_t from = lastPidBeforeProbed_;
-    if (from <= 0 || probed_.lastPid < from || now.lastPid < probed_.lastPid)
-        return false; // pids wrapped around
-    if (now.lastPid - from > mostProbes || now.forks - probed_.forks > static_cast<uint64_t>(mostProbes))
-        return false;
+    const int32_t from = beforeProbed_.lastPid;
+    const bool ascending = from > 0 && probed_.lastPid >= from && now.lastPid >= probed_.lastPid;
+    if (!ascending || now.lastPid - from > mostProbes) return false;
+    // More forks than pids: allocation wrapped around, was set back, or happens in another namespace too.
+    if (now.forks - beforeProbed_.forks > static_cast<uint64_t>(now.lastPid - from)) return false;
     for (int32_t pid = from + 1; pid <= now.lastPid; ++pid)
         if (processClock(pid) && !isKnown(pid)) candidates_.push_back(pid);
     return true;

@@ -69,8 +69,8 @@ private:
     uint64_t revision_ = 0;
     size_t nextInSlice_ = 0;
     unsigned sinceListing_ = 0;
-    Allocation probed_;               ///< at the last reading that looked for new pids
-    int32_t lastPidBeforeProbed_ = 0; ///< at the one before it
+    Allocation probed_;       ///< at the last reading that looked for new pids
+    Allocation beforeProbed_; ///< at the one before it
 };
 
 } // namespace sysinfo::platform
