@@ -1,5 +1,6 @@
 // The machine-wide readings of a tick in steady state, each next to what the kernel takes for the same at
 // least, so that the difference is ours.
+#include "core/InterfaceList.h"
 #include "core/Storage.h"
 #include "core/linux/LinkSocket.h"
 #include "core/linux/Readers.h"
@@ -26,6 +27,18 @@ void linksAskedInFull(benchmark::State& state) {
     }
 }
 BENCHMARK(linksAskedInFull)->Unit(benchmark::kMicrosecond);
+
+void interfaceListing(benchmark::State& state) {
+    const auto readers = platform::openReaders(SystemRoot::host());
+    InterfaceList list;
+    for (auto _ : state) benchmark::DoNotOptimize(list.sample(*readers).size());
+}
+BENCHMARK(interfaceListing)->Unit(benchmark::kMicrosecond);
+
+void interfaceListingStateless(benchmark::State& state) {
+    for (auto _ : state) benchmark::DoNotOptimize(readInterfaces(SystemRoot::host()).size());
+}
+BENCHMARK(interfaceListingStateless)->Unit(benchmark::kMicrosecond);
 
 void disks(benchmark::State& state) {
     const auto readers = platform::openReaders(SystemRoot::host());

@@ -132,7 +132,14 @@ std::optional<std::string> userName(const SystemRoot& root, uint32_t uid);
 
 // ---- Network links
 
-enum LinkFlags : uint32_t { linkUp = 1, linkLoopback = 2, linkPointToPoint = 4 };
+enum LinkFlags : uint32_t {
+    linkUp = 1,
+    linkLoopback = 2,
+    linkPointToPoint = 4,
+    linkRunning = 8, ///< ready to carry packets
+    linkBroadcast = 16,
+    linkMulticast = 32,
+};
 /// The types that decide whether a link counts towards the machine's traffic.
 inline constexpr uint8_t linkTypeEthernet = 6; ///< a physical wired or wireless port
 inline constexpr uint8_t linkTypeCellular = 0xff;
@@ -150,6 +157,54 @@ struct Link {
 };
 /// Reads into `out`, whose storage is reused.
 bool listLinks(Readers& readers, std::vector<Link>& out);
+
+// ---- Network interfaces
+
+struct InterfaceAddress {
+    int family = 0;                                  ///< AF_INET or AF_INET6
+    std::array<uint8_t, 16> bytes{};                 ///< the leading 4 for IPv4
+    uint8_t prefixLength = 0;                        ///< bits of the network
+    std::optional<std::array<uint8_t, 4>> broadcast; ///< of IPv4
+    bool operator==(const InterfaceAddress&) const = default;
+};
+
+/// What a port is plugged into.
+struct Media {
+    enum class Kind : uint8_t { none, wired, wireless } kind = Kind::none;
+    enum class Duplex : uint8_t { unknown, half, full } duplex = Duplex::unknown;
+    enum class Connector : uint8_t { copper, other } connector = Connector::copper;
+    bool negotiates = false; ///< agrees on a speed with the other end
+    bool active = false;     ///< there is a link
+    uint32_t speedMbps = 0;  ///< 0 unknown
+};
+
+/// A network interface as the kernel tells it.
+struct Interface {
+    using HardwareAddress = std::array<uint8_t, 6>;
+
+    std::string name;
+    uint32_t flags = 0; ///< LinkFlags
+    int32_t mtu = 0;
+    std::optional<HardwareAddress> hardwareAddress; ///< of Ethernet-like links
+    std::optional<HardwareAddress> permanentAddress;
+    std::vector<InterfaceAddress> addresses;
+    Media media;
+    uint64_t rxBytes = 0;
+    uint64_t txBytes = 0;
+    uint64_t rxPackets = 0;
+    uint64_t txPackets = 0;
+    uint64_t rxErrors = 0;
+    uint64_t txErrors = 0;
+    uint64_t drops = 0; ///< received and thrown away
+    uint64_t collisions = 0;
+};
+struct InterfaceTable {
+    std::span<const Interface> interfaces; ///< changes with the next call
+    uint64_t revision = 0;                 ///< never 0; grows when anything but a counter may have changed
+};
+/// Every interface; nullopt when the kernel does not answer. Speeds are asked again only when a link changed,
+/// and never of a device that sleeps.
+std::optional<InterfaceTable> listInterfaces(Readers& readers);
 
 // ---- Disks and volumes
 

@@ -139,6 +139,34 @@ typedef struct SCNet {
 
 SCNet sc_sample_net(SCSampler* sampler);
 
+/* ---- Network interfaces: see InterfaceList.h for what is listed. */
+
+typedef struct SCInterface {
+    char name[32];
+    char mac[24];
+    char addrs[256]; /* joined with ", ", IPv4 first */
+    bool up;
+    uint64_t rxBytes; /* 64-bit counters of the kernel */
+    uint64_t txBytes;
+    uint64_t rxPackets;
+    uint64_t txPackets;
+    uint64_t rxErrors;
+    uint64_t txErrors;
+    uint64_t drops;
+    uint64_t collisions;
+    int32_t mtu;
+    int32_t linkSpeedMbps; /* 0 unknown */
+    char media[64];        /* "1000baseT full-duplex", "IEEE 802.11 (no link)", ... */
+    char netmask[64];
+    char broadcast[64];
+    bool loopback;
+    bool pointToPoint;
+    bool multicastCapable;
+} SCInterface;
+
+SCInterface* sc_read_interfaces(uint32_t* count);
+void sc_free_interfaces(SCInterface* interfaces);
+
 /* ---- Disks. */
 
 typedef struct SCDisk {

@@ -59,6 +59,15 @@ int quarn_flat_interface_check(void) {
         if (volumes[i].total == 0 || volumes[i].used != volumes[i].total - volumes[i].freeBytes) return 19;
     sc_free_volumes(volumes);
 
+    SCInterface* interfaces = sc_read_interfaces(&count);
+    if (!interfaces) return 22;
+    for (uint32_t i = 0; i < count; ++i)
+        if (strlen(interfaces[i].name) == 0 || strcmp(interfaces[i].name, "lo") == 0) return 23;
+    SCInterface noInterface;
+    memset(&noInterface, 0, sizeof noInterface);
+    if (memcmp(&interfaces[count], &noInterface, sizeof noInterface) != 0) return 24;
+    sc_free_interfaces(interfaces);
+
     SCSampler* nowhere = sc_sampler_create_at("/nonexistent");
     processes = sc_sample_processes(nowhere, &count, NULL);
     if (!processes || count != 0) return 20;

@@ -1,5 +1,5 @@
 // Network links: the kernel's messages, what counts as hardware, and the kernel itself.
-#include "NetlinkBytes.h"
+#include "OwnNetwork.h"
 #include "core/InterfaceTotals.h"
 #include "core/linux/Files.h"
 #include "core/linux/LinkMessages.h"
@@ -11,22 +11,13 @@
 
 #include <algorithm>
 #include <arpa/inet.h>
-#include <linux/if_link.h>
-#include <linux/rtnetlink.h>
-#include <net/if.h>
 #include <net/if_arp.h>
-#include <sched.h>
-#include <sys/socket.h>
-#include <thread>
 
 namespace {
 
 using namespace sysinfo;
 using namespace sysinfo::platform;
-using quarn::testing::attribute;
-using quarn::testing::bytesOf;
-using quarn::testing::message;
-using quarn::testing::TempRoot;
+using namespace quarn::testing;
 
 constexpr uint32_t sequence = 7;
 
@@ -243,19 +234,6 @@ TEST(LinkSocket, AgreesWithTheTableThatTheKernelPrints) {
     EXPECT_LE(read, after);
 }
 
-/// One request that changes links, sent from the calling thread's network namespace; true when it was done.
-bool changeLinks(uint16_t type, uint16_t flags, const std::string& payload) {
-    const scutil::UniqueFd fd(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE));
-    const std::string request = message(type, NLM_F_REQUEST | NLM_F_ACK | flags, 1, payload);
-    std::array<char, 4096> reply{};
-    if (::send(fd.get(), request.data(), request.size(), 0) < 0) return false;
-    if (::recv(fd.get(), reply.data(), reply.size(), 0) < static_cast<ssize_t>(sizeof(nlmsghdr) + 4))
-        return false;
-    int32_t error = -1;
-    std::memcpy(&error, reply.data() + sizeof(nlmsghdr), sizeof error);
-    return error == 0;
-}
-
 std::string namesOf(const std::vector<LinkIdentity>& identities) {
     std::string names;
     for (const auto& identity : identities) names += identity.name + ' ';
@@ -270,10 +248,7 @@ void followLinksThatChange() {
     ASSERT_TRUE(socket.read());
     EXPECT_EQ(socket.revision(), revision) << "names are not asked again without need";
 
-    const std::string bridge = attribute(IFLA_LINKINFO, attribute(IFLA_INFO_KIND, "bridge"));
-    if (!changeLinks(RTM_NEWLINK, NLM_F_CREATE | NLM_F_EXCL,
-                     bytesOf(ifinfomsg{}) + attribute(IFLA_IFNAME, std::string("quarn0") + '\0') + bridge))
-        GTEST_SKIP() << "this kernel makes no bridges";
+    if (!addBridge("quarn0")) GTEST_SKIP() << "this kernel makes no bridges";
     ASSERT_TRUE(socket.read());
     EXPECT_GT(socket.revision(), revision);
     EXPECT_EQ(namesOf(socket.identities()), atFirst + "quarn0 ");
@@ -283,22 +258,18 @@ void followLinksThatChange() {
     ifinfomsg link{};
     link.ifi_index = static_cast<int>(socket.identities().back().index);
     ASSERT_TRUE(
-        changeLinks(RTM_NEWLINK, 0, bytesOf(link) + attribute(IFLA_IFNAME, std::string("other0") + '\0')));
+        changeNetwork(RTM_NEWLINK, 0, bytesOf(link) + attribute(IFLA_IFNAME, std::string("other0") + '\0')));
     ASSERT_TRUE(socket.read());
     EXPECT_EQ(namesOf(socket.identities()), atFirst + "other0 ");
 
-    ASSERT_TRUE(changeLinks(RTM_DELLINK, 0, bytesOf(link)));
+    ASSERT_TRUE(changeNetwork(RTM_DELLINK, 0, bytesOf(link)));
     ASSERT_TRUE(socket.read());
     EXPECT_EQ(namesOf(socket.identities()), atFirst);
     EXPECT_EQ(socket.counters().size(), socket.identities().size());
 }
 
 void countWhatTheLoopbackCarries() {
-    ifinfomsg loopback{};
-    loopback.ifi_index = 1;
-    loopback.ifi_flags = IFF_UP;
-    loopback.ifi_change = IFF_UP;
-    ASSERT_TRUE(changeLinks(RTM_NEWLINK, 0, bytesOf(loopback)));
+    ASSERT_TRUE(switchOn(1));
     LinkSocket socket;
     ASSERT_TRUE(socket.read());
     const uint64_t before = loopbackBytes(socket.identities(), socket.counters());
@@ -317,16 +288,6 @@ void countWhatTheLoopbackCarries() {
     ASSERT_TRUE(socket.read());
     constexpr uint64_t headers = 20 + 8; // IP and UDP
     EXPECT_EQ(loopbackBytes(socket.identities(), socket.counters()) - before, 1000 + headers);
-}
-
-/// Runs `test` on a thread with a network of its own; false where that is not permitted.
-bool inOwnNetwork(void (*test)()) {
-    bool permitted = false;
-    std::thread([&] {
-        permitted = ::unshare(CLONE_NEWNET) == 0;
-        if (permitted) test();
-    }).join();
-    return permitted;
 }
 
 TEST(LinkSocket, FollowsLinksThatChange) {

@@ -1,4 +1,5 @@
 // Route messages: any bytes must be taken without a fault, and what comes out must be usable.
+#include "core/linux/AddressSocket.h"
 #include "core/linux/LinkMessages.h"
 
 #include <cstdlib>
@@ -14,6 +15,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (const auto& identity : identities)
         if (identity.index == 0 || identity.name.empty() || identity.name.size() > 15) std::abort();
     if (links.ended != statistics.ended || links.failed != statistics.failed) std::abort();
+    DumpProgress addressing;
+    std::vector<LinkAddress> addresses;
+    parseAddresses(datagram, 1, addressing, addresses);
     interfaceName(datagram.data(), datagram.size());
     return 0;
 }

@@ -1,8 +1,5 @@
 #include "core/linux/LinkMessages.h"
 
-#include "core/linux/Netlink.h"
-
-#include <algorithm>
 #include <linux/if_link.h>
 #include <linux/rtnetlink.h>
 #include <net/if.h>
@@ -11,56 +8,52 @@ namespace sysinfo::platform {
 
 namespace {
 
-/// Walks one datagram of an answer, handing each whole message of `type` to `visit`.
-template <class Visit>
-void walkAnswer(Bytes datagram, uint32_t sequence, uint16_t type, DumpProgress& progress, Visit visit) {
-    const bool whole = forEachMessage(datagram, [&](const nlmsghdr& header, Bytes message) {
-        if (header.nlmsg_seq != sequence || progress.ended || progress.failed) return;
-        if (header.nlmsg_flags & NLM_F_DUMP_INTR) progress.interrupted = true;
-        // Both carry a negative error number, or 0 where there was none.
-        const bool isStatus = header.nlmsg_type == NLMSG_DONE || header.nlmsg_type == NLMSG_ERROR;
-        const auto error = structureAt<int32_t>(message.subspan(sizeof header));
-        if (isStatus && error.value_or(0) < 0) progress.failed = true;
-        if (header.nlmsg_type == NLMSG_DONE) progress.ended = true;
-        if (header.nlmsg_type == type) visit(message);
-    });
-    if (!whole) progress.failed = true;
-}
+std::string rawBytes(Bytes value) { return {value.data(), value.size()}; }
 
-/// The attributes of a message whose payload starts with `Header`.
-template <class Header, class Visit>
-void forEachAttributeAfter(Bytes message, Visit visit) {
-    forEachAttribute(afterPadded(afterPadded(message, sizeof(nlmsghdr)), sizeof(Header)), visit);
+std::string_view kindOf(Bytes linkInfo) {
+    std::string_view kind;
+    forEachAttribute(linkInfo, [&](uint16_t type, Bytes value) {
+        if (type == IFLA_INFO_KIND) kind = attributeText(value);
+    });
+    return kind;
 }
 
 void readLink(Bytes message, std::vector<LinkIdentity>& out) {
-    const auto header = structureAt<ifinfomsg>(message.subspan(sizeof(nlmsghdr)));
+    const auto header = payloadHeader<ifinfomsg>(message);
     if (!header || header->ifi_index <= 0) return;
     LinkIdentity link;
     link.index = static_cast<uint32_t>(header->ifi_index);
     link.name = interfaceName(message.data(), message.size());
     link.interfaceFlags = header->ifi_flags;
+    link.hardwareType = header->ifi_type;
     forEachAttributeAfter<ifinfomsg>(message, [&](uint16_t type, Bytes value) {
-        if (type != IFLA_LINKINFO) return;
-        forEachAttribute(value, [&](uint16_t infoType, Bytes info) {
-            if (infoType == IFLA_INFO_KIND) link.kind = attributeText(info);
-        });
+        switch (type) {
+        case IFLA_LINKINFO: link.kind = kindOf(value); break;
+        case IFLA_MTU: link.mtu = structureAt<uint32_t>(value).value_or(0); break;
+        case IFLA_ADDRESS: link.address = rawBytes(value); break;
+        case IFLA_PERM_ADDRESS: link.permanentAddress = rawBytes(value); break;
+        case IFLA_CARRIER: link.carrier = structureAt<uint8_t>(value).value_or(0) != 0; break;
+        case IFLA_CARRIER_CHANGES: link.carrierChanges = structureAt<uint32_t>(value).value_or(0); break;
+        default: break;
+        }
     });
     if (!link.name.empty()) out.push_back(std::move(link));
 }
 
 void readCounters(Bytes message, std::vector<LinkCounters>& out) {
-    const auto header = structureAt<if_stats_msg>(message.subspan(sizeof(nlmsghdr)));
+    const auto header = payloadHeader<if_stats_msg>(message);
     if (!header) return;
     forEachAttributeAfter<if_stats_msg>(message, [&](uint16_t type, Bytes value) {
         // Newer kernels add fields at the end: only the leading ones, which all have, are asked for.
         struct LeadingFields {
-            uint64_t rxPackets, txPackets, rxBytes, txBytes;
+            uint64_t rxPackets, txPackets, rxBytes, txBytes, rxErrors, txErrors, rxDropped, txDropped,
+                multicast, collisions;
         };
         if (type != IFLA_STATS_LINK_64) return;
         if (const auto fields = structureAt<LeadingFields>(value))
-            out.push_back(
-                {header->ifindex, fields->rxBytes, fields->txBytes, fields->rxPackets, fields->txPackets});
+            out.push_back({header->ifindex, fields->rxBytes, fields->txBytes, fields->rxPackets,
+                           fields->txPackets, fields->rxErrors, fields->txErrors, fields->rxDropped,
+                           fields->collisions});
     });
 }
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "core/linux/Netlink.h"
+
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,7 +16,14 @@ struct LinkIdentity {
     uint32_t index = 0;
     std::string name;
     uint32_t interfaceFlags = 0; ///< IFF_UP, IFF_LOOPBACK, …
+    uint16_t hardwareType = 0;   ///< ARPHRD_ETHER, …
     std::string kind;            ///< "bridge", "veth", …; empty for most hardware
+    uint32_t mtu = 0;
+    std::string address; ///< raw bytes, as the next
+    std::string permanentAddress;
+    bool carrier = false;
+    uint32_t carrierChanges = 0; ///< how often the carrier came or went
+    bool operator==(const LinkIdentity&) const = default;
 };
 
 /// The counters of one link.
@@ -25,23 +33,17 @@ struct LinkCounters {
     uint64_t txBytes = 0;
     uint64_t rxPackets = 0;
     uint64_t txPackets = 0;
+    uint64_t rxErrors = 0;
+    uint64_t txErrors = 0;
+    uint64_t rxDropped = 0;
+    uint64_t collisions = 0;
 };
 
-/// How far the answer to one request has come. `failed` and `ended` are final; an interrupted answer comes to
-/// its end but may lack links, because some came or went meanwhile.
-struct DumpProgress {
-    bool ended = false;
-    bool failed = false;
-    bool interrupted = false;
-};
-
-/// Appends the links in one datagram of the answer to request number `sequence`. Messages that answer another
-/// request are passed over.
-void parseLinks(std::span<const char> datagram, uint32_t sequence, DumpProgress& progress,
-                std::vector<LinkIdentity>& out);
+/// Appends the links in one datagram of the answer to request number `sequence`.
+void parseLinks(Bytes datagram, uint32_t sequence, DumpProgress& progress, std::vector<LinkIdentity>& out);
 
 /// The same for a request of counters.
-void parseLinkCounters(std::span<const char> datagram, uint32_t sequence, DumpProgress& progress,
+void parseLinkCounters(Bytes datagram, uint32_t sequence, DumpProgress& progress,
                        std::vector<LinkCounters>& out);
 
 /// The name of the interface that one link message, header included, is about; empty when it carries no

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/UniqueFd.h"
 #include "core/linux/LinkMessages.h"
+#include "core/linux/RouteSocket.h"
 
 #include <vector>
 
@@ -12,6 +12,8 @@ namespace sysinfo::platform {
 /// a change. Never blocks. Belongs to one thread at a time.
 class LinkSocket {
 public:
+    LinkSocket();
+
     /// Reads the counters of every link, and first the identities when a link changed, came or went. False
     /// when the kernel does not answer; the next call then starts anew.
     bool read();
@@ -20,29 +22,21 @@ public:
     const std::vector<LinkIdentity>& identities() const { return identities_; }
     /// Of the last successful `read`; each belongs to one of `identities`.
     const std::vector<LinkCounters>& counters() const { return counters_; }
-    /// Grows whenever the identities were asked again.
-    uint64_t revision() const { return revision_; }
-
     /// Where the link of this index stands in `identities`; their size when there is none.
     size_t position(uint32_t index) const;
+    /// Grows whenever an identity came, went or changed.
+    uint64_t revision() const { return revision_; }
 
 private:
-    enum class Answer { whole, interrupted, failed };
+    RouteSocket::Answer readIdentities();
+    RouteSocket::Answer readCounters();
+    bool everyCounterHasItsLink() const;
 
-    bool open();
-    bool changeAnnounced();
-    Answer readIdentities();
-    Answer readCounters();
-    template <class Parse>
-    Answer ask(const void* request, size_t length, Parse parse);
-
-    scutil::UniqueFd socket_;
-    scutil::UniqueFd announcements_;
-    uint32_t sequence_ = 0;
+    RouteSocket socket_;
     bool identitiesKnown_ = false;
     uint64_t revision_ = 0;
-    std::vector<char> buffer_;
     std::vector<LinkIdentity> identities_;
+    std::vector<LinkIdentity> former_;
     std::vector<LinkCounters> counters_;
 };
 

@@ -1,24 +1,28 @@
 #include "core/linux/Files.h"
+#include "core/linux/LinkFlags.h"
 #include "core/linux/LinkReader.h"
 #include "core/linux/LinkTraits.h"
 #include "core/linux/NetDev.h"
 #include "core/linux/Readers.h"
 
+#include <array>
 #include <net/if.h>
+#include <utility>
 
 namespace sysinfo::platform {
 
-namespace {
-
 uint32_t linkFlags(uint32_t interfaceFlags) {
+    static constexpr std::array<std::pair<unsigned, LinkFlags>, 6> names{{{IFF_UP, linkUp},
+                                                                          {IFF_LOOPBACK, linkLoopback},
+                                                                          {IFF_POINTOPOINT, linkPointToPoint},
+                                                                          {IFF_RUNNING, linkRunning},
+                                                                          {IFF_BROADCAST, linkBroadcast},
+                                                                          {IFF_MULTICAST, linkMulticast}}};
     uint32_t flags = 0;
-    if (interfaceFlags & IFF_UP) flags |= linkUp;
-    if (interfaceFlags & IFF_LOOPBACK) flags |= linkLoopback;
-    if (interfaceFlags & IFF_POINTOPOINT) flags |= linkPointToPoint;
+    for (const auto& [kernelFlag, flag] : names)
+        if (interfaceFlags & kernelFlag) flags |= flag;
     return flags;
 }
-
-} // namespace
 
 void LinkReader::classify() {
     if (classified_ == socket_.revision()) return;

@@ -22,6 +22,12 @@ std::optional<Structure> structureAt(Bytes bytes) {
     return structure;
 }
 
+/// The bytes of a structure to be sent.
+template <class Structure>
+Bytes asBytes(const Structure& structure) {
+    return {reinterpret_cast<const char*>(&structure), sizeof structure};
+}
+
 /// Structures and attributes are padded to four bytes.
 inline size_t netlinkPadded(size_t length) { return (length + 3) & ~size_t{3}; }
 
@@ -58,6 +64,43 @@ bool forEachMessage(Bytes bytes, Visit visit) {
 inline std::string_view attributeText(Bytes payload) {
     const std::string_view text(payload.data(), payload.size());
     return text.substr(0, text.find('\0'));
+}
+
+/// How far the answer to one request for a list has come. `failed` and `ended` are final; an interrupted
+/// answer comes to its end but may lack entries, because some came or went meanwhile.
+struct DumpProgress {
+    bool ended = false;
+    bool failed = false;
+    bool interrupted = false;
+};
+
+/// Walks one datagram of the answer to request number `sequence`, handing each whole message of `type` to
+/// `visit`. Messages that answer another request are passed over.
+template <class Visit>
+void walkAnswer(Bytes datagram, uint32_t sequence, uint16_t type, DumpProgress& progress, Visit visit) {
+    const bool whole = forEachMessage(datagram, [&](const nlmsghdr& header, Bytes message) {
+        if (header.nlmsg_seq != sequence || progress.ended || progress.failed) return;
+        if (header.nlmsg_flags & NLM_F_DUMP_INTR) progress.interrupted = true;
+        // Both carry a negative error number, or 0 where there was none.
+        const bool isStatus = header.nlmsg_type == NLMSG_DONE || header.nlmsg_type == NLMSG_ERROR;
+        const auto error = structureAt<int32_t>(message.subspan(sizeof header));
+        if (isStatus && error.value_or(0) < 0) progress.failed = true;
+        if (header.nlmsg_type == NLMSG_DONE) progress.ended = true;
+        if (header.nlmsg_type == type) visit(message);
+    });
+    if (!whole) progress.failed = true;
+}
+
+/// The payload's leading structure of a message that was walked to.
+template <class Header>
+std::optional<Header> payloadHeader(Bytes message) {
+    return structureAt<Header>(message.subspan(sizeof(nlmsghdr)));
+}
+
+/// The attributes of a message whose payload starts with `Header`.
+template <class Header, class Visit>
+void forEachAttributeAfter(Bytes message, Visit visit) {
+    forEachAttribute(afterPadded(afterPadded(message, sizeof(nlmsghdr)), sizeof(Header)), visit);
 }
 
 } // namespace sysinfo::platform

@@ -9,6 +9,7 @@
 
 namespace sysinfo::platform {
 
+class InterfaceReader;
 class LinkReader;
 class ProcessTable;
 
@@ -31,7 +32,8 @@ public:
     DriveNames driveNames;             ///< of the lines of diskstats
     std::vector<KeptTable> zram;       ///< mm_stat of each compressed RAM disk
     unsigned zramAge = 0;              ///< readings since the RAM disks were looked for; 0 looks now
-    std::shared_ptr<LinkReader> links; ///< opened with the first listing
+    std::shared_ptr<LinkReader> links; ///< opened with the first listing, as the next
+    std::shared_ptr<InterfaceReader> interfaces;
     std::unique_ptr<ProcessTable> processes;
 };
 

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "NetlinkBytes.h"
+#include "core/UniqueFd.h"
+
+#include <array>
+#include <linux/if_link.h>
+#include <linux/rtnetlink.h>
+#include <net/if.h>
+#include <sched.h>
+#include <sys/socket.h>
+#include <thread>
+
+namespace quarn::testing {
+
+/// Runs `test` on a thread with a network of its own; false where that is not permitted.
+inline bool inOwnNetwork(void (*test)()) {
+    bool permitted = false;
+    std::thread([&] {
+        permitted = ::unshare(CLONE_NEWNET) == 0;
+        if (permitted) test();
+    }).join();
+    return permitted;
+}
+
+/// One request that changes the calling thread's network; true when it was done.
+inline bool changeNetwork(uint16_t type, uint16_t flags, const std::string& payload) {
+    const scutil::UniqueFd fd(::socket(AF_NETLINK, SOCK_RAW | SOCK_CLOEXEC, NETLINK_ROUTE));
+    const std::string request = message(type, NLM_F_REQUEST | NLM_F_ACK | flags, 1, payload);
+    std::array<char, 4096> reply{};
+    if (::send(fd.get(), request.data(), request.size(), 0) < 0) return false;
+    const auto got = ::recv(fd.get(), reply.data(), reply.size(), 0);
+    int32_t error = -1;
+    if (got < static_cast<ssize_t>(sizeof(nlmsghdr) + sizeof error)) return false;
+    std::memcpy(&error, reply.data() + sizeof(nlmsghdr), sizeof error);
+    return error == 0;
+}
+
+inline bool addBridge(const std::string& name) {
+    return changeNetwork(RTM_NEWLINK, NLM_F_CREATE | NLM_F_EXCL,
+                         bytesOf(ifinfomsg{}) + attribute(IFLA_IFNAME, name + '\0') +
+                             attribute(IFLA_LINKINFO, attribute(IFLA_INFO_KIND, "bridge")));
+}
+
+inline bool switchOn(unsigned index) {
+    ifinfomsg link{};
+    link.ifi_index = static_cast<int>(index);
+    link.ifi_flags = IFF_UP;
+    link.ifi_change = IFF_UP;
+    return changeNetwork(RTM_NEWLINK, 0, bytesOf(link));
+}
+
+} // namespace quarn::testing
