@@ -36,4 +36,14 @@ TEST(Utf8, IllFormedStretchesBecomeOneReplacementEach) {
     }
 }
 
+TEST(Utf8, EveryCharacterSurvivesBeingWrittenAndRead) {
+    for (char32_t code = 0; code <= 0x10FFFF; ++code) {
+        if (code >= 0xD800 && code <= 0xDFFF) continue;
+        std::string text;
+        appendCharacter(text, code);
+        const auto read = firstCharacter(text);
+        ASSERT_TRUE(read.wellFormed && read.code == code && read.bytes == text.size()) << uint32_t{code};
+    }
+}
+
 } // namespace
