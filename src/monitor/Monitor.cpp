@@ -93,6 +93,11 @@ void Monitor::sampleNow() {
     setup_.queue.sync([this] { sample(); });
 }
 
+void Monitor::setTick(double seconds) {
+    tickOverride_ = seconds;
+    plan_.set(buildPlan());
+}
+
 void Monitor::restartIfRunning() {
     if (timer_) start();
 }

@@ -64,8 +64,9 @@ public:
     SamplingProfile profile() const { return profile_; }
     /// Takes effect with the next `start`.
     void setProfile(SamplingProfile profile) { profile_ = profile; }
-    /// Replaces the tick of the plan to come; for commands that are given an interval. Not positive: none.
-    void setTick(double seconds) { tickOverride_ = seconds; }
+    /// Replaces the tick of the plan, at once for `sampleNow` and with the next `start` for the timer; for
+    /// commands that are given an interval. Not positive: the profile's own again.
+    void setTick(double seconds);
     /// Whether the application shows no window, and whether a panel is open; a change restarts a running
     /// timer.
     void setBackground(bool background);
