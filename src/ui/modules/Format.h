@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Readings as people read them: three significant digits, a blank, the unit. Pure functions, any thread. A
+/// value that is not finite or makes no sense (a negative size) reads as `unknown`.
+namespace quarn::format {
+
+/// What stands for a reading that is not known.
+inline constexpr std::string_view unknown = "—";
+
+/// "0.31", "3.21", "32.1", "321": three significant digits of a value below 1000, at most two decimals.
+std::string threeDigits(double value);
+
+/// "23.4", from 100 on "134": percent without its sign, one decimal, for columns.
+std::string percentFigure(double percent);
+std::string percent(double percent); ///< "23.4 %"
+
+std::string memory(uint64_t bytes);      ///< binary units: "3.21 GiB"
+std::string diskSize(uint64_t bytes);    ///< decimal units, as drives are sold: "512 GB"
+std::string rate(double bytesPerSecond); ///< decimal units: "1.20 MB/s"
+std::string watts(double watts);         ///< "12.4 W"
+
+/// The two largest units: "3 d 4 h", "4 h 5 min", "5 min 12 s", "12.3 s".
+std::string duration(double seconds);
+/// The same in at most 7 characters, for columns: "3d 4h", "4h 5m", "5m 12s", "12.3s".
+std::string shortDuration(double seconds);
+
+} // namespace quarn::format
