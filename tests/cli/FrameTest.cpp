@@ -1,0 +1,167 @@
+#include "cli/view/Frame.h"
+#include "cli/SampleSnapshot.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace quarn::cli {
+namespace {
+
+using testing::sampleSnapshot;
+
+constexpr Charset utf8 = Charset::utf8;
+
+FrameOptions optionsFor(const Snapshot& snapshot) {
+    FrameOptions options;
+    options.host = "workshop";
+    options.known = knownIn(snapshot, sysinfo::SystemRoot::host());
+    return options;
+}
+
+std::vector<std::string> rowsOf(const Canvas& canvas) {
+    std::vector<std::string> rows;
+    for (int row = 0; row < canvas.size().rows; ++row) rows.push_back(canvas.rowText(row));
+    return rows;
+}
+
+std::vector<std::string> rowsOf(const Snapshot& snapshot, Size size) {
+    return rowsOf(frame(snapshot, size, optionsFor(snapshot)));
+}
+
+bool contains(std::string_view text, std::string_view part) {
+    return text.find(part) != std::string_view::npos;
+}
+
+size_t rowWith(const std::vector<std::string>& rows, std::string_view part) {
+    const auto row = std::find_if(rows.begin(), rows.end(), [&](auto& r) { return contains(r, part); });
+    return static_cast<size_t>(row - rows.begin());
+}
+
+TEST(Frame, NoRowIsWiderThanTheTerminal) {
+    constexpr Size sizes[] = {{1, 1},  {2, 50},  {7, 3},    {20, 5},   {39, 7},   {40, 10},  {41, 8},
+                              {79, 9}, {80, 24}, {115, 20}, {116, 20}, {200, 60}, {500, 200}};
+    for (const size_t cores : {0, 1, 2, 8, 64, 1000, 5000}) {
+        const Snapshot snapshot = sampleSnapshot(cores, 30);
+        Trends trends;
+        FrameOptions options = optionsFor(snapshot);
+        for (int i = 0; i < 700; ++i) trends.add(snapshot, options.known);
+        options.trends = &trends;
+        for (const Size size : sizes) {
+            for (const Charset charset : {utf8, Charset::ascii}) {
+                options.charset = charset;
+                const Canvas canvas = frame(snapshot, size, options);
+                ASSERT_EQ(canvas.size(), size);
+                for (const std::string& row : rowsOf(canvas)) {
+                    EXPECT_LE(cellsOf(row, utf8), size.columns) << row;
+                    const bool ascii = std::all_of(row.begin(), row.end(), [](char c) { return c >= ' '; });
+                    EXPECT_TRUE(ascii || charset == utf8) << row;
+                }
+            }
+        }
+    }
+}
+
+TEST(Frame, AStandardTerminalShowsMetersCoresAndProcesses) {
+    const auto rows = rowsOf(sampleSnapshot(), {80, 24});
+    EXPECT_TRUE(rows[0].starts_with(" workshop  1.9 of 8 cores busy; sshd uses most")) << rows[0];
+    EXPECT_TRUE(contains(rows[0], "up 3 d 4 h"));
+    EXPECT_TRUE(contains(rows[rowWith(rows, "CPU ")], "23.4 %  load 0.52 0.41 0.30"));
+    EXPECT_TRUE(contains(rows[rowWith(rows, "Memory")], "37.5 %  3.00 of 8.00 GiB   2.00 GiB cached"));
+    EXPECT_TRUE(contains(rows[rowWith(rows, "Swap")], "512 MiB of 2.00 GiB"));
+    EXPECT_TRUE(contains(rows[rowWith(rows, "Network")], "1.20 MB/s   ↑ 34.0 kB/s"));
+    EXPECT_TRUE(contains(rows[rowWith(rows, "Disk  ")], "read 1.20 MB/s"));
+    EXPECT_TRUE(contains(rows[rowWith(rows, " 7 ━")], " 15")); // the last core
+    const size_t head = rowWith(rows, "PID  Name");
+    EXPECT_TRUE(contains(rows[head], "▼CPU %"));
+    EXPECT_GE(rows.size() - head - 2, 10u); // processes
+    EXPECT_TRUE(contains(rows[head + 1], "1148  sshd"));
+    EXPECT_TRUE(contains(rows[head + 1], "—")) << "disk use of someone else's process";
+    EXPECT_TRUE(contains(rows.back(), "q quit"));
+    EXPECT_EQ(rowWith(rows, "GPU"), rows.size()) << "there is none";
+}
+
+TEST(Frame, ASmallTerminalKeepsWhatMattersMost) {
+    const auto rows = rowsOf(sampleSnapshot(), {40, 10});
+    EXPECT_LT(rowWith(rows, "23.4 %"), rows.size());
+    EXPECT_LT(rowWith(rows, "37.5 %"), rows.size());
+    EXPECT_GE(rows.size() - rowWith(rows, "CPU %"), 6u);
+
+    const auto tiny = rowsOf(sampleSnapshot(), {12, 2});
+    EXPECT_TRUE(contains(tiny[0], "CPU")) << tiny[0];
+}
+
+TEST(Frame, ALargeTerminalUsesItsWidth) {
+    const auto rows = rowsOf(sampleSnapshot(64), {200, 60});
+    EXPECT_TRUE(contains(rows[rowWith(rows, "Memory")], "Network"));
+    const std::string& head = rows[rowWith(rows, "PID  Name")];
+    for (const auto* title : {"Threads", "State", "Path"}) EXPECT_TRUE(contains(head, title)) << title;
+    EXPECT_LT(rowWith(rows, " 63 ━"), rows.size());
+}
+
+TEST(Frame, AThousandCpusLeaveRoomForTheRest) {
+    const auto rows = rowsOf(sampleSnapshot(1000), {80, 24});
+    EXPECT_TRUE(contains(rows[0], "234 of 1000 cores busy"));
+    EXPECT_LT(rowWith(rows, "one block for 3 cores"), rows.size());
+    const size_t head = rowWith(rows, "PID  Name");
+    EXPECT_GE(rows.size() - head - 2, 6u);
+    // 204 CPUs to a row: their number stands before each.
+    for (const auto* first : {"   0 ▃", " 204 ▅", " 816 ▄"}) EXPECT_LT(rowWith(rows, first), head) << first;
+}
+
+TEST(Frame, UnknownIsNotZero) {
+    Snapshot snapshot = sampleSnapshot();
+    snapshot.generation = snapshot.processGeneration = 1;
+    const auto first = rowsOf(snapshot, {80, 24});
+    EXPECT_TRUE(contains(first[rowWith(first, "CPU ")], " —  load"));
+    EXPECT_TRUE(contains(first[rowWith(first, "Network")], "↓         —"));
+    EXPECT_FALSE(contains(first[0], "busy"));
+    const std::string& process = first[rowWith(first, "PID  Name") + 1];
+    EXPECT_EQ(process, "       1  systemd              ada             —  4.00 MiB          —        0s");
+
+    snapshot.mem = {};
+    snapshot.processes = {};
+    FrameOptions options = optionsFor(snapshot);
+    options.known = knownIn(snapshot, sysinfo::SystemRoot("/nowhere"));
+    const auto captured = rowsOf(frame(snapshot, {80, 24}, options));
+    EXPECT_TRUE(contains(captured[rowWith(captured, "Memory")], "—"));
+    EXPECT_EQ(rowWith(captured, "Swap"), captured.size());
+}
+
+TEST(Frame, FrozenAndSortedShow) {
+    const Snapshot snapshot = sampleSnapshot();
+    FrameOptions options = optionsFor(snapshot);
+    options.motion = FrameOptions::Motion::frozen;
+    options.order = ProcessOrder::name;
+    const auto rows = rowsOf(frame(snapshot, {80, 24}, options));
+    EXPECT_TRUE(contains(rows.back(), "frozen"));
+    const size_t head = rowWith(rows, "Name▲");
+    ASSERT_LT(head, rows.size());
+    EXPECT_TRUE(contains(rows[head + 1], "bash"));
+}
+
+TEST(Frame, HostileNamesStayInTheirCells) {
+    Snapshot snapshot = sampleSnapshot(2, 1);
+    ProcInfo process = snapshot.processes[0];
+    for (const std::string_view name :
+         {"\x1b[2J\x1b[31mred", "a\nb\rc\td\x7f", "日本語の非常に長い名前のプロセス", "\u202Eevil\u2066",
+          "e\u0301\u0301\u0301\u0301", "\xff\xfe\x80", "\u200B\u200B", "\u009B31m"}) {
+        process.name = name;
+        snapshot.processes = {process};
+        for (const int width : {80, 24, 30}) {
+            const Canvas canvas = frame(snapshot, {width, 24}, optionsFor(snapshot));
+            for (int row = 0; row < 24; ++row) {
+                int cells = 0;
+                for (int column = 0; column < width; ++column) {
+                    const Cell& cell = canvas.at(row, column);
+                    cells += cell.cells;
+                    EXPECT_TRUE(cell.glyph >= 0x20 && (cell.glyph < 0x7F || cell.glyph >= 0xA0));
+                    EXPECT_FALSE(cell.glyph == 0x200B || cell.glyph == 0x202E || cell.glyph == 0x2066);
+                }
+                EXPECT_EQ(cells, width);
+            }
+        }
+    }
+}
+
+} // namespace
+} // namespace quarn::cli
