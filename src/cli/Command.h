@@ -1,0 +1,71 @@
+#pragma once
+
+#include "cli/ProcessOrder.h"
+#include "core/SystemRoot.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quarn::cli {
+
+/// What a command was told; options that it does not take keep these defaults.
+struct Options {
+    sysinfo::SystemRoot root = sysinfo::SystemRoot::host();
+    enum class Form { text, json } form = Form::text;
+    double interval = 1; ///< seconds between two samples
+    uint64_t count = 0;  ///< documents, 0 for no end
+    ProcessOrder order = ProcessOrder::cpu;
+    uint64_t limit = UINT64_MAX;    ///< rows
+    std::vector<std::string> words; ///< whatever follows a command that reads its own arguments
+};
+
+/// The options that a command takes, added up.
+enum Takes : unsigned {
+    takesNothing = 0,
+    takesJson = 1,
+    takesInterval = 2,
+    takesCount = 4,
+    takesSort = 8,
+    takesLimit = 16,
+    takesWords = 32, ///< the command reads all further arguments itself
+};
+
+/// One option as the help shows it.
+struct OptionRow {
+    Takes option;
+    std::string_view name;     ///< "--interval"
+    std::string_view argument; ///< "SECONDS"; empty for a flag
+    std::string_view help;
+};
+/// Every option of the commands, in the order of the help.
+std::span<const OptionRow> optionRows();
+
+/// One row of the program's table of commands.
+struct Command {
+    std::string_view name;
+    std::string_view arguments; ///< what may follow the name, for the help
+    std::string_view summary;   ///< one line of the program's help
+    std::string_view details;   ///< further sentences of the command's own help
+    std::string_view example;
+    unsigned takes;
+    /// Answers the exit status. Throws OutputClosed, or an exception whose message says what failed.
+    int (*run)(const Options&);
+};
+
+/// Every command, in the order of the help. A new one is a row in Commands.cpp and a file in commands/.
+std::span<const Command> commands();
+
+/// `quarn` without a command.
+int runLive(const Options& options);
+
+int runSnapshot(const Options& options);
+int runStream(const Options& options);
+int runProcesses(const Options& options);
+int runDisks(const Options& options);
+int runVolumes(const Options& options);
+int runSettingsCommand(const Options& options);
+
+} // namespace quarn::cli

@@ -1,0 +1,152 @@
+#include "cli/CommandLine.h"
+
+#include "cli/Command.h"
+#include "cli/HelpText.h"
+#include "cli/Output.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <functional>
+
+namespace quarn::cli {
+namespace {
+
+constexpr double longestInterval = 86400;
+
+struct Parsed {
+    std::string root;
+    std::string order{processOrderNames.front()};
+    Options options;
+};
+
+/// A number of seconds from 0 to a day; "nan" and "inf" are none.
+std::string checkSeconds(const std::string& text) {
+    double seconds = -1;
+    if (CLI::detail::lexical_cast(text, seconds) && seconds >= 0 && seconds <= longestInterval) return {};
+    return "'" + text + "' is not a number of seconds from 0 to 86400";
+}
+
+std::string checkCount(const std::string& text) {
+    const bool digits = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+    if (digits && text.size() < 19) return {};
+    return "'" + text + "' is not a whole number";
+}
+
+std::string checkOrder(const std::string& text) {
+    const bool known =
+        std::find(processOrderNames.begin(), processOrderNames.end(), text) != processOrderNames.end();
+    return known ? std::string() : "'" + text + "' is none of cpu, memory, disk, pid, name";
+}
+
+void addOptions(CLI::App& app, const Command& command, Parsed& parsed) {
+    const CLI::Validator seconds(checkSeconds, ""), count(checkCount, ""), order(checkOrder, "");
+    for (const OptionRow& row : optionRows()) {
+        if ((command.takes & row.option) == 0) continue;
+        const std::string name(row.name);
+        switch (row.option) {
+        case takesJson:
+            app.add_flag_callback(name, [&parsed] { parsed.options.form = Options::Form::json; });
+            break;
+        case takesInterval: app.add_option(name, parsed.options.interval)->check(seconds); break;
+        case takesCount: app.add_option(name, parsed.options.count)->check(count); break;
+        case takesSort: app.add_option(name, parsed.order)->check(order); break;
+        case takesLimit: app.add_option(name, parsed.options.limit)->check(count); break;
+        default: break;
+        }
+    }
+    if ((command.takes & takesWords) != 0) {
+        app.fallthrough(false); // its words are for it alone
+        app.prefix_command();
+    }
+}
+
+/// Checks --root early, so that a slip of the pen does not look like a machine without readings.
+sysinfo::SystemRoot openRoot(const std::string& directory) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    if (!fs::is_directory(directory, error))
+        throw CLI::ValidationError("--root", directory + " is no folder");
+    const sysinfo::SystemRoot root(directory);
+    if (!fs::is_directory(root.path("proc"), error) && !fs::is_directory(root.path("sys"), error)) {
+        throw CLI::ValidationError("--root", directory + " holds neither proc nor sys");
+    }
+    return root;
+}
+
+/// The message of a usage error in this program's words.
+std::string wording(const CLI::Error& error, const CLI::App& app) {
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+        const std::string_view message = error.what(); // "--interval: 1 required FLOAT missing"
+        return std::string(message.substr(0, message.find(':'))) + " needs a value";
+    }
+    if (dynamic_cast<const CLI::ExtrasError*>(&error) == nullptr) return error.what();
+    const auto rest = app.remaining(true);
+    const std::string first = rest.empty() ? std::string() : rest.front();
+    const char* kind = first.starts_with("-")          ? "option"
+                       : app.get_subcommands().empty() ? "command"
+                                                       : "argument";
+    return std::string("unknown ") + kind + " '" + first + "'";
+}
+
+/// The exit status of `work`, whatever it throws.
+int guarded(const std::function<int()>& work) {
+    try {
+        return work();
+    } catch (const OutputClosed&) {
+        return success;
+    } catch (const std::exception& error) {
+        complain(error.what());
+        return failure;
+    }
+}
+
+int print(std::string_view text) {
+    writeOut(text);
+    return success;
+}
+
+} // namespace
+
+int runCommandLine(int argc, const char* const* argv) {
+    std::signal(SIGPIPE, SIG_IGN); // a reader that left shows as a failed write
+
+    Parsed parsed;
+    CLI::App app;
+    app.set_help_flag("-h,--help");
+    app.set_version_flag("--version", "");
+    app.add_option("--root", parsed.root);
+    app.require_subcommand(0, 1);
+    app.fallthrough();
+    for (const Command& command : commands()) {
+        addOptions(*app.add_subcommand(std::string(command.name)), command, parsed);
+    }
+    const auto chosen = [&]() -> const Command* {
+        for (const Command& command : commands()) {
+            if (app.got_subcommand(std::string(command.name))) return &command;
+        }
+        return nullptr;
+    };
+    try {
+        app.parse(argc, argv);
+        if (app.count("--root") > 0) parsed.options.root = openRoot(parsed.root);
+    } catch (const CLI::CallForVersion&) {
+        return guarded([] { return print("quarn " QUARN_VERSION "\n"); });
+    } catch (const CLI::Success&) {
+        return guarded([&] { return print(helpText(chosen())); });
+    } catch (const CLI::Error& error) {
+        complain(wording(error, app) + "; see quarn --help");
+        return wrongUsage;
+    }
+    const Command* command = chosen();
+    if (command != nullptr)
+        parsed.options.words = app.get_subcommand(std::string(command->name))->remaining();
+    const auto* order = std::find(processOrderNames.begin(), processOrderNames.end(), parsed.order);
+    parsed.options.order = static_cast<ProcessOrder>(order - processOrderNames.begin());
+    return guarded(
+        [&] { return command == nullptr ? runLive(parsed.options) : command->run(parsed.options); });
+}
+
+} // namespace quarn::cli

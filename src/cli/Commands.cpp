@@ -1,0 +1,49 @@
+#include "cli/Command.h"
+
+#include <array>
+
+namespace quarn::cli {
+namespace {
+
+constexpr std::array<OptionRow, 5> options{{
+    {takesJson, "--json", "", "print JSON"},
+    {takesInterval, "--interval", "SECONDS", "between the two samples that rates need (default 1)"},
+    {takesCount, "--count", "N", "end after N documents (default 0: never)"},
+    {takesSort, "--sort", "ORDER", "cpu (default), memory, disk, pid or name"},
+    {takesLimit, "--limit", "N", "print at most N"},
+}};
+
+constexpr std::array<Command, 6> table{{
+    {"snapshot", "[options]", "One complete sample of the machine.",
+     "Takes two samples, --interval seconds apart, because rates and shares need both; with an interval of 0 "
+     "one sample, without rates.\nThe JSON document has a key for every reading. What is not known, or may "
+     "not be read, is null.",
+     "quarn snapshot --json | jq .cpu.total", takesJson | takesInterval, runSnapshot},
+    {"stream", "[options]", "One sample after the other, a JSON document a line.",
+     "Each document has the keys of `quarn snapshot --json`. Without --count it goes on until it is stopped "
+     "or nobody reads any more.",
+     "quarn stream --json --count 60 --interval 1 > minute.jsonl", takesJson | takesCount | takesInterval,
+     runStream},
+    {"processes", "[options]", "The processes and what they use.",
+     "CPU use is in percent of one core, over --interval seconds.",
+     "quarn processes --sort memory --limit 10", takesJson | takesInterval | takesSort | takesLimit,
+     runProcesses},
+    {"disks", "[options]", "The physical disks and their traffic.", "", "quarn disks --json",
+     takesJson | takesInterval, runDisks},
+    {"volumes", "[options]", "The mounted volumes and their free space.", "", "quarn volumes", takesJson,
+     runVolumes},
+    {"settings", "list | get KEY | set KEY VALUE | reset KEY", "Shows and changes settings.",
+     "  list [--json]    every setting with its value; * marks what differs from its default\n"
+     "  get KEY          one value\n"
+     "  set KEY VALUE    stores a value\n"
+     "  reset KEY        back to the default; --all for every setting",
+     "quarn settings set samplingProfile diagnostic", takesWords, runSettingsCommand},
+}};
+
+} // namespace
+
+std::span<const OptionRow> optionRows() { return options; }
+
+std::span<const Command> commands() { return table; }
+
+} // namespace quarn::cli

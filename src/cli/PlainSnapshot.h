@@ -1,0 +1,21 @@
+#pragma once
+
+#include "cli/ProcessOrder.h"
+#include "cli/TerminalText.h"
+
+#include <string>
+
+namespace quarn::cli {
+
+/// One snapshot as text for people, without escape sequences: state, meters, the busiest processes.
+std::string plainSnapshot(const Snapshot& snapshot, const Known& known, const std::string& host,
+                          Charset charset);
+
+/// A list of processes as text, in that order.
+std::string plainProcesses(const Snapshot& snapshot, const Known& known, ProcessOrder order, size_t limit,
+                           Charset charset);
+
+/// The name of this machine; empty when it has none.
+std::string hostName();
+
+} // namespace quarn::cli

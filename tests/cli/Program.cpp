@@ -1,0 +1,156 @@
+#include "cli/Program.h"
+
+#include "support/TempRoot.h"
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utmp.h>
+
+namespace quarn::testing {
+namespace {
+
+[[noreturn]] void become(const std::vector<std::string>& arguments) {
+    std::vector<char*> argv;
+    std::string program = QUARN_PROGRAM;
+    argv.push_back(program.data());
+    std::vector<std::string> copies = arguments;
+    for (std::string& argument : copies) argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    ::signal(SIGPIPE, SIG_DFL);
+    ::execv(program.c_str(), argv.data());
+    ::_exit(127);
+}
+
+void waitFor(pid_t pid, Outcome& outcome) {
+    int status = 0;
+    ::waitpid(pid, &status, 0);
+    if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
+    if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
+}
+
+/// Reads several pipes to their ends at the same time, so that none blocks the program.
+void collect(std::array<int, 2> ends, std::array<std::string*, 2> texts) {
+    std::array<pollfd, 2> polled{{{ends[0], POLLIN, 0}, {ends[1], POLLIN, 0}}};
+    for (int open = 2; open > 0;) {
+        ::poll(polled.data(), polled.size(), -1);
+        for (size_t i = 0; i < polled.size(); ++i) {
+            if (polled[i].fd < 0 || polled[i].revents == 0) continue;
+            std::array<char, 65536> bytes{};
+            const ssize_t count = ::read(polled[i].fd, bytes.data(), bytes.size());
+            if (count > 0) {
+                texts[i]->append(bytes.data(), static_cast<size_t>(count));
+            } else {
+                ::close(polled[i].fd);
+                polled[i].fd = -1;
+                --open;
+            }
+        }
+    }
+}
+
+} // namespace
+
+Outcome runProgram(const std::vector<std::string>& arguments) { return runProgram(arguments, -1); }
+
+Outcome runProgram(const std::vector<std::string>& arguments, int out) {
+    const TempRoot home;
+    std::array<int, 2> outPipe{}, errPipe{};
+    if (::pipe2(outPipe.data(), O_CLOEXEC) != 0 || ::pipe2(errPipe.data(), O_CLOEXEC) != 0) std::abort();
+    const pid_t pid = ::fork();
+    if (pid == 0) {
+        ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
+        ::setenv("LC_ALL", "C.UTF-8", 1);
+        ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
+        ::dup2(out < 0 ? outPipe[1] : out, STDOUT_FILENO);
+        ::dup2(errPipe[1], STDERR_FILENO);
+        become(arguments);
+    }
+    ::close(outPipe[1]);
+    ::close(errPipe[1]);
+    if (out >= 0) ::close(out);
+    Outcome outcome;
+    collect({outPipe[0], errPipe[0]}, {&outcome.out, &outcome.err});
+    waitFor(pid, outcome);
+    return outcome;
+}
+
+TerminalProgram::TerminalProgram(const std::vector<std::string>& arguments, const char* term) {
+    const winsize size{24, 80, 0, 0};
+    if (::openpty(&terminal_, &keeper_, nullptr, nullptr, &size) != 0) std::abort();
+    pid_ = ::fork();
+    if (pid_ == 0) {
+        ::close(terminal_);
+        ::setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
+        ::setenv("LC_ALL", "C.UTF-8", 1);
+        ::setenv("TERM", term, 1);
+        ::unsetenv("COLORTERM");
+        ::unsetenv("NO_COLOR");
+        if (::login_tty(keeper_) != 0) ::_exit(126);
+        become(arguments);
+    }
+}
+
+TerminalProgram::~TerminalProgram() {
+    if (pid_ > 0) {
+        ::kill(pid_, SIGKILL);
+        ::waitpid(pid_, nullptr, 0);
+    }
+    ::close(terminal_);
+    ::close(keeper_);
+}
+
+void TerminalProgram::type(std::string_view keys) {
+    if (::write(terminal_, keys.data(), keys.size()) < 0) std::abort();
+}
+
+void TerminalProgram::resize(int columns, int rows) {
+    const winsize size{static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0, 0};
+    ::ioctl(terminal_, TIOCSWINSZ, &size); // the kernel tells the program
+}
+
+/// Waits for output for up to ten seconds; false when there is none.
+bool TerminalProgram::readMore() {
+    pollfd polled{terminal_, POLLIN, 0};
+    if (::poll(&polled, 1, 10'000) != 1) return false;
+    std::array<char, 65536> bytes{};
+    const ssize_t count = ::read(terminal_, bytes.data(), bytes.size());
+    if (count <= 0) return false;
+    output_.append(bytes.data(), static_cast<size_t>(count));
+    return true;
+}
+
+bool TerminalProgram::waitFor(std::string_view text) {
+    while (true) {
+        const size_t found = output_.find(text, seen_);
+        if (found != std::string::npos) {
+            seen_ = found + text.size();
+            return true;
+        }
+        if (!readMore()) return false;
+    }
+}
+
+Outcome TerminalProgram::finish() {
+    Outcome outcome;
+    testing::waitFor(pid_, outcome);
+    pid_ = -1;
+    for (pollfd polled{terminal_, POLLIN, 0}; ::poll(&polled, 1, 0) == 1 && readMore();) {
+    }
+    outcome.out = output_;
+    return outcome;
+}
+
+termios TerminalProgram::modes() const {
+    termios modes{};
+    ::tcgetattr(keeper_, &modes);
+    return modes;
+}
+
+} // namespace quarn::testing

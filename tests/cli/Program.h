@@ -1,0 +1,52 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <sys/types.h>
+#include <termios.h>
+#include <vector>
+
+namespace quarn::testing {
+
+/// How a run of the built program ended.
+struct Outcome {
+    int status = -1; ///< exit status, −1 when a signal ended it
+    int signal = 0;  ///< that signal
+    std::string out;
+    std::string err;
+};
+
+/// Runs the program to its end, away from a terminal and with settings of its own.
+Outcome runProgram(const std::vector<std::string>& arguments);
+/// The same with its standard output connected to `out` (closed here), which is not collected.
+Outcome runProgram(const std::vector<std::string>& arguments, int out);
+
+/// The program at work in a terminal of its own.
+class TerminalProgram {
+public:
+    /// `term` is its TERM; the terminal has 80 × 24 cells.
+    explicit TerminalProgram(const std::vector<std::string>& arguments, const char* term = "xterm-256color");
+    ~TerminalProgram();
+
+    pid_t pid() const { return pid_; }
+    void type(std::string_view keys);
+    void resize(int columns, int rows);
+    /// Reads on until the output since the last call holds `text`; false when the program ends before, or
+    /// after ten seconds.
+    bool waitFor(std::string_view text);
+    /// Waits for its end; `out` holds everything it wrote.
+    Outcome finish();
+    /// How the terminal handles keys and lines now.
+    termios modes() const;
+
+private:
+    bool readMore();
+
+    pid_t pid_ = -1;
+    int terminal_ = -1;
+    int keeper_ = -1; ///< keeps the terminal alive after the program's end
+    std::string output_;
+    size_t seen_ = 0;
+};
+
+} // namespace quarn::testing
