@@ -19,8 +19,7 @@ namespace quarn {
 
 namespace {
 
-/// The wait is a poll in whole milliseconds. Rounding up keeps it from waking just before the time, twice a
-/// run.
+/// Asio waits in whole milliseconds, rounded down: it would wake just before the time, and then once more.
 struct RoundedUpWait {
     using Duration = std::chrono::steady_clock::duration;
     static Duration to_wait_duration(const Duration& wait) {

@@ -57,14 +57,26 @@ TEST(RunLoop, StopEndsTheRunAndKeepsTheRest) {
     loop.run();
     EXPECT_EQ(order, "a");
 
-    loop.stop(); // before the run
+    loop.async([&] { loop.stop(); });
     loop.run();
-    EXPECT_EQ(order, "a");
-
-    loop.runPending();
     EXPECT_EQ(order, "ab");
 
+    loop.stop(); // before the run
+    loop.async([&] { order += 'c'; });
+    loop.runPending(); // nobody asked this one to stop
+    EXPECT_EQ(order, "abc");
+    loop.async([&] { order += 'd'; });
+    loop.run();
+    EXPECT_EQ(order, "abc");
+
     std::jthread stopper([&] { loop.stop(); }); // while it sleeps
+    loop.run();
+}
+
+TEST(RunLoop, WorkPostedByWorkRunsWithoutAnotherWakeUp) {
+    RunLoop loop;
+    loop.async([&] { loop.async([&] { loop.stop(); }); });
+    loop.async([] {});
     loop.run();
 }
 

@@ -59,6 +59,7 @@ TEST_F(TimerTableTest, WakesForTheEarliestWithinTheLeewayOfAll) {
     const auto close = add(110ms, 0ms, 5ms, note);
     expect(100ms, 15ms);
     table.remove(*close);
+    add(105ms, 0ms, 50ms, note);
     expect(100ms, 30ms);
     add(90ms, 0ms, 0ms, note);
     expect(90ms, 0ms);
@@ -82,13 +83,18 @@ TEST_F(TimerTableTest, WorkMayRemoveItselfAndOthersAndAddMore) {
 TEST_F(TimerTableTest, ReleasesClosuresEvenThoseThatOwnTheirOwnTimer) {
     const auto resource = std::make_shared<int>();
     add(1ms, 0ms, 0ms, [resource] {});
-    for (const auto interval : {0ms, 1ms}) {
+    const auto addOwnOwner = [&](Queue::Duration interval, bool removesItself) {
         const auto timed = add(5ms, interval, 0ms, {});
-        timed->work = [timed, resource] {};
-    }
-    EXPECT_EQ(resource.use_count(), 4);
+        timed->work = [this, timed, resource, removesItself] {
+            if (removesItself) table.remove(*timed);
+        };
+    };
+    addOwnOwner(0ms, false);
+    addOwnOwner(1ms, true);
+    addOwnOwner(1ms, false);
+    EXPECT_EQ(resource.use_count(), 5);
     runAt(1ms);
-    EXPECT_EQ(resource.use_count(), 3);
+    EXPECT_EQ(resource.use_count(), 4);
     runAt(5ms);
     EXPECT_EQ(resource.use_count(), 2);
     table.clear();
