@@ -253,13 +253,23 @@ typedef struct SCPower { /* watts, averaged since the previous sample */
     bool available; /* the split by domain was measured */
 } SCPower;
 
+/* Averages since the previous call, the first since the program asked at all. One queue at a time. */
+SCPower sc_power_sample(void);
+
+/* The processor for neural networks: false when there is none. `cores` is 0 when unknown; `arch` (optional)
+ * receives a name, cut to `archSize`. */
+bool sc_ane_info(uint32_t* cores, char* arch, uint32_t archSize);
+
 typedef struct SCGpuStats { /* percent, -1 when no GPU reports it */
     double device;
     double renderer;
     double tiler;
-    uint64_t memUsed;
-    uint64_t memAlloc;
+    uint64_t memUsed;  /* bytes, summed over the GPUs */
+    uint64_t memAlloc; /* a GPU's own memory, or what programs were given of the system's */
 } SCGpuStats;
+
+/* The busiest of all GPUs now; some tell their load from the second call on. */
+SCGpuStats sc_gpu_stats(void);
 
 typedef struct SCBattery { /* -1 marks an unknown time, count or capacity */
     bool present;

@@ -47,7 +47,7 @@ std::string modelFamily(std::string_view model) {
 }
 
 Hardware toHardware(const sysinfo::HardwareInfo& info, const sysinfo::BatteryInfo& battery,
-                    const NeuralEngine& engine) {
+                    const std::optional<sysinfo::NeuralEngine>& engine) {
     Hardware hardware;
     hardware.model = info.model;
     hardware.cpuBrand = info.cpuBrand;
@@ -71,8 +71,10 @@ Hardware toHardware(const sysinfo::HardwareInfo& info, const sysinfo::BatteryInf
     hardware.hvSupport = info.hvSupport;
     hardware.vmPresent = info.vmPresent;
     if (info.bootTime > 0) hardware.bootTime = info.bootTime;
-    hardware.aneCores = engine.cores;
-    hardware.aneArch = engine.arch;
+    if (engine) {
+        hardware.aneCores = engine->cores;
+        hardware.aneArch = engine->arch;
+    }
     hardware.hasBattery = battery.present;
     hardware.isAppleSilicon = info.isAppleSilicon;
     hardware.l3Cache = info.l3Cache;

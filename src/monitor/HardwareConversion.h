@@ -2,6 +2,7 @@
 
 #include "core/Battery.h"
 #include "core/HardwareInfo.h"
+#include "core/NeuralEngine.h"
 #include "monitor/Snapshot.h"
 
 #include <optional>
@@ -9,14 +10,8 @@
 
 namespace quarn {
 
-/// The neural engine of a machine, for the two fields that its own reader gives.
-struct NeuralEngine {
-    int64_t cores = 0;
-    std::string arch;
-};
-
 Hardware toHardware(const sysinfo::HardwareInfo& info, const sysinfo::BatteryInfo& battery,
-                    const NeuralEngine& engine);
+                    const std::optional<sysinfo::NeuralEngine>& engine);
 
 /// Absent on a machine without a battery.
 std::optional<Battery> toBattery(const sysinfo::BatteryInfo& info);

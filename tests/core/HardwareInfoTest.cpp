@@ -8,39 +8,49 @@ namespace {
 using namespace sysinfo;
 using quarn::testing::TempRoot;
 
-HardwareInfo unpacked(std::string_view machine) {
-    TempRoot root;
-    root.unpack("hardware/" + std::string(machine) + ".tree");
-    return readHardwareInfo(root.root());
-}
-
 constexpr uint64_t KiB = 1024, MiB = 1024 * KiB;
 
-TEST(HardwareInfo, CapturedProcessors) {
+TEST(HardwareInfo, CapturedMachines) {
     struct Case {
-        const char *machine, *teaches;
+        const char *machine, *teaches, *model, *brand, *arch, *kernel;
+        bool virtualises;
         uint32_t logical, cores, performance, efficiency;
         uint64_t l1i, l1d, l2, l2e, l3, clock;
     };
     for (const auto& c : {
              Case{"hybrid-20",
-                  "two kinds of cores, told apart by their highest frequencies; half the threads", 20, 14, 6,
-                  8, 32 * KiB, 48 * KiB, 1280 * KiB, 2 * MiB, 24 * MiB, 1'900'000'000},
-             Case{"sparse-48", "eight last-level caches", 48, 48, 0, 0, 64 * KiB, 64 * KiB, 512 * KiB, 0,
-                  8 * 5118 * KiB, 0},
-             Case{"arm-128", "more CPUs than fit in one mask word", 128, 128, 0, 0, 64 * KiB, 64 * KiB,
-                  512 * KiB, 0, 4 * 32 * MiB, 0},
-             Case{"one-offline-16", "an offline CPU is not counted", 15, 15, 0, 0, 64 * KiB, 64 * KiB, MiB, 0,
-                  0, 0},
-             Case{"arm-2", "no cache is described", 2, 2, 0, 0, 0, 0, 0, 0, 0, 0},
-             Case{"s390-20", "core numbers that repeat from book to book", 20, 20, 0, 0, 0, 0, 0, 0, 0, 0},
-             Case{"four-sockets-40", "numbers interleaved over four packages", 40, 40, 0, 0, 32 * KiB,
-                  32 * KiB, 256 * KiB, 0, 4 * 30 * MiB, 2'400'000'000},
-             Case{"arm64-server", "no list of CPUs that are online", 1, 1, 0, 0, 64 * KiB, 64 * KiB, MiB, 0,
-                  32 * MiB, 0},
+                  "two kinds of cores, told apart by their highest frequencies; half the threads",
+                  "HP EliteBook 840 14 inch G10 Notebook PC", "13th Gen Intel(R) Core(TM) i7-1370P", "x86_64",
+                  "Linux 6.1.0-13-amd64", true, 20, 14, 6, 8, 32 * KiB, 48 * KiB, 1280 * KiB, 2 * MiB,
+                  24 * MiB, 1'900'000'000},
+             Case{"sparse-48", "eight last-level caches", "AMD DRACHMA", "AMD Engineering Sample", "x86_64",
+                  "", true, 48, 48, 0, 0, 64 * KiB, 64 * KiB, 512 * KiB, 0, 8 * 5118 * KiB, 0},
+             Case{"arm-128", "more CPUs than fit in one mask word; a processor known by its number",
+                  "Huawei XA320 V2", "Kunpeng-920", "aarch64", "Linux 5.15.0-rc1-00005-g4c1b4a4d90b6-dirty",
+                  false, 128, 128, 0, 0, 64 * KiB, 64 * KiB, 512 * KiB, 0, 4 * 32 * MiB, 0},
+             Case{"one-offline-16", "an offline CPU is not counted; a board without a product name",
+                  "TYAN Computer S4881", "Dual Core AMD Opteron(tm) Processor 865", "x86_64", "", false, 15,
+                  15, 0, 0, 64 * KiB, 64 * KiB, MiB, 0, 0, 0},
+             Case{"arm-2", "no cache is described, no DMI", "ST-Ericsson MOP500 platform", "Cortex-A9",
+                  "armv7l", "", false, 2, 2, 0, 0, 0, 0, 0, 0, 0, 0},
+             Case{"s390-20", "core numbers that repeat from book to book", "", "IBM/S390", "s390x", "", false,
+                  20, 20, 0, 0, 0, 0, 0, 0, 0, 0},
+             Case{"four-sockets-40", "numbers interleaved over four packages; a clock only in the name",
+                  "Dell PowerEdge R910", "Intel(R) Xeon(R) CPU E7- 4870 @ 2.40GHz", "x86_64", "", true, 40,
+                  40, 0, 0, 32 * KiB, 32 * KiB, 256 * KiB, 0, 4 * 30 * MiB, 2'400'000'000},
+             Case{"arm64-server", "no list of CPUs that are online", "", "Neoverse-N1", "aarch64", "", false,
+                  1, 1, 0, 0, 64 * KiB, 64 * KiB, MiB, 0, 32 * MiB, 0},
          }) {
         SCOPED_TRACE(std::string(c.machine) + ": " + c.teaches);
-        const auto info = unpacked(c.machine);
+        TempRoot root;
+        root.unpack("hardware/" + std::string(c.machine) + ".tree");
+        const auto info = readHardwareInfo(root.root());
+        EXPECT_EQ(info.model, c.model);
+        EXPECT_EQ(info.cpuBrand, c.brand);
+        EXPECT_EQ(info.arch, c.arch);
+        EXPECT_EQ(info.kernel, c.kernel);
+        EXPECT_EQ(info.hvSupport, c.virtualises);
+        EXPECT_FALSE(info.vmPresent);
         EXPECT_EQ(info.ncpu, c.logical);
         EXPECT_EQ(info.physCpu, c.cores);
         EXPECT_EQ(info.perfCores, c.performance);
@@ -50,37 +60,7 @@ TEST(HardwareInfo, CapturedProcessors) {
         EXPECT_EQ(info.l2Cache, c.l2);
         EXPECT_EQ(info.l2CacheE, c.l2e);
         EXPECT_EQ(info.l3Cache, c.l3);
-        EXPECT_NEAR(static_cast<double>(info.baseClockHz), static_cast<double>(c.clock), 1e7);
-    }
-}
-
-TEST(HardwareInfo, CapturedIdentities) {
-    struct Case {
-        const char *machine, *model, *brand, *arch, *kernel;
-        bool virtualises;
-    };
-    for (const auto& c : {
-             Case{"hybrid-20", "HP EliteBook 840 14 inch G10 Notebook PC",
-                  "13th Gen Intel(R) Core(TM) i7-1370P", "x86_64", "Linux 6.1.0-13-amd64", true},
-             Case{"sparse-48", "AMD DRACHMA", "AMD Engineering Sample", "x86_64", "", true},
-             Case{"arm-128", "Huawei XA320 V2", "Kunpeng-920", "aarch64",
-                  "Linux 5.15.0-rc1-00005-g4c1b4a4d90b6-dirty", false},
-             Case{"one-offline-16", "TYAN Computer S4881", "Dual Core AMD Opteron(tm) Processor 865",
-                  "x86_64", "", false},
-             Case{"arm-2", "ST-Ericsson MOP500 platform", "Cortex-A9", "armv7l", "", false},
-             Case{"s390-20", "", "IBM/S390", "s390x", "", false},
-             Case{"four-sockets-40", "Dell PowerEdge R910", "Intel(R) Xeon(R) CPU E7- 4870 @ 2.40GHz",
-                  "x86_64", "", true},
-             Case{"arm64-server", "", "Neoverse-N1", "aarch64", "", false},
-         }) {
-        SCOPED_TRACE(c.machine);
-        const auto info = unpacked(c.machine);
-        EXPECT_EQ(info.model, c.model);
-        EXPECT_EQ(info.cpuBrand, c.brand);
-        EXPECT_EQ(info.arch, c.arch);
-        EXPECT_EQ(info.kernel, c.kernel);
-        EXPECT_EQ(info.hvSupport, c.virtualises);
-        EXPECT_FALSE(info.vmPresent);
+        EXPECT_EQ(info.baseClockHz, c.clock);
     }
 }
 

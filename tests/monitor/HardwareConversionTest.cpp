@@ -50,7 +50,7 @@ TEST(HardwareConversion, KeepsEveryField) {
     info.bootTime = 4;
     info.baseClockHz = 5;
     info.vmPresent = true;
-    const auto hardware = toHardware(info, {}, {16, "h15"});
+    const auto hardware = toHardware(info, {}, sysinfo::NeuralEngine{16, "h15"});
     EXPECT_EQ(hardware.gpuName, "GPU");
     EXPECT_EQ(hardware.perfCores + hardware.effCores, 14);
     EXPECT_EQ(hardware.l2Cache, 1u);

@@ -3,6 +3,7 @@
 #include "core/CleanText.h"
 #include "core/Scan.h"
 #include "core/linux/Files.h"
+#include "core/linux/GpuDevices.h"
 
 #include <algorithm>
 #include <array>
@@ -49,6 +50,20 @@ std::string_view boxName(std::string_view name) {
 std::string join(std::string_view vendor, std::string_view name) {
     if (vendor.empty() || name.starts_with(vendor)) return scutil::cleanText(name);
     return scutil::cleanText(std::string(vendor) + ' ' + std::string(name));
+}
+
+/// The name that NVIDIA's driver shows of a GPU that it drives.
+std::string nvidiaModel(const SystemRoot& root, const GpuDevice& gpu) {
+    if (gpu.driver != "nvidia" || !isAwake(root, gpu)) return {};
+    const std::string text =
+        readTable(root.path("proc/driver/nvidia/gpus/" + gpu.slot + "/information")).value_or("");
+    for (std::string_view rest = text; !rest.empty();) {
+        std::string_view line = scutil::takeLine(rest);
+        if (scutil::takeUntil(line, ':') != "Model") continue;
+        const std::string name = scutil::cleanText(line);
+        return name == "Unknown" ? std::string() : name;
+    }
+    return {};
 }
 
 std::string tableName(const SystemRoot& root, const GpuDevice& gpu) {
@@ -101,6 +116,7 @@ std::string nameGpu(const SystemRoot& root, const GpuDevice& gpu) {
     }
     const auto product = readAttribute(root.path(gpu.folder + "product_name"));
     if (product && !product->empty()) return join(shortVendor(gpu.vendor), *product);
+    if (auto name = nvidiaModel(root, gpu); !name.empty()) return join("NVIDIA", name);
     if (auto name = tableName(root, gpu); !name.empty()) return name;
     constexpr std::string_view digits = "0123456789abcdef";
     std::string number = "0000";

@@ -1,0 +1,141 @@
+#include "core/linux/NvidiaGate.h"
+#include "core/linux/NvidiaGpus.h"
+
+#include <atomic>
+#include <dlfcn.h>
+#include <future>
+
+namespace {
+
+using namespace sysinfo::platform;
+using namespace std::chrono_literals;
+
+TEST(Nvml, ReadsThroughALibraryLoadedAtRunTime) {
+    const std::unique_ptr<void, int (*)(void*)> library(::dlopen(FAKE_NVML, RTLD_NOW), ::dlclose);
+    ASSERT_TRUE(library) << ::dlerror();
+    const auto sessions = reinterpret_cast<int (*)()>(::dlsym(library.get(), "fakeNvmlSessions"));
+    {
+        const auto nvml = Nvml::open(FAKE_NVML);
+        ASSERT_TRUE(nvml);
+        EXPECT_EQ(sessions(), 1);
+        const auto gpus = nvml->read();
+        ASSERT_EQ(gpus.size(), 2u) << "a GPU that fell off the bus is left out";
+        EXPECT_EQ(gpus[0].slot, "0000:17:00.0");
+        EXPECT_EQ(gpus[0].name, "NVIDIA T4");
+        EXPECT_EQ(gpus[0].cores, 2560u);
+        EXPECT_EQ(gpus[0].busyPercent, 37);
+        EXPECT_EQ(gpus[0].memUsed, 4ull << 30);
+        EXPECT_EQ(gpus[0].memTotal, 16ull << 30);
+        EXPECT_EQ(gpus[0].energyMillijoules, 1500u);
+        EXPECT_FALSE(gpus[0].watts) << "this library lacks the function";
+        EXPECT_EQ(gpus[1].slot, "0000:b1:00.0");
+        EXPECT_FALSE(gpus[1].busyPercent) << "not measured is not 0";
+        EXPECT_FALSE(gpus[1].memUsed);
+        EXPECT_FALSE(gpus[1].energyMillijoules);
+    }
+    EXPECT_EQ(sessions(), 0) << "an open session keeps every GPU awake";
+    EXPECT_FALSE(Nvml::open("libquarn-no-such-library.so"));
+    EXPECT_FALSE(Nvml::open("libc.so.6")) << "a library without these functions";
+}
+
+TEST(Nvml, BusIds) {
+    EXPECT_EQ(slotOfBusId("00000000:B1:00.0"), "0000:b1:00.0");
+    EXPECT_EQ(slotOfBusId("00010000:01:00.0"), "10000:01:00.0");
+    EXPECT_EQ(slotOfBusId(""), "");
+}
+
+TEST(NvidiaGate, LetsIdleGpusSleep) {
+    const NvidiaGate::State awake{false, true}, asleep{true, true};
+    NvidiaGate gate;
+    EXPECT_FALSE(gate.mayOpen(0, asleep));
+    EXPECT_TRUE(gate.mayOpen(1, awake));
+    gate.saw(1, true);
+    EXPECT_TRUE(gate.mayOpen(10, awake));
+    gate.saw(10, false);
+    EXPECT_TRUE(gate.mayOpen(15, awake));
+    gate.saw(15, false);
+    EXPECT_FALSE(gate.mayOpen(16, awake)) << "idle for six seconds";
+    EXPECT_FALSE(gate.mayOpen(35, awake));
+    EXPECT_TRUE(gate.mayOpen(36, awake)) << "another program keeps it awake";
+    gate.saw(36, false);
+    EXPECT_FALSE(gate.mayOpen(43, awake));
+    EXPECT_FALSE(gate.mayOpen(44, asleep));
+    EXPECT_TRUE(gate.mayOpen(46, awake)) << "woken by somebody who has work for it";
+}
+
+TEST(NvidiaGate, StaysOpenWhereNothingCanSleep) {
+    NvidiaGate gate;
+    for (double now = 0; now < 100; now += 2) {
+        EXPECT_TRUE(gate.mayOpen(now, {false, false}));
+        gate.saw(now, false);
+    }
+}
+
+/// A session that counts how many of it are open, and may hang.
+struct Fake {
+    struct Session final : Nvml {
+        explicit Session(Fake& owner) : fake(owner) { ++fake.open; }
+        ~Session() override {
+            if (--fake.open == 0) fake.closed.set_value();
+        }
+        std::vector<NvidiaReading> read() override {
+            if (fake.hang) fake.release.wait();
+            NvidiaReading reading;
+            reading.slot = "0000:01:00.0";
+            reading.busyPercent = ++fake.reads;
+            return {reading};
+        }
+        Fake& fake;
+    };
+
+    NvidiaGpus::Setup setup(std::chrono::milliseconds patience, std::chrono::milliseconds unusedClose) {
+        return {[this] { return std::make_unique<Session>(*this); }, [this] { return state; }, patience,
+                unusedClose};
+    }
+
+    std::atomic<int> open = 0;
+    std::atomic<int> reads = 0;
+    std::atomic<bool> hang = false;
+    NvidiaGate::State state{false, true};
+    std::promise<void> closed, released;
+    std::shared_future<void> release = released.get_future().share();
+};
+
+constexpr uint64_t second = 1'000'000'000;
+
+TEST(NvidiaGpus, SharesReadingsAndNeverWakes) {
+    Fake fake;
+    NvidiaGpus gpus(fake.setup(10s, 10min));
+    fake.state.asleep = true;
+    EXPECT_TRUE(gpus.read(1 * second).empty());
+    EXPECT_EQ(fake.open, 0) << "opening a session would have woken it";
+    fake.state.asleep = false;
+    ASSERT_EQ(gpus.read(3 * second).size(), 1u);
+    EXPECT_EQ(gpus.read(3 * second + 1000).size(), 1u);
+    EXPECT_EQ(fake.reads, 1) << "two readers of one moment";
+    EXPECT_EQ(gpus.read(5 * second)[0].busyPercent, 2);
+    fake.state.asleep = true;
+    EXPECT_TRUE(gpus.read(7 * second).empty());
+    EXPECT_EQ(fake.open, 0);
+}
+
+TEST(NvidiaGpus, ClosesTheSessionWhenNobodyAsks) {
+    Fake fake;
+    NvidiaGpus gpus(fake.setup(10s, 1ms));
+    gpus.read(second);
+    EXPECT_EQ(fake.closed.get_future().wait_for(10s), std::future_status::ready);
+}
+
+TEST(NvidiaGpus, ADriverThatHangsHoldsNobodyUp) {
+    Fake fake;
+    fake.hang = true;
+    {
+        NvidiaGpus gpus(fake.setup(1ms, 10min));
+        EXPECT_TRUE(gpus.read(second).empty());
+        EXPECT_TRUE(gpus.read(3 * second).empty());
+        fake.released.set_value();
+    }
+    EXPECT_EQ(fake.open, 0);
+}
+
+} // namespace
