@@ -79,6 +79,24 @@ int quarn_flat_interface_check(void) {
     if (!isnan(sc_smc_read_float("TC0")) || !isnan(sc_smc_read_float(NULL))) return 24;
     if (sc_smc_key_capacity() > 100000) return 25;
 
+    const SCHardware hardware = sc_read_hardware();
+    if (hardware.ncpu == 0 || hardware.memTotal != mem.total || hardware.pageSize != mem.pageSize) return 26;
+    if (hardware.bootTime == 0 || strncmp(hardware.kernel, "Linux ", 6) != 0) return 27;
+    const SCBattery battery = sc_read_battery();
+    if (battery.percent < 0 || battery.percent > 100 || (!battery.present && battery.designCapacity != -1))
+        return 28;
+    const SCGpuStats gpu = sc_gpu_stats();
+    if (gpu.device < -1 || gpu.device > 100 || gpu.tiler < -1) return 29;
+    const SCPower power = sc_power_sample();
+    if (power.cpuWatts < 0 || power.gpuWatts < 0 || power.sysWatts < 0) return 30;
+    uint32_t engines = 7;
+    char arch[4] = "xxx";
+    if (sc_ane_info(NULL, arch, sizeof arch) || arch[0] != '\0') return 31;
+    arch[0] = 'x';
+    if (sc_ane_info(NULL, arch, 0) || arch[0] != 'x') return 32; /* no room, not touched */
+    if (!sc_ane_info(&engines, arch, sizeof arch) && (engines != 0 || arch[0] != '\0')) return 33;
+    if (strlen(arch) >= sizeof arch) return 34;
+
     sc_sampler_destroy(nowhere);
     sc_sampler_destroy(sampler);
     return 0;

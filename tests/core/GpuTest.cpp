@@ -1,4 +1,5 @@
 #include "core/GpuStats.h"
+#include "core/NeuralEngine.h"
 #include "core/linux/GpuDevices.h"
 #include "core/linux/GpuEnergy.h"
 #include "core/linux/GpuNames.h"
@@ -157,6 +158,16 @@ EnergySample energyAt(platform::GpuEnergy& gpus, uint64_t seconds) {
     EnergySample channels;
     gpus.sample(seconds * 1'000'000'000, channels);
     return channels;
+}
+
+TEST(NeuralEngine, ByItsDriver) {
+    TempRoot machine;
+    EXPECT_FALSE(platform::findNeuralEngine(machine.root()));
+    machine.folder("sys/class/accel/accel0")
+        .write("sys/class/accel/accel1/device/uevent", "DRIVER=amdxdna\n");
+    EXPECT_EQ(platform::findNeuralEngine(machine.root())->arch, "AMD XDNA") << "the first that has a driver";
+    machine.write("sys/class/accel/accel0/device/uevent", "DRIVER=something\n");
+    EXPECT_EQ(platform::findNeuralEngine(machine.root())->arch, "something");
 }
 
 TEST(GpuEnergy, OfDedicatedGpusOnly) {
