@@ -12,13 +12,19 @@ if(QUARN_SANITIZE)
   target_link_options(quarn_options INTERFACE -fsanitize=${QUARN_SANITIZE})
 endif()
 
-# quarn_module(name SOURCES … DEPENDS … PUBLIC_DEPENDS …)
-# One static library for one folder. PUBLIC_DEPENDS are those that its headers include.
+# quarn_module(name SOURCES … DEPENDS … PUBLIC_DEPENDS … [ALONE …])
+# One static library for one folder. PUBLIC_DEPENDS are those that its headers include. ALONE are sources whose
+# private names clash with others, so that they stay out of the joined files of a unity build.
 function(quarn_module name)
-  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PUBLIC_DEPENDS" ${ARGN})
+  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PUBLIC_DEPENDS;ALONE" ${ARGN})
   add_library(quarn_${name} STATIC ${arg_SOURCES})
   add_library(quarn::${name} ALIAS quarn_${name})
   target_link_libraries(quarn_${name} PUBLIC quarn_options ${arg_PUBLIC_DEPENDS} PRIVATE ${arg_DEPENDS})
+  if(QUARN_UNITY)
+    set_target_properties(quarn_${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
+    set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    target_compile_options(quarn_${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+  endif()
 endfunction()
 
 # quarn_program(name SOURCES … DEPENDS …): one of the programs, installed into bin.
