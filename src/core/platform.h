@@ -31,6 +31,9 @@ std::shared_ptr<Readers> openReaders(const SystemRoot& root);
 /// Monotonic time that no clock adjustment touches, in nanoseconds.
 uint64_t monotonicRawNs();
 
+/// Seconds that the machine has slept since it booted.
+double asleepSeconds();
+
 // ---- CPU and memory
 
 /// Raw CPU time counters, four for each CPU that is online, in ticks of any one length.

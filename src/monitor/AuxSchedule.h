@@ -34,7 +34,7 @@ struct AuxDemand {
     int splitUsers = 0;
     bool helperActive = false;
     bool temperaturesWanted = false;
-    bool noTemperatureYet = true; ///< a first reading is taken at once
+    bool noTemperatureYet = true; ///< a first reading is taken at once; a machine may have none to give
 };
 
 /// What one auxiliary job brought back; absent is what it was not asked for.

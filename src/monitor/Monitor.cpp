@@ -1,12 +1,23 @@
 #include "monitor/Monitor.h"
 
 #include "HelperKit/SerialQueue.h"
+#include "core/Battery.h"
+#include "core/GpuStats.h"
+#include "core/HardwareInfo.h"
+#include "core/IOReport.h"
+#include "core/InterfaceList.h"
 #include "core/MemStats.h"
+#include "core/NeuralEngine.h"
 #include "core/SCSampler.h"
+#include "core/SMC.h"
+#include "core/SMCSensors.h"
 #include "core/Storage.h"
+#include "core/SystemEvents.h"
+#include "monitor/HardwareConversion.h"
 #include "monitor/ProcessList.h"
 #include "ui/settings/Prefs.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 
@@ -23,6 +34,37 @@ void increment(int64_t& counter) {
 
 Queue::Duration duration(double seconds) {
     return std::chrono::duration_cast<Queue::Duration>(std::chrono::duration<double>(seconds));
+}
+
+Hardware describeMachine(const sysinfo::SystemRoot& root) {
+    const auto engine = platform::findNeuralEngine(root);
+    return toHardware(sysinfo::readHardwareInfo(root), sysinfo::readBattery(root),
+                      engine ? NeuralEngine{engine->cores, engine->arch} : NeuralEngine{});
+}
+
+NetInterface fromInterface(const sysinfo::NetInterface& info) {
+    NetInterface to;
+    to.name = info.name;
+    to.mac = info.mac;
+    for (const auto& address : info.addrs) to.addrs += (to.addrs.empty() ? "" : ", ") + address;
+    to.up = info.up;
+    to.rxBytes = info.rxBytes;
+    to.txBytes = info.txBytes;
+    to.rxPackets = info.rxPackets;
+    to.txPackets = info.txPackets;
+    to.rxErrors = info.rxErrors;
+    to.txErrors = info.txErrors;
+    to.drops = info.drops;
+    to.collisions = info.collisions;
+    to.mtu = info.mtu;
+    to.linkSpeedMbps = info.linkSpeedMbps;
+    to.media = info.media;
+    to.netmask = info.netmask;
+    to.broadcast = info.broadcast;
+    to.loopback = info.loopback;
+    to.pointToPoint = info.pointToPoint;
+    to.multicast = info.multicastCapable;
+    return to;
 }
 
 DiskDevice fromRecord(const SCDiskDevice& record) {
@@ -43,6 +85,8 @@ DiskDevice fromRecord(const SCDiskDevice& record) {
 
 } // namespace
 
+double asleepSeconds() { return platform::asleepSeconds(); }
+
 double steadySeconds() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
@@ -51,25 +95,51 @@ struct Monitor::Publication {
     Monitor& monitor;
 };
 
+struct Monitor::Auxiliary {
+    explicit Auxiliary(const sysinfo::SystemRoot& root)
+        : smc(root), sensors(smc), energy(platform::openEnergySource(root), platform::monotonicRawNs, [this] {
+              return sensors.value("PSTR");
+          }) {}
+
+    sysinfo::SMC smc;
+    sysinfo::SMCSensors sensors;
+    sysinfo::IOReport energy;
+};
+
 Monitor::Monitor(MonitorSetup setup)
     : setup_(std::move(setup)),
+      hardware_(describeMachine(setup_.root)),
       profile_(profileFromText(setup_.prefs.samplingProfile.get()).value_or(SamplingProfile::normal)),
       publication_(std::make_shared<Publication>(Publication{*this})),
       plan_(SamplingPlan::foreground(profile_)),
       sampler_(std::make_unique<SCSampler>(setup_.root)),
-      diskList_(std::make_unique<sysinfo::DiskDeviceList>(setup_.root)) {}
+      diskList_(std::make_unique<sysinfo::DiskDeviceList>(setup_.root)),
+      interfaceList_(std::make_unique<sysinfo::InterfaceList>()),
+      gpu_(std::make_unique<sysinfo::GpuSampler>(setup_.root)),
+      lastAsleep_(setup_.asleepSeconds()) {}
 
 Monitor::~Monitor() {
+    events_.reset();
     timer_.reset();
     publication_.reset();
-    setup_.queue.sync([] {}); // a tick under way ends first
+    setup_.queue.sync([] {}); // a tick under way ends first,
+    setup_.aux.sync([] {});   // then the job that it may have started,
+    setup_.queue.sync([] {}); // then the landing of what the job brought
 }
 
 Monitor& Monitor::shared(Executor& main) {
     static SerialQueue queue("com.kelmora.quarn.sampler", QualityOfService::userInitiated);
+    static SerialQueue aux("com.kelmora.quarn.aux");
     static NoHelper helper;
-    static Monitor monitor({.queue = queue, .main = main, .prefs = Prefs::shared(), .helper = helper});
+    static Monitor monitor(
+        {.queue = queue, .aux = aux, .main = main, .prefs = Prefs::shared(), .helper = helper});
     return monitor;
+}
+
+void Monitor::sampleSoon(Queue& queue, std::weak_ptr<Publication> weak) {
+    queue.async([weak = std::move(weak)] {
+        if (const auto publication = weak.lock()) publication->monitor.sample();
+    });
 }
 
 SamplingPlan Monitor::buildPlan() const {
@@ -85,8 +155,49 @@ void Monitor::start() {
     plan_.set(plan);
     setup_.queue.setQualityOfService(plan.qos);
     const double leeway = background_ && !panelOpen_ ? 0.2 : 0.02;
+    if (!events_ && setup_.root.isHost()) {
+        events_ = std::make_unique<sysinfo::SystemEvents>(sysinfo::SystemEvents::Handlers{
+            .powerSourceChanged = [this] { powerSourceChanged_.set(true); },
+            .wokeUp = [queue = &setup_.queue,
+                       weak = std::weak_ptr(publication_)] { sampleSoon(*queue, weak); }});
+    }
     timer_.reset();
     timer_ = setup_.queue.every(duration(plan.tick), duration(leeway), [this] { sample(); });
+}
+
+void Monitor::retainSensors(PowerSplit powerSplit) {
+    sensorUsers_.withValue([](int& users) { ++users; });
+    if (powerSplit == PowerSplit::wanted) splitUsers_.withValue([](int& users) { ++users; });
+}
+
+void Monitor::releaseSensors(PowerSplit powerSplit) {
+    sensorUsers_.withValue([](int& users) { --users; });
+    if (powerSplit == PowerSplit::wanted) splitUsers_.withValue([](int& users) { --users; });
+}
+
+SensorRetention::SensorRetention(Monitor& target, PowerSplit powerSplit)
+    : target_(target), powerSplit_(powerSplit) {
+    target_.retainSensors(powerSplit_);
+}
+
+void SensorRetention::release() {
+    if (std::exchange(isActive_, false)) target_.releaseSensors(powerSplit_);
+}
+
+void Monitor::sampleAuxNow() {
+    setup_.aux.sync([] {}); // a job under way comes first
+    setup_.queue.sync([this] {
+        const AuxDemand demand = auxDemand();
+        AuxReads reads;
+        reads.power.system = true;
+        reads.power.split = demand.splitUsers > 0;
+        reads.power.helper = demand.splitUsers > 0 && demand.helperActive;
+        reads.temperatures = demand.temperaturesWanted;
+        reads.smcKeys = demand.sensorUsers > 0;
+        if (!aux_.busy) scheduleAux(reads);
+    });
+    setup_.aux.sync([] {});
+    setup_.queue.sync([] {});
 }
 
 void Monitor::sampleNow() {
@@ -123,6 +234,7 @@ void Monitor::sample() {
     const double now = setup_.steadySeconds();
     Snapshot snapshot;
     snapshot.timestamp = setup_.wallTime();
+    snapshot.isAppleSilicon = hardware_.isAppleSilicon;
     increment(tick_);
 
     auto& readers = *sampler_->readers;
@@ -130,15 +242,25 @@ void Monitor::sample() {
     snapshot.mem = sysinfo::readMemStats(readers);
     snapshot.disk = sampler_->disk.sample(readers);
     sampleNetwork(snapshot, plan, now);
+    snapshot.gpu = sysinfo::combineGpus(gpu_->sample());
+    sampleBattery(snapshot, plan, now);
     sampleProcesses(snapshot, plan, now);
     double load[3];
     const int loads = platform::loadAverage(readers, load);
     if (loads > 0) snapshot.loadAvg.assign(load, load + loads);
     snapshot.uptime = platform::uptime(readers).value_or(0);
+    addAuxReadings(snapshot, now);
+    if (const AuxReads reads = aux_.due(now, plan, auxDemand()); reads.any()) scheduleAux(reads);
     sampleRates(snapshot, now);
-    if (plan.deviceLists || !disks_.isTaken()) sampleDisks(now);
+    if (plan.deviceLists || !disks_.isTaken()) {
+        sampleDisks(now);
+        sampleInterfaces(now);
+    }
     snapshot.disks = disks_.cached;
     snapshot.disksGeneration = disksGeneration_;
+    snapshot.interfaces = ifaces_.cached;
+    snapshot.interfacesGeneration = ifacesGeneration_;
+    noteSleep(snapshot);
 
     increment(generation_);
     snapshot.generation = generation_;
@@ -172,11 +294,7 @@ HelperFetch Monitor::fetchFromHelper() {
     std::function<void()> onReply;
     if (procGeneration_ == 0) {
         // The very first list is shown as soon as it comes, not a tick later.
-        onReply = [queue = &setup_.queue, weak = std::weak_ptr(publication_)] {
-            queue->async([weak] {
-                if (const auto publication = weak.lock()) publication->monitor.sample();
-            });
-        };
+        onReply = [queue = &setup_.queue, weak = std::weak_ptr(publication_)] { sampleSoon(*queue, weak); };
     }
     return setup_.helper.pollProcesses(std::chrono::milliseconds(1500), std::move(onReply));
 }
@@ -210,6 +328,105 @@ void Monitor::sampleDisks(double now) {
     applyDiskRates(disks, disks_.cached, disks_.isTaken() ? disks_.age(now) : 0);
     disks_.store(std::move(disks), now);
     increment(disksGeneration_);
+}
+
+void Monitor::sampleInterfaces(double now) {
+    std::vector<NetInterface> interfaces;
+    const double elapsed = ifaces_.isTaken() ? ifaces_.age(now) : 0;
+    for (const auto& info : interfaceList_->sample(*sampler_->readers)) {
+        auto& interface = interfaces.emplace_back(fromInterface(info));
+        const auto before = std::find_if(ifaces_.cached.begin(), ifaces_.cached.end(),
+                                         [&](const NetInterface& i) { return i.name == interface.name; });
+        if (before == ifaces_.cached.end()) continue;
+        interface.rxRate = rateBetween(before->rxBytes, interface.rxBytes, elapsed);
+        interface.txRate = rateBetween(before->txBytes, interface.txBytes, elapsed);
+    }
+    ifaces_.store(std::move(interfaces), now);
+    increment(ifacesGeneration_);
+}
+
+void Monitor::sampleBattery(Snapshot& snapshot, const SamplingPlan& plan, double now) {
+    const bool changed = powerSourceChanged_.withValue([](bool& flag) { return std::exchange(flag, false); });
+    if (changed) battery_.makeStale();
+    if (plan.isDue(Resource::battery, battery_.age(now)))
+        battery_.store(toBattery(sysinfo::readBattery(setup_.root)), now);
+    snapshot.battery = battery_.cached;
+}
+
+void Monitor::noteSleep(const Snapshot& snapshot) {
+    constexpr double shortest = 1;
+    constexpr size_t most = 1000;
+    const double asleep = setup_.asleepSeconds();
+    if (asleep - lastAsleep_ >= shortest && lastTickAt_ != WallTime{}) {
+        const auto seconds = [](WallTime time) {
+            return std::chrono::duration<double>(time.time_since_epoch()).count();
+        };
+        historyBreaks_.withValue([&](auto& breaks) {
+            if (breaks.size() == most) breaks.erase(breaks.begin());
+            breaks.emplace_back(seconds(lastTickAt_), seconds(snapshot.timestamp));
+        });
+    }
+    lastAsleep_ = asleep;
+    lastTickAt_ = snapshot.timestamp;
+}
+
+void Monitor::addAuxReadings(Snapshot& snapshot, double now) const {
+    const PowerView power = aux_.power.readings.snapshot(now, helperActive());
+    snapshot.power = power.power;
+    snapshot.powerStale = power.powerStale;
+    snapshot.powerSource = power.powerSource;
+    snapshot.freq = power.freq;
+    snapshot.dcInWatts = aux_.power.dcWatts;
+    snapshot.temps = lastTemps_;
+    snapshot.powerKeys = lastPower_;
+    snapshot.voltageKeys = lastVolt_;
+    snapshot.currentKeys = lastCurr_;
+    snapshot.fanKeys = lastFan_;
+}
+
+AuxDemand Monitor::auxDemand() const {
+    const auto shows = [](const std::vector<std::string>& modules) {
+        return std::find(modules.begin(), modules.end(), "temperature") != modules.end();
+    };
+    AuxDemand demand;
+    demand.sensorUsers = sensorUsers_.get();
+    demand.splitUsers = splitUsers_.get();
+    demand.helperActive = helperActive();
+    demand.temperaturesWanted =
+        demand.sensorUsers > 0 || shows(setup_.prefs.menuBarModules()) || shows(setup_.prefs.widgets.get());
+    demand.noTemperatureYet = aux_.temperaturesAt < 0;
+    return demand;
+}
+
+void Monitor::scheduleAux(const AuxReads& reads) {
+    aux_.busy = true;
+    setup_.aux.async([this, reads, verified = verifiedSMCRails_]() mutable {
+        if (!auxiliary_) auxiliary_ = std::make_unique<Auxiliary>(setup_.root);
+        auto result =
+            readAux(reads, auxiliary_->sensors, auxiliary_->energy, setup_.helper, std::move(verified));
+        setup_.queue.async(
+            [this, reads, result = std::move(result)]() mutable { landAux(reads, std::move(result)); });
+    });
+}
+
+void Monitor::landAux(const AuxReads& reads, AuxResult result) {
+    const double now = setup_.steadySeconds();
+    aux_.busy = false;
+    aux_.power.land(result.power, reads.power, now);
+    if (result.temperatures) {
+        aux_.temperaturesAt = now;
+        const auto naming = hardware_.isAppleSilicon ? SensorNaming::appleSilicon : SensorNaming::intel;
+        lastSensorGroupMax_.set(SensorGroups::maxima(*result.temperatures, naming));
+        lastTemps_ = std::move(*result.temperatures);
+    }
+    if (result.electrical) {
+        aux_.smcKeysAt = now;
+        lastPower_ = std::move(result.electrical->power);
+        lastVolt_ = std::move(result.electrical->voltage);
+        lastCurr_ = std::move(result.electrical->current);
+        verifiedSMCRails_ = std::move(result.electrical->verified);
+    }
+    if (result.fans) lastFan_ = std::move(*result.fans);
 }
 
 void Monitor::publish(Snapshot snapshot) {

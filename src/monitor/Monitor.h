@@ -3,10 +3,13 @@
 #include "HelperKit/Locked.h"
 #include "HelperKit/Queue.h"
 #include "core/SystemRoot.h"
+#include "monitor/AuxSchedule.h"
 #include "monitor/HelperClient.h"
 #include "monitor/RateWindow.h"
 #include "monitor/Rates.h"
 #include "monitor/SamplingPlan.h"
+#include "monitor/SensorGroups.h"
+#include "monitor/SensorRetention.h"
 #include "monitor/Snapshot.h"
 #include "monitor/Throttled.h"
 
@@ -18,7 +21,10 @@ struct SCSampler;
 
 namespace sysinfo {
 class DiskDeviceList;
-}
+class GpuSampler;
+class InterfaceList;
+class SystemEvents;
+} // namespace sysinfo
 
 namespace quarn {
 
@@ -27,19 +33,24 @@ class Prefs;
 /// What a Monitor works with. What it refers to must outlive it.
 struct MonitorSetup {
     Queue& queue;   ///< where every tick runs, "com.kelmora.quarn.sampler"
+    Queue& aux;     ///< where slow readings run, "com.kelmora.quarn.aux"
     Executor& main; ///< where snapshots are published
     Prefs& prefs;
     HelperClient& helper;
     sysinfo::SystemRoot root = sysinfo::SystemRoot::host();
     /// Seconds on a scale that only goes forward, and the wall clock; tests drive them.
     std::function<double()> steadySeconds = quarn::steadySeconds;
+    /// Seconds that the machine has slept since it booted.
+    std::function<double()> asleepSeconds = quarn::asleepSeconds;
     std::function<WallTime()> wallTime = [] { return std::chrono::system_clock::now(); };
 };
 
 /// The engine: samples the machine on a timer and publishes each Snapshot on the main executor.
 ///
 /// A tick never stops for a failed reading: what failed is empty or zero in that snapshot. Readings that need
-/// not change each tick (in the background the processes and device lists) carry their last value.
+/// not change each tick (battery, and in the background processes and device lists) carry their last value.
+/// Slow readings (sensors, power) run on the auxiliary queue, at most one job at a time, and come with the
+/// tick after they landed.
 ///
 /// All members are called on the main executor's thread unless they say otherwise.
 class Monitor {
@@ -56,10 +67,16 @@ public:
     /// The program's one instance on this machine, publishing on the `main` of the first call.
     static Monitor& shared(Executor& main);
 
+    /// The machine itself, as it was when this was made.
+    const Hardware& hardware() const { return hardware_; }
+
     /// Starts ticking at once with the plan of the current profile; replaces a running timer.
     void start();
     /// Runs one tick on the queue and waits for it. The snapshot is published like any other.
     void sampleNow();
+    /// Takes every slow reading that somebody wants, due or not, and waits for it; the next tick carries it.
+    /// For commands that show the machine once.
+    void sampleAuxNow();
 
     SamplingProfile profile() const { return profile_; }
     /// Takes effect with the next `start`.
@@ -77,6 +94,16 @@ public:
     /// Called for each snapshot on the main executor, in the order of adding.
     void observe(Observer observer) { observers_.push_back(std::move(observer)); }
 
+    /// Counts a client in or out that wants sensors, and the power split by domain. Any thread; use
+    /// SensorRetention.
+    void retainSensors(PowerSplit powerSplit);
+    void releaseSensors(PowerSplit powerSplit);
+
+    /// The spans in which the machine slept, seconds since the epoch, the latest 1,000. Any thread.
+    std::vector<std::pair<double, double>> historyBreaks() const { return historyBreaks_.get(); }
+    /// The hottest sensor of each part of the machine at the last reading. Any thread.
+    std::vector<SensorGroups::Maximum> sensorGroupMaxima() const { return lastSensorGroupMax_.get(); }
+
     /// Whether processes and power may be taken from the privileged helper. Any thread.
     bool helperActive() const { return helperState_.get(); }
     void setHelperActive(bool active) { helperState_.set(active); }
@@ -85,8 +112,10 @@ public:
     std::vector<Volume> volumes() const;
 
 private:
+    struct Auxiliary;   ///< what the auxiliary queue reads with
     struct Publication; ///< what closures on the main executor hold weakly
 
+    static void sampleSoon(Queue& queue, std::weak_ptr<Publication> publication);
     SamplingPlan buildPlan() const;
     void restartIfRunning();
 
@@ -97,10 +126,18 @@ private:
     HelperFetch fetchFromHelper();
     void takeProcesses(const HelperFetch& fetch, double now);
     void sampleRates(Snapshot& snapshot, double now);
+    void sampleBattery(Snapshot& snapshot, const SamplingPlan& plan, double now);
     void sampleDisks(double now);
+    void sampleInterfaces(double now);
+    void noteSleep(const Snapshot& snapshot);
+    void addAuxReadings(Snapshot& snapshot, double now) const;
+    AuxDemand auxDemand() const;
+    void scheduleAux(const AuxReads& reads);
+    void landAux(const AuxReads& reads, AuxResult result);
     void publish(Snapshot snapshot);
 
     MonitorSetup setup_;
+    Hardware hardware_;
     SamplingProfile profile_;
     double tickOverride_ = 0;
     bool background_ = false;
@@ -112,20 +149,42 @@ private:
 
     Locked<SamplingPlan> plan_;
     Locked<bool> helperState_{false};
+    Locked<int> sensorUsers_{0};
+    Locked<int> splitUsers_{0};
+    Locked<bool> powerSourceChanged_{false};
+    Locked<std::vector<std::pair<double, double>>> historyBreaks_;
+    Locked<std::vector<SensorGroups::Maximum>> lastSensorGroupMax_;
 
     std::unique_ptr<SCSampler> sampler_;
     std::unique_ptr<sysinfo::DiskDeviceList> diskList_;
+    std::unique_ptr<sysinfo::InterfaceList> interfaceList_;
+    std::unique_ptr<sysinfo::GpuSampler> gpu_;
     RateWindow netWindow_{0};
     Throttled<SystemCounters> prevCounters_;
     SystemRates lastRates_;
     Throttled<SharedList<DiskDevice>> disks_;
     int64_t disksGeneration_ = 0;
+    Throttled<SharedList<NetInterface>> ifaces_;
+    int64_t ifacesGeneration_ = 0;
+    Throttled<std::optional<Battery>> battery_;
+    AuxSchedule aux_;
+    SharedList<Sensor> lastTemps_;
+    SharedList<Sensor> lastPower_;
+    SharedList<Sensor> lastVolt_;
+    SharedList<Sensor> lastCurr_;
+    SharedList<Sensor> lastFan_;
+    std::set<std::string> verifiedSMCRails_;
+    double lastAsleep_ = 0;
+    WallTime lastTickAt_{};
     Throttled<SharedList<ProcInfo>> lastProcesses_;
     int64_t lastThreads_ = 0;
     std::vector<ProcessIO> prevProcIO_; ///< ascending by pid
     int64_t procGeneration_ = 0;
     int64_t generation_ = 0;
     int64_t tick_ = 0;
+
+    std::unique_ptr<Auxiliary> auxiliary_;          ///< belongs to the auxiliary queue
+    std::unique_ptr<sysinfo::SystemEvents> events_; ///< last: its thread touches the members above
 };
 
 } // namespace quarn

@@ -7,6 +7,8 @@ namespace quarn {
 
 /// Seconds on a scale that only goes forward and stands still while the machine sleeps.
 double steadySeconds();
+/// Seconds that the machine has slept since it booted.
+double asleepSeconds();
 
 /// A reading that is carried from tick to tick, and when it was taken.
 template <class T>

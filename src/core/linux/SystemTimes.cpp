@@ -17,6 +17,14 @@ uint64_t monotonicRawNs() {
     return static_cast<uint64_t>(now.tv_sec) * 1'000'000'000 + static_cast<uint64_t>(now.tv_nsec);
 }
 
+double asleepSeconds() {
+    timespec withSleep{}, without{};
+    ::clock_gettime(CLOCK_BOOTTIME, &withSleep);
+    ::clock_gettime(CLOCK_MONOTONIC, &without);
+    return static_cast<double>(withSleep.tv_sec - without.tv_sec) +
+           static_cast<double>(withSleep.tv_nsec - without.tv_nsec) / 1e9;
+}
+
 std::optional<uint64_t> bootTime(const SystemRoot& root) {
     const auto stat = readTable(root.path("proc/stat"));
     return stat ? parseStatNumber(*stat, "btime") : std::nullopt;
