@@ -25,9 +25,10 @@ double cpuMs() {
 int main(int count, char** arguments) {
     const int ticks = count > 1 ? std::atoi(arguments[1]) : 10;
     quarn::RunLoop main;
-    quarn::SerialQueue queue("com.kelmora.quarn.sampler");
+    quarn::SerialQueue queue("com.kelmora.quarn.sampler"), aux("com.kelmora.quarn.aux");
     quarn::NoHelper helper;
-    quarn::Monitor monitor({.queue = queue, .main = main, .prefs = quarn::Prefs::shared(), .helper = helper});
+    quarn::Monitor monitor(
+        {.queue = queue, .aux = aux, .main = main, .prefs = quarn::Prefs::shared(), .helper = helper});
     monitor.setTick(count > 2 ? std::atof(arguments[2]) : 1.0);
     int seen = 0;
     double start = 0;

@@ -17,10 +17,12 @@ public:
     SerialQueue& queue() { return queue_; }
     Monitor& monitor() { return monitor_; }
 
+    /// Keeps sensors and power read from now on.
+    void wantSensors();
     /// One sample now, for people who look at it every `interval` seconds.
     const Snapshot& sample();
     /// Two samples, `interval` seconds apart, and the second one; with an interval of 0 the first, in which
-    /// no rate is known.
+    /// no rate is known. Sensors and power, where wanted, are read for each.
     const Snapshot& sampleOver(double interval);
     /// What of the last sample is known.
     Known known() const { return knownIn(monitor_.latest(), root_); }
@@ -29,8 +31,10 @@ private:
     sysinfo::SystemRoot root_;
     RunLoop loop_;
     SerialQueue queue_;
+    SerialQueue aux_;
     NoHelper helper_;
     Monitor monitor_;
+    std::optional<SensorRetention> sensors_;
 };
 
 } // namespace quarn::cli

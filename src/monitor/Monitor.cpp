@@ -37,9 +37,8 @@ Queue::Duration duration(double seconds) {
 }
 
 Hardware describeMachine(const sysinfo::SystemRoot& root) {
-    const auto engine = platform::findNeuralEngine(root);
     return toHardware(sysinfo::readHardwareInfo(root), sysinfo::readBattery(root),
-                      engine ? NeuralEngine{engine->cores, engine->arch} : NeuralEngine{});
+                      platform::findNeuralEngine(root));
 }
 
 NetInterface fromInterface(const sysinfo::NetInterface& info) {

@@ -40,14 +40,20 @@ protected:
             .write("proc/loadavg", "0.50 0.25 0.10 1/9 7\n")
             .write("proc/uptime", "77.9 5\n");
         writeProcess(7, 0, 0);
-        monitor =
-            std::make_unique<Monitor>(MonitorSetup{.queue = queue,
-                                                   .main = mainQueue,
-                                                   .prefs = prefs,
-                                                   .helper = helper,
-                                                   .root = machine.root(),
-                                                   .steadySeconds = [this] { return 5000 + queue.seconds(); },
-                                                   .wallTime = [] { return WallTime(42s); }});
+        monitor = std::make_unique<Monitor>(
+            MonitorSetup{.queue = queue,
+                         .aux = auxQueue,
+                         .main = mainQueue,
+                         .prefs = prefs,
+                         .helper = helper,
+                         .root = machine.root(),
+                         .steadySeconds = [this] { return 5000 + queue.seconds(); },
+                         .asleepSeconds = [this] { return asleep; },
+                         .wallTime =
+                             [this] {
+                                 return WallTime(42s + std::chrono::duration_cast<std::chrono::seconds>(
+                                                           std::chrono::duration<double>(queue.seconds())));
+                             }});
         monitor->observe([this](const Snapshot& snapshot) { seen.push_back(snapshot); });
     }
 
@@ -68,8 +74,9 @@ protected:
     TempRoot machine, home;
     SettingsStore store{home.path() / "settings.toml"};
     Prefs prefs{store};
-    ManualQueue queue, mainQueue;
+    ManualQueue queue, auxQueue, mainQueue;
     FakeHelper helper;
+    double asleep = 100;
     std::vector<Snapshot> seen;
     std::unique_ptr<Monitor> monitor;
 };
@@ -84,7 +91,7 @@ TEST_F(MonitorTest, TicksAtThePeriodOfTheProfile) {
     ASSERT_EQ(seen.size(), 3u);
     EXPECT_EQ(seen[2].generation, 3);
     EXPECT_EQ(seen[2].processGeneration, 3);
-    EXPECT_EQ(seen[2].timestamp, WallTime(42s));
+    EXPECT_EQ(seen[2].timestamp, WallTime(46s));
     EXPECT_EQ(seen[2].loadAvg, (std::vector<double>{0.5, 0.25, 0.1}));
     EXPECT_EQ(seen[2].uptime, 77);
     EXPECT_EQ(monitor->latest().generation, 3);
@@ -158,6 +165,86 @@ TEST_F(MonitorTest, AMachineThatStopsAnsweringKeepsTicking) {
     EXPECT_TRUE(snapshot.processes.empty());
 }
 
+TEST_F(MonitorTest, SensorsAreReadOnlyWhileSomebodyWantsThem) {
+    machine.write("sys/class/hwmon/hwmon0/name", "coretemp\n")
+        .write("sys/class/hwmon/hwmon0/temp1_input", "47000\n")
+        .write("sys/class/hwmon/hwmon0/temp1_label", "Package id 0\n")
+        .write("sys/class/hwmon/hwmon0/fan1_input", "1200\n");
+    monitor->setProfile(SamplingProfile::diagnostic);
+    monitor->start();
+    const auto tick = [&] {
+        pass(1s);
+        auxQueue.run(); // the job, then what it brought lands with the next run of the queue
+        return seen.back();
+    };
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(tick().temps.empty());
+    {
+        const SensorRetention retention(*monitor);
+        tick();
+        const auto snapshot = tick();
+        ASSERT_EQ(snapshot.temps.size(), 1u);
+        EXPECT_DOUBLE_EQ(snapshot.temps[0].value, 47);
+        ASSERT_EQ(snapshot.fanKeys.size(), 1u);
+        EXPECT_DOUBLE_EQ(snapshot.fanKeys[0].value, 1200);
+        EXPECT_EQ(monitor->sensorGroupMaxima().size(), 1u);
+    }
+    // The total power alone is asked for without a client.
+    EXPECT_DOUBLE_EQ(tick().temps[0].value, 47) << "the last reading stays";
+}
+
+TEST_F(MonitorTest, OneAuxiliaryJobAtATimeAndNoTickWaitsForIt) {
+    monitor->start();
+    pass(20s); // the job of the first tick never comes to its turn
+    EXPECT_EQ(seen.size(), 11u);
+    EXPECT_EQ(auxQueue.pendingCount(), 1u);
+}
+
+TEST_F(MonitorTest, TheBatteryIsReadEveryTenSeconds) {
+    machine.write("sys/class/power_supply/BAT0/type", "Battery\n")
+        .write("sys/class/power_supply/BAT0/present", "1\n")
+        .write("sys/class/power_supply/BAT0/status", "Discharging\n")
+        .write("sys/class/power_supply/BAT0/capacity", "80\n");
+    monitor->start();
+    pass(0s);
+    ASSERT_TRUE(seen.back().battery.has_value());
+    EXPECT_EQ(seen.back().battery->percent, 80);
+    machine.write("sys/class/power_supply/BAT0/capacity", "79\n");
+    pass(8s);
+    EXPECT_EQ(seen.back().battery->percent, 80);
+    pass(2s);
+    EXPECT_EQ(seen.back().battery->percent, 79);
+    machine.remove("sys/class/power_supply");
+    pass(10s);
+    EXPECT_FALSE(seen.back().battery.has_value());
+}
+
+TEST_F(MonitorTest, InterfacesHaveRates) {
+    const auto traffic = [&](const char* bytes) {
+        machine.write("proc/net/dev",
+                      std::string("a|b\n c|d\n eth0: ") + bytes + " 10 0 0 0 0 0 0 5 1 0 0 0 0 0 0\n");
+    };
+    traffic("1000");
+    monitor->start();
+    pass(0s);
+    traffic("5000");
+    pass(2s);
+    ASSERT_EQ(seen.back().interfaces.size(), 1u);
+    EXPECT_DOUBLE_EQ(seen.back().interfaces[0].rxRate, 2000);
+    EXPECT_EQ(seen.back().interfacesGeneration, 2);
+}
+
+TEST_F(MonitorTest, ASleepLeavesABreakInTheHistory) {
+    monitor->start();
+    pass(4s);
+    EXPECT_TRUE(monitor->historyBreaks().empty());
+    asleep += 3600;
+    pass(2s);
+    ASSERT_EQ(monitor->historyBreaks().size(), 1u);
+    EXPECT_EQ(monitor->historyBreaks()[0], (std::pair<double, double>{46, 48}));
+    pass(2s);
+    EXPECT_EQ(monitor->historyBreaks().size(), 1u);
+}
+
 TEST_F(MonitorTest, ACapturedMachineIsNeverReadThroughTheHelper) {
     monitor->setHelperActive(true);
     monitor->sampleNow();
@@ -181,7 +268,7 @@ TEST(MonitorHelper, OutcomesOfAPoll) {
         Prefs prefs(store);
         ManualQueue queue, mainQueue;
         FakeHelper helper;
-        Monitor monitor({.queue = queue, .main = mainQueue, .prefs = prefs, .helper = helper});
+        Monitor monitor({.queue = queue, .aux = queue, .main = mainQueue, .prefs = prefs, .helper = helper});
         std::vector<Snapshot> seen;
         monitor.observe([&](const Snapshot& snapshot) { seen.push_back(snapshot); });
         const auto tick = [&] {

@@ -25,6 +25,7 @@ public:
 
     double seconds() const { return std::chrono::duration<double>(now_).count(); }
     size_t timerCount() const { return timed_.size(); }
+    size_t pendingCount() const { return pending_.size(); }
 
     QualityOfService qos = QualityOfService::utility;
     Duration lastInterval{}; ///< of the newest repeating timer, as the next
