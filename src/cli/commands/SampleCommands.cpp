@@ -22,6 +22,7 @@ void writeDocument(JsonWriter& json, const T& value, const Known& known) {
 
 int runSnapshot(const Options& options) {
     Engine engine(options.root);
+    engine.wantSensors();
     const Snapshot& snapshot = engine.sampleOver(options.interval);
     if (options.form == Options::Form::json) {
         JsonWriter json;
@@ -40,6 +41,7 @@ int runStream(const Options& options) {
     const auto interval = std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
     Engine engine(options.root);
     engine.monitor().setTick(seconds);
+    engine.wantSensors();
     JsonWriter json;
     engine.sample(); // the first only primes the rates
     auto next = Clock::now();
