@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/ConnectionsCommand.h"
 #include "cli/ProcessOrder.h"
 #include "core/SystemRoot.h"
 
@@ -18,7 +19,8 @@ struct Options {
     double interval = 1; ///< seconds between two samples
     uint64_t count = 0;  ///< documents, 0 for no end
     ProcessOrder order = ProcessOrder::cpu;
-    uint64_t limit = UINT64_MAX;    ///< rows
+    uint64_t limit = UINT64_MAX; ///< rows
+    ConnectionsOptions connections;
     std::vector<std::string> words; ///< whatever follows a command that reads its own arguments
 };
 
@@ -31,6 +33,10 @@ enum Takes : unsigned {
     takesSort = 8,
     takesLimit = 16,
     takesWords = 32, ///< the command reads all further arguments itself
+    takesProtocol = 64,
+    takesScope = 128,
+    takesSearch = 256,
+    takesGrouping = 512,
 };
 
 /// One option as the help shows it.
@@ -66,6 +72,7 @@ int runStream(const Options& options);
 int runProcesses(const Options& options);
 int runDisks(const Options& options);
 int runVolumes(const Options& options);
+int runConnectionsCommand(const Options& options);
 int runSettingsCommand(const Options& options);
 
 } // namespace quarn::cli

@@ -18,7 +18,6 @@ constexpr double longestInterval = 86400;
 
 struct Parsed {
     std::string root;
-    std::string order{processOrderNames.front()};
     Options options;
 };
 
@@ -35,14 +34,28 @@ std::string checkCount(const std::string& text) {
     return "'" + text + "' is not a whole number";
 }
 
-std::string checkOrder(const std::string& text) {
-    const bool known =
-        std::find(processOrderNames.begin(), processOrderNames.end(), text) != processOrderNames.end();
-    return known ? std::string() : "'" + text + "' is none of cpu, memory, disk, pid, name";
+/// An option whose value is one of `names`, which are those of the values of `Choice`.
+template <class Choice, size_t count>
+void addChoice(CLI::App& app, const std::string& option, const std::array<std::string_view, count>& names,
+               Choice& choice) {
+    const auto indexOf = [&names](const std::string& text) {
+        return static_cast<size_t>(std::find(names.begin(), names.end(), text) - names.begin());
+    };
+    const auto check = [&names, indexOf](const std::string& text) {
+        if (indexOf(text) < count) return std::string();
+        std::string message = "'" + text + "' is none of ";
+        for (const auto name : names) message.append(name == names.front() ? "" : ", ").append(name);
+        return message;
+    };
+    const auto set = [&choice, indexOf](const std::string& text) {
+        choice = static_cast<Choice>(indexOf(text));
+    };
+    app.add_option_function<std::string>(option, set)->check(CLI::Validator(check, ""));
 }
 
 void addOptions(CLI::App& app, const Command& command, Parsed& parsed) {
-    const CLI::Validator seconds(checkSeconds, ""), count(checkCount, ""), order(checkOrder, "");
+    const CLI::Validator seconds(checkSeconds, ""), count(checkCount, "");
+    auto& connections = parsed.options.connections;
     for (const OptionRow& row : optionRows()) {
         if ((command.takes & row.option) == 0) continue;
         const std::string name(row.name);
@@ -52,8 +65,12 @@ void addOptions(CLI::App& app, const Command& command, Parsed& parsed) {
             break;
         case takesInterval: app.add_option(name, parsed.options.interval)->check(seconds); break;
         case takesCount: app.add_option(name, parsed.options.count)->check(count); break;
-        case takesSort: app.add_option(name, parsed.order)->check(order); break;
+        case takesSort: addChoice(app, name, processOrderNames, parsed.options.order); break;
         case takesLimit: app.add_option(name, parsed.options.limit)->check(count); break;
+        case takesProtocol: addChoice(app, name, connectionProtocolNames, connections.protocol); break;
+        case takesScope: addChoice(app, name, connectionScopeNames, connections.scope); break;
+        case takesSearch: app.add_option(name, connections.search); break;
+        case takesGrouping: addChoice(app, name, connectionGroupingNames, connections.grouping); break;
         default: break;
         }
     }
@@ -143,8 +160,6 @@ int runCommandLine(int argc, const char* const* argv) {
     const Command* command = chosen();
     if (command != nullptr)
         parsed.options.words = app.get_subcommand(std::string(command->name))->remaining();
-    const auto* order = std::find(processOrderNames.begin(), processOrderNames.end(), parsed.order);
-    parsed.options.order = static_cast<ProcessOrder>(order - processOrderNames.begin());
     return guarded(
         [&] { return command == nullptr ? runLive(parsed.options) : command->run(parsed.options); });
 }

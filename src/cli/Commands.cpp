@@ -5,15 +5,19 @@
 namespace quarn::cli {
 namespace {
 
-constexpr std::array<OptionRow, 5> options{{
+constexpr std::array<OptionRow, 9> options{{
     {takesJson, "--json", "", "print JSON"},
     {takesInterval, "--interval", "SECONDS", "between the two samples that rates need (default 1)"},
     {takesCount, "--count", "N", "end after N documents (default 0: never)"},
     {takesSort, "--sort", "ORDER", "cpu (default), memory, disk, pid or name"},
     {takesLimit, "--limit", "N", "print at most N"},
+    {takesProtocol, "--proto", "PROTOCOL", "tcp, udp or all (default)"},
+    {takesScope, "--scope", "SCOPE", "internet, listening, local or all (default)"},
+    {takesSearch, "--search", "TEXT", "only what has TEXT in its name, address, port, state or PID"},
+    {takesGrouping, "--by", "GROUP", "process (default) or destination"},
 }};
 
-constexpr std::array<Command, 6> table{{
+constexpr std::array<Command, 7> table{{
     {"snapshot", "[options]", "One complete sample of the machine.",
      "Takes two samples, --interval seconds apart, because rates and shares need both; with an interval of 0 "
      "one sample, without rates.\nThe JSON document has a key for every reading. What is not known, or may "
@@ -32,6 +36,15 @@ constexpr std::array<Command, 6> table{{
      takesJson | takesInterval, runDisks},
     {"volumes", "[options]", "The mounted volumes and their free space.", "", "quarn volumes", takesJson,
      runVolumes},
+    {"connections", "[options]", "The network sockets and the processes that hold them.",
+     "The scope is that of the other end: `internet`, `local` for private networks and this machine, or "
+     "`listening` for sockets that wait for somebody. \"*\" is any address, \"—\" what a socket does not "
+     "have or "
+     "does not tell: the process of a socket that belongs to another user, to the system or to nobody any "
+     "more.\n"
+     "Only the network namespace of the caller is listed, not those of containers.",
+     "quarn connections --scope listening --proto tcp",
+     takesJson | takesProtocol | takesScope | takesSearch | takesGrouping, runConnectionsCommand},
     {"settings", "list | get KEY | set KEY VALUE | reset KEY", "Shows and changes settings.",
      "  list [--json]    every setting with its value; * marks what differs from its default\n"
      "  get KEY          one value\n"

@@ -3,6 +3,7 @@
 #include "HelperKit/WireRecords.h"
 #include "inventory/CapsuleLabel.h"
 #include "inventory/Connection.h"
+#include "inventory/ConnectionFilter.h"
 
 #include <compare>
 #include <string_view>
@@ -10,12 +11,6 @@
 #include <vector>
 
 namespace quarn {
-
-/// Which connections a list shows, by where their peer is. Values outside the named ones show all.
-enum class ConnectionScope : int { internet, listening, localNetwork, all };
-
-/// Which protocols a list shows.
-enum class ConnectionProtocol : int { all, tcp, udp };
 
 /// What connections can be sorted by.
 enum class ConnectionKey { process, pid, proto, local, localPort, remote, remotePort, state };
