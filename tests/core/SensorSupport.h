@@ -31,7 +31,7 @@ public:
 
     explicit SensorMachine(const sysinfo::SystemRoot& root, Hook hook = {},
                            decltype(sysinfo::platform::SensorIo::write) write = {})
-        : smc(connect(root, std::move(hook), std::move(write))), sensors(smc) {}
+        : parts_(std::make_unique<Parts>(connect(root, std::move(hook), std::move(write)))) {}
 
     Readings temperatures() {
         SCSensor out[512];
@@ -53,10 +53,16 @@ public:
     void pass(double seconds) { *now += static_cast<uint64_t>(seconds * 1e9); }
 
     std::shared_ptr<std::atomic<uint64_t>> now = std::make_shared<std::atomic<uint64_t>>(1'000'000'000);
-    sysinfo::SMC smc;
-    sysinfo::SMCSensors sensors;
 
 private:
+    /// On the heap, where the thread sanitizer notices that a mutex ends.
+    struct Parts {
+        explicit Parts(std::unique_ptr<sysinfo::SMCConnection> connection)
+            : smc(std::move(connection)), sensors(smc) {}
+        sysinfo::SMC smc;
+        sysinfo::SMCSensors sensors;
+    };
+
     std::unique_ptr<sysinfo::SMCConnection> connect(const sysinfo::SystemRoot& root, Hook hook,
                                                     decltype(sysinfo::platform::SensorIo::write) write) {
         auto io = sysinfo::platform::SensorIo::forRoot(root);
@@ -69,6 +75,12 @@ private:
         io.write = std::move(write);
         return std::make_unique<sysinfo::platform::SensorConnection>(root, std::move(io));
     }
+
+    const std::unique_ptr<Parts> parts_;
+
+public:
+    sysinfo::SMC& smc = parts_->smc;
+    sysinfo::SMCSensors& sensors = parts_->sensors;
 };
 
 /// The captured machine of tests/fixtures/sensors.
