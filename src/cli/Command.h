@@ -73,6 +73,7 @@ int runProcesses(const Options& options);
 int runDisks(const Options& options);
 int runVolumes(const Options& options);
 int runConnectionsCommand(const Options& options);
+int runSensors(const Options& options);
 int runSettingsCommand(const Options& options);
 
 } // namespace quarn::cli

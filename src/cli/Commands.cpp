@@ -17,7 +17,7 @@ constexpr std::array<OptionRow, 9> options{{
     {takesGrouping, "--by", "GROUP", "process (default) or destination"},
 }};
 
-constexpr std::array<Command, 7> table{{
+constexpr std::array<Command, 8> table{{
     {"snapshot", "[options]", "One complete sample of the machine.",
      "Takes two samples, --interval seconds apart, because rates and shares need both; with an interval of 0 "
      "one sample, without rates.\nThe JSON document has a key for every reading. What is not known, or may "
@@ -45,6 +45,10 @@ constexpr std::array<Command, 7> table{{
      "Only the network namespace of the caller is listed, not those of containers.",
      "quarn connections --scope listening --proto tcp",
      takesJson | takesProtocol | takesScope | takesSearch | takesGrouping, runConnectionsCommand},
+    {"sensors", "[options]", "Temperatures, fans, voltages, currents and power.",
+     "Sleeping devices are not woken: their sensors are listed with the reason. So is a rotating disk that "
+     "did nothing since the last look.",
+     "quarn sensors", takesJson, runSensors},
     {"settings", "list | get KEY | set KEY VALUE | reset KEY", "Shows and changes settings.",
      "  list [--json]    every setting with its value; * marks what differs from its default\n"
      "  get KEY          one value\n"

@@ -61,7 +61,7 @@ TEST(Program, HelpNamesEveryCommandAndGivesExamples) {
     const Outcome help = runProgram({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.err, "");
-    for (const std::string command : {"snapshot", "stream", "processes", "disks", "volumes"}) {
+    for (const std::string command : {"snapshot", "stream", "processes", "disks", "volumes", "sensors"}) {
         EXPECT_NE(help.out.find("\n  " + command + " "), std::string::npos) << command;
         const Outcome own = runProgram({command, "--help"});
         EXPECT_EQ(own.status, 0);
