@@ -15,7 +15,7 @@ enum class SensorState : uint8_t {
     waiting,   ///< it has not been asked yet, or its first answer is still to come
     answering, ///< it has a value
     asleep,    ///< its device is suspended and is not woken for a reading
-    idle,      ///< its disk did nothing since the last reading, and asking could keep it from spinning down
+    idle,      ///< its device is left alone for now, since asking could keep it from going to rest
     failing,   ///< it was asked and gave no value
     gone,      ///< its device was removed
 };

@@ -146,10 +146,64 @@ TEST(SensorChips, ARotatingDiskIsAskedOnlyAfterItWorked) {
     EXPECT_EQ(asked, 1) << "nothing but the question itself went to the disk";
     machine.pass(300);
     EXPECT_TRUE(machine.temperatures().empty());
+}
 
-    root.write(disk + "/queue/rotational", "0\n");
-    SensorMachine solid(root.root());
-    EXPECT_EQ(solid.temperatures().size(), 1u) << "a disk without platters may always be asked";
+TEST(SensorChips, ASolidDiskAtRestIsAskedOnceAMinute) {
+    TempRoot root;
+    const std::string device = "pci0000:00/0000:02:00.0/nvme/nvme0";
+    const auto folder = place(root, "hwmon0", device, "nvme");
+    const std::string disk = "sys/devices/" + device + "/nvme0n1";
+    root.write(folder + "/temp1_input", "35000\n");
+    root.write(disk + "/queue/rotational", "0\n").write(disk + "/stat", " 10 0 80 5\n");
+    int asked = 0;
+    SensorMachine machine(root.root(), [&](auto& attribute, auto buffer, const auto& read) {
+        asked += attribute.path.ends_with("temp1_input") ? 1 : 0;
+        return read(attribute, buffer);
+    });
+    for (int second = 0; second < 120; ++second) {
+        EXPECT_EQ(machine.temperatures().size(), 1u);
+        machine.pass(1);
+    }
+    EXPECT_EQ(asked, 2);
+    root.write(disk + "/stat", " 11 0 88 5\n");
+    machine.temperatures();
+    EXPECT_EQ(asked, 3) << "at work";
+}
+
+TEST(SensorChips, ADeviceThatSuspendsByItselfGetsTheTimeForIt) {
+    TempRoot root;
+    const auto folder = place(root, "hwmon0", "pci0000:00/0000:01:00.0", "amdgpu");
+    const std::string power = "sys/devices/pci0000:00/0000:01:00.0/power";
+    root.write(folder + "/temp1_input", "60000\n").write(power + "/runtime_status", "active\n");
+    root.write(power + "/control", "auto\n").write(power + "/autosuspend_delay_ms", "5000\n");
+    std::vector<double> asked;
+    std::shared_ptr<std::atomic<uint64_t>> clock;
+    SensorMachine machine(root.root(), [&](auto& attribute, auto buffer, const auto& read) {
+        if (attribute.path.ends_with("temp1_input")) asked.push_back(static_cast<double>(*clock) * 1e-9);
+        return read(attribute, buffer);
+    });
+    clock = machine.now;
+    const auto longestGap = [&] {
+        double gap = 0;
+        for (size_t i = 1; i < asked.size(); ++i) gap = std::max(gap, asked[i] - asked[i - 1]);
+        return gap;
+    };
+    for (int second = 0; second < 60; ++second) {
+        EXPECT_EQ(machine.temperatures().size(), 1u) << "the last answer bridges the pause";
+        machine.pass(1);
+    }
+    EXPECT_GT(longestGap(), 5);
+    EXPECT_GT(asked.size(), 45u) << "a device that others use is read all the same";
+
+    root.write(power + "/control", "on\n");
+    machine.pass(30);
+    machine.temperatures();
+    asked.clear();
+    for (int second = 0; second < 60; ++second) {
+        machine.temperatures();
+        machine.pass(1);
+    }
+    EXPECT_LT(longestGap(), 2) << "it never suspends";
 }
 
 TEST(SensorChips, ChipsComeAndGo) {

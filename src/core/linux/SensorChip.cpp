@@ -9,9 +9,7 @@ namespace {
 
 constexpr uint64_t second = 1'000'000'000;
 constexpr uint64_t freshNs = second / 4;
-constexpr uint64_t keptNs = 15 * second;
-constexpr uint64_t diskKeptNs = 300 * second; // its temperature moves slowly
-constexpr int longestBackOff = 6;             // 64 seconds
+constexpr int longestBackOff = 6; // 64 seconds
 
 } // namespace
 
@@ -19,7 +17,8 @@ SensorChip::SensorChip(ChipIdentity chip, std::vector<SensorChannel> list, Senso
     : identity(std::move(chip)),
       channels(std::move(list)),
       standing_(channels.size()),
-      guard_(std::move(guard)) {}
+      guard_(std::move(guard)),
+      keptNs_(guard_.keptNs()) {}
 
 void SensorChip::refresh(const SensorIo& io, std::span<const size_t> wanted) {
     if (retired_) return;
@@ -45,8 +44,7 @@ std::optional<SensorAnswer> SensorChip::answer(size_t channel, uint64_t nowNs) c
     const std::lock_guard lock(mutex_);
     const SensorAnswer& last = standing_[channel].answer;
     if (retired_ || !last.ok || admission_ == SensorState::asleep) return {};
-    const uint64_t kept = admission_ == SensorState::idle ? diskKeptNs : keptNs;
-    return nowNs < last.takenNs + kept ? std::optional(last) : std::nullopt;
+    return nowNs < last.takenNs + keptNs_ ? std::optional(last) : std::nullopt;
 }
 
 SensorState SensorChip::state(size_t channel, uint64_t nowNs) const {

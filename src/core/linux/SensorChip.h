@@ -70,7 +70,7 @@ public:
     /// second, and its back-off is over.
     bool isDue(size_t channel, uint64_t nowNs) const;
 
-    /// The last answer while it is young enough to be shown: 15 seconds, five minutes for a disk at rest.
+    /// The last answer while it is young enough to be shown: 15 seconds, five minutes for a disk.
     std::optional<SensorAnswer> answer(size_t channel, uint64_t nowNs) const;
 
     SensorState state(size_t channel, uint64_t nowNs) const;
@@ -111,6 +111,7 @@ private:
     SensorState admission_ = SensorState::waiting;
     uint64_t refusedNs_ = 0; ///< when the guard last kept it asleep
     SensorGuard guard_;      ///< used by refresh only
+    const uint64_t keptNs_;  ///< how long an answer may be shown
     std::atomic<bool> retired_ = false;
 };
 
