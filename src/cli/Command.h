@@ -74,6 +74,10 @@ int runDisks(const Options& options);
 int runVolumes(const Options& options);
 int runConnectionsCommand(const Options& options);
 int runSensors(const Options& options);
+int runPower(const Options& options);
+int runBattery(const Options& options);
+int runGpu(const Options& options);
+int runHardware(const Options& options);
 int runSettingsCommand(const Options& options);
 
 } // namespace quarn::cli

@@ -17,7 +17,7 @@ constexpr std::array<OptionRow, 9> options{{
     {takesGrouping, "--by", "GROUP", "process (default) or destination"},
 }};
 
-constexpr std::array<Command, 8> table{{
+constexpr std::array<Command, 12> table{{
     {"snapshot", "[options]", "One complete sample of the machine.",
      "Takes two samples, --interval seconds apart, because rates and shares need both; with an interval of 0 "
      "one sample, without rates.\nThe JSON document has a key for every reading. What is not known, or may "
@@ -49,6 +49,16 @@ constexpr std::array<Command, 8> table{{
      "Sleeping devices are not woken: their sensors are listed with the reason. So is a rotating disk that "
      "did nothing since the last look.",
      "quarn sensors", takesJson, runSensors},
+    {"power", "[options]", "What the machine draws, by domain.",
+     "Averages over --interval seconds. Most energy counters may be read by root only.", "sudo quarn power",
+     takesJson | takesInterval, runPower},
+    {"battery", "[options]", "The battery: charge, time left, capacity and condition.", "",
+     "quarn battery --json | jq .percent", takesJson, runBattery},
+    {"gpu", "[options]", "The GPUs and their load, memory and power.",
+     "A GPU that sleeps is not woken. Some loads are measured over --interval seconds.", "quarn gpu",
+     takesJson | takesInterval, runGpu},
+    {"hardware", "[options]", "What the machine and its system are.", "", "quarn hardware", takesJson,
+     runHardware},
     {"settings", "list | get KEY | set KEY VALUE | reset KEY", "Shows and changes settings.",
      "  list [--json]    every setting with its value; * marks what differs from its default\n"
      "  get KEY          one value\n"

@@ -273,7 +273,7 @@ struct Fields<Battery> {
         visit("designCapacity", unlessNegative(battery.designCapacity));
         visit("nominalCapacity", unlessNegative(battery.nominalCapacity));
         visit("voltage_mV", ifPositive(battery.voltage_mV));
-        visit("amperage_mA", when(battery.voltage_mV > 0, battery.amperage_mA));
+        visit("amperage_mA", when(battery.voltage_mV > 0 || battery.amperage_mA != 0, battery.amperage_mA));
         visit("temperatureC", when(battery.temperatureC != 0, battery.temperatureC)); // 0 is "not measured"
         visit("health", unlessEmpty(battery.health));
     }

@@ -17,7 +17,11 @@ public:
     virtual std::optional<EnergySample> sample() = 0;
 };
 
+/// Whether this user can learn what the domains of a machine spend.
+enum class EnergyAccess { none, denied, open };
+
 namespace platform {
+EnergyAccess energyAccess(const SystemRoot& root);
 /// The energy counters of processors, memory and GPUs. Most are open to root only: those that may not be read
 /// are left out, never 0. No counter contains another. Belongs to one thread.
 std::unique_ptr<EnergySource> openEnergySource(const SystemRoot& root);

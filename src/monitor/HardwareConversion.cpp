@@ -88,8 +88,7 @@ std::optional<Battery> toBattery(const sysinfo::BatteryInfo& info) {
     battery.present = true;
     battery.charging = info.charging;
     battery.onAC = info.onAC;
-    battery.percent = info.percent;
-    battery.percentKnown = info.percentKnown;
+    battery.percent = info.percentKnown ? info.percent : -1;
     battery.timeToEmptyMin = info.timeToEmptyMin;
     battery.timeToFullMin = info.timeToFullMin;
     battery.cycleCount = info.cycleCount;

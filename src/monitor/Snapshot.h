@@ -65,9 +65,8 @@ struct Battery {
     bool present = false;
     bool charging = false;
     bool onAC = false;
-    int64_t percent = 0;
-    bool percentKnown = true;    ///< otherwise nothing tells the charge and `percent` is 0
-    int64_t timeToEmptyMin = -1; ///< −1 unknown, as in the four below
+    int64_t percent = 0; ///< −1 unknown, as in the five below
+    int64_t timeToEmptyMin = -1;
     int64_t timeToFullMin = -1;
     int64_t cycleCount = -1;
     int64_t designCapacity = -1;  ///< mAh

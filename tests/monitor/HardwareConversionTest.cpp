@@ -34,7 +34,7 @@ TEST(HardwareConversion, AbsentStaysAbsent) {
     info.present = true;
     const auto battery = toBattery(info);
     ASSERT_TRUE(battery);
-    EXPECT_FALSE(battery->percentKnown);
+    EXPECT_EQ(battery->percent, -1) << "nothing tells the charge";
     EXPECT_EQ(battery->timeToEmptyMin, -1);
     EXPECT_TRUE(toHardware({}, info, {}).hasBattery);
 }

@@ -28,6 +28,14 @@ private:
 
 } // namespace
 
+EnergyAccess energyAccess(const SystemRoot& root) {
+    const Powercap processors(root);
+    const GpuEnergy gpus(root, NvidiaGpus::of(root));
+    if (processors.readable()) return EnergyAccess::open;
+    if (!processors.empty()) return EnergyAccess::denied;
+    return gpus.empty() ? EnergyAccess::none : EnergyAccess::open;
+}
+
 std::unique_ptr<EnergySource> openEnergySource(const SystemRoot& root) {
     return std::make_unique<Counters>(root);
 }

@@ -110,6 +110,7 @@ void DrmDescriptors::scan(const std::string& pid) {
         deniedThisRound_ = deniedThisRound_ || errno == EACCES;
         return;
     }
+    someSeen_ = true;
     std::vector<std::string> files;
     while (const dirent* entry = ::readdir(folder.get())) {
         if (!isNumber(entry->d_name)) continue;

@@ -22,6 +22,8 @@ public:
     std::vector<DrmUsage> read();
     /// Whether some process could not be looked into.
     bool someDenied() const { return someDenied_; }
+    /// Whether any could: not so on a captured machine that kept none.
+    bool someSeen() const { return someSeen_; }
 
 private:
     void scan(const std::string& pid);
@@ -32,6 +34,7 @@ private:
     size_t slice_ = 0;
     bool started_ = false;
     bool someDenied_ = false;
+    bool someSeen_ = false;
     bool deniedThisRound_ = false;
 };
 

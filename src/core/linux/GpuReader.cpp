@@ -76,7 +76,7 @@ private:
     void takeClients(GpuReading& reading) const {
         reading.ownProcessesOnly = descriptors_.someDenied();
         // No client at work is no load, which is known once there are two samples to compare.
-        if (loadsKnown_) reading.busy = 0;
+        if (loadsKnown_ && descriptors_.someSeen()) reading.busy = 0;
         for (const DrmLoad& load : clientLoads_) {
             if (load.driver != reading.device.driver || load.slot != reading.device.slot) continue;
             if (load.busy) reading.busy = load.busy;

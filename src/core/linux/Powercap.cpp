@@ -96,13 +96,11 @@ std::vector<PowercapZone> listPowercapZones(const SystemRoot& root) {
 Powercap::Powercap(const SystemRoot& root) {
     const auto zones = listPowercapZones(root);
     for (const PowercapZone& zone : zones) {
-        if (zone.name == "dram") memories_.emplace_back().zone = zone;
+        if (zone.name == "dram") memories_.emplace_back(zone);
         if (!parentOf(zone.id).empty() || !isPackage(zone)) continue;
-        Package package;
-        package.whole.zone = zone;
+        Package& package = packages_.emplace_back(zone);
         for (const PowercapZone& part : zones)
-            if (part.name == "uncore" && parentOf(part.id) == zone.id) package.graphics.emplace().zone = part;
-        packages_.push_back(std::move(package));
+            if (part.name == "uncore" && parentOf(part.id) == zone.id) package.graphics.emplace(part);
     }
 }
 
@@ -113,6 +111,12 @@ bool Powercap::Counter::read(uint64_t nanoseconds) {
                    static_cast<double>(nanoseconds - readAt) / 1e9);
     readAt = nanoseconds;
     return true;
+}
+
+bool Powercap::readable() const {
+    return std::any_of(packages_.begin(), packages_.end(), [](const Package& package) {
+        return readNumber(package.whole.zone.folder + "energy_uj").has_value();
+    });
 }
 
 void Powercap::samplePackage(Package& package, uint64_t nanoseconds, EnergySample& out) {

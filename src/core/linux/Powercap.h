@@ -5,6 +5,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sysinfo::platform {
@@ -54,17 +55,22 @@ public:
 
     bool empty() const { return packages_.empty() && memories_.empty(); }
 
+    /// Whether this user may read the counter of a package.
+    bool readable() const;
+
     /// Appends the channels as of `nanoseconds` on a steady clock.
     void sample(uint64_t nanoseconds, EnergySample& out);
 
 private:
     struct Counter {
+        explicit Counter(PowercapZone which) : zone(std::move(which)) {}
         PowercapZone zone;
         EnergyCounter energy;
         uint64_t readAt = 0;
         bool read(uint64_t nanoseconds);
     };
     struct Package {
+        explicit Package(PowercapZone which) : whole(std::move(which)) {}
         Counter whole;
         std::optional<Counter> graphics;
         std::string id;              ///< of the channel sampled last
