@@ -86,7 +86,7 @@ sysinfo::SystemRoot openRoot(const std::string& directory) {
     std::error_code error;
     if (!fs::is_directory(directory, error))
         throw CLI::ValidationError("--root", directory + " is no folder");
-    const sysinfo::SystemRoot root(directory);
+    sysinfo::SystemRoot root(directory);
     if (!fs::is_directory(root.path("proc"), error) && !fs::is_directory(root.path("sys"), error)) {
         throw CLI::ValidationError("--root", directory + " holds neither proc nor sys");
     }
