@@ -5,9 +5,11 @@ namespace quarn::cli {
 Known knownIn(const Snapshot& snapshot, const sysinfo::SystemRoot& root) {
     const SCMem& mem = snapshot.mem;
     const SCNet& net = snapshot.net;
+    // A capture stands still: over it nothing has a rate. CPU time passes wherever a kernel runs.
+    const bool alive = root.isHost() || snapshot.cpu.total > 0;
     Known known;
-    known.rates = snapshot.generation > 1;
-    known.processRates = snapshot.processGeneration > 1;
+    known.rates = alive && snapshot.generation > 1;
+    known.processRates = alive && snapshot.processGeneration > 1;
     known.cpu = known.rates && !snapshot.cpu.perCore.empty();
     known.memory = mem.total > 0;
     known.memoryParts = known.memory && mem.used + mem.freeBytes > 0;

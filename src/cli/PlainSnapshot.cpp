@@ -33,7 +33,8 @@ std::string coreShares(const std::vector<double>& shares) {
 
 } // namespace
 
-std::string hostName() {
+std::string machineName(const sysinfo::SystemRoot& root) {
+    if (!root.isHost()) return root.directory().substr(root.directory().rfind('/') + 1);
     std::array<char, 256> name{};
     if (::gethostname(name.data(), name.size() - 1) != 0) return {};
     return name.data();
@@ -54,8 +55,7 @@ std::string plainSnapshot(const Snapshot& snapshot, const Known& known, const st
     if (known.cpu && shares.size() > 1 && shares.size() <= mostCores) text += "\n" + coreShares(shares);
     if (snapshot.processes.empty()) return text;
 
-    text += fmt::format("\n{} processes, {} threads; the busiest:\n\n", snapshot.processes.size(),
-                        snapshot.totalThreads);
+    text += "\nBusiest processes\n\n";
     return text + plainProcesses(snapshot, known, ProcessOrder::cpu, busiest, charset);
 }
 

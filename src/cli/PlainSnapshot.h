@@ -15,7 +15,7 @@ std::string plainSnapshot(const Snapshot& snapshot, const Known& known, const st
 std::string plainProcesses(const Snapshot& snapshot, const Known& known, ProcessOrder order, size_t limit,
                            Charset charset);
 
-/// The name of this machine; empty when it has none.
-std::string hostName();
+/// What the machine under `root` is called: its host name, for a captured one the name of its folder.
+std::string machineName(const sysinfo::SystemRoot& root);
 
 } // namespace quarn::cli

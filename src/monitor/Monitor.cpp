@@ -232,6 +232,7 @@ void Monitor::sample() {
     const SamplingPlan plan = plan_.get();
     const double now = setup_.steadySeconds();
     Snapshot snapshot;
+    snapshot.gpu = {.device = -1, .renderer = -1, .tiler = -1, .memUsed = 0, .memAlloc = 0}; // not read yet
     snapshot.timestamp = setup_.wallTime();
     snapshot.isAppleSilicon = hardware_.isAppleSilicon;
     increment(tick_);

@@ -68,7 +68,7 @@ TEST(Frame, AStandardTerminalShowsMetersCoresAndProcesses) {
     EXPECT_TRUE(contains(rows[rowWith(rows, "CPU ")], "23.4 %  load 0.52 0.41 0.30"));
     EXPECT_TRUE(contains(rows[rowWith(rows, "Memory")], "37.5 %  3.00 of 8.00 GiB   2.00 GiB cached"));
     EXPECT_TRUE(contains(rows[rowWith(rows, "Swap")], "512 MiB of 2.00 GiB"));
-    EXPECT_TRUE(contains(rows[rowWith(rows, "Network")], "1.20 MB/s   ↑ 34.0 kB/s"));
+    EXPECT_TRUE(contains(rows[rowWith(rows, "Network")], "in 1.20 MB/s   out 34.0 kB/s"));
     EXPECT_TRUE(contains(rows[rowWith(rows, "Disk  ")], "read 1.20 MB/s"));
     EXPECT_TRUE(contains(rows[rowWith(rows, " 7 ━")], " 15")); // the last core
     const size_t head = rowWith(rows, "PID  Name");
@@ -113,7 +113,7 @@ TEST(Frame, UnknownIsNotZero) {
     snapshot.generation = snapshot.processGeneration = 1;
     const auto first = rowsOf(snapshot, {80, 24});
     EXPECT_TRUE(contains(first[rowWith(first, "CPU ")], " —  load"));
-    EXPECT_TRUE(contains(first[rowWith(first, "Network")], "↓         —"));
+    EXPECT_TRUE(contains(first[rowWith(first, "Network")], "in         —"));
     EXPECT_FALSE(contains(first[0], "busy"));
     const std::string& process = first[rowWith(first, "PID  Name") + 1];
     EXPECT_EQ(process, "       1  systemd              ada             —  4.00 MiB          —        0s");

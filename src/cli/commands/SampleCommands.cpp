@@ -28,8 +28,7 @@ int runSnapshot(const Options& options) {
         JsonWriter json;
         writeDocument(json, snapshot, engine.known());
     } else {
-        writeOut(plainSnapshot(snapshot, engine.known(), options.root.isHost() ? hostName() : std::string(),
-                               charsetOfEnvironment()));
+        writeOut(plainSnapshot(snapshot, engine.known(), machineName(options.root), charsetOfEnvironment()));
     }
     return 0;
 }
@@ -53,7 +52,9 @@ int runStream(const Options& options) {
         if (options.form == Options::Form::json) {
             writeDocument(json, snapshot, engine.known());
         } else {
-            writeOut(plainSnapshot(snapshot, engine.known(), {}, charsetOfEnvironment()) + "\n");
+            writeOut(
+                plainSnapshot(snapshot, engine.known(), machineName(options.root), charsetOfEnvironment()) +
+                "\n");
         }
     }
     return 0;

@@ -42,10 +42,8 @@ LiveView::LiveView(const Options& options)
       painter_(Palette(depth_, initialBackground())) {
     frame_.charset = charsetOfEnvironment();
     frame_.trends = &shownTrends_;
-    if (options.root.isHost()) {
-        frame_.host = hostName();
-        frame_.ownPid = ::getpid();
-    }
+    frame_.host = machineName(options.root);
+    if (options.root.isHost()) frame_.ownPid = ::getpid();
     keys_.onKey = [this](char key) { onKey(key); };
     keys_.onBackground = [this](Background background) {
         painter_.setPalette(Palette(depth_, background));

@@ -13,14 +13,16 @@
 namespace quarn::cli {
 namespace {
 
-constexpr int wide = 116;         ///< from here on two meters stand side by side
+constexpr int wide = 124;         ///< from here on two meters stand side by side
 constexpr int leastProcesses = 5; ///< rows of processes that meters give way to
-constexpr double noticeable = 1;  ///< percent of a core from which on a process is worth naming
+constexpr int meterGap = 4;
+constexpr double noticeable = 1; ///< percent of a core from which on a process is worth naming
 
 struct Layout { // which row holds what; rows are counted from the top
     int margin = 1;
     bool title = true;
-    bool spaced = false; ///< blank rows between the parts
+    bool spaced = false; ///< blank rows after the title and before the processes
+    bool airy = false;   ///< and between the cores and the other meters
     bool hint = true;
     int meterRows = 0;
     int coreRows = 0;
@@ -32,7 +34,9 @@ Layout layoutFor(Size size, size_t cores, size_t meters) {
     layout.title = size.rows >= 3;
     layout.hint = size.rows >= 8;
     layout.spaced = size.rows >= 20;
-    int rest = size.rows - 1 - (layout.title ? 1 : 0) - (layout.hint ? 1 : 0) - (layout.spaced ? 2 : 0);
+    layout.airy = size.rows >= 30;
+    int rest = size.rows - 1 - (layout.title ? 1 : 0) - (layout.hint ? 1 : 0) - (layout.spaced ? 2 : 0) -
+               (layout.airy ? 1 : 0);
     const int perRow = size.columns >= wide ? 2 : 1;
     const int wanted = (static_cast<int>(meters) + perRow - 1) / perRow;
     layout.meterRows = std::clamp(rest - 1 - leastProcesses, std::min(rest, 1), wanted);
@@ -49,12 +53,22 @@ std::string clock(WallTime time) {
 }
 
 void drawTitle(Canvas& canvas, Strip strip, const Snapshot& snapshot, const FrameOptions& options) {
-    std::string right = clock(snapshot.timestamp);
-    if (options.known.uptime) right = "up " + format::duration(snapshot.uptime) + "   " + right;
     int column = canvas.put(strip.row, strip.begin, options.host, {Ink::text, Weight::bold}, strip.end);
     const std::string sentence = stateSentence(snapshot, options.known);
-    column = canvas.put(strip.row, column + 2, sentence, {}, strip.end);
-    canvas.putRight(strip.row, column + 2, strip.end, right, {Ink::dim});
+    column = canvas.put(strip.row, column + 2, sentence, {}, strip.end) + 2;
+
+    std::vector<std::string> facts{clock(snapshot.timestamp)};
+    if (options.known.uptime) facts.push_back("up " + format::duration(snapshot.uptime));
+    if (!snapshot.processes.empty()) {
+        facts.push_back(
+            fmt::format("{} processes, {} threads", snapshot.processes.size(), snapshot.totalThreads));
+    }
+    for (const std::string& fact : facts) { // from the right, as long as there is room
+        const int begin = strip.end - canvas.width(fact);
+        if (begin < column) break;
+        canvas.put(strip.row, begin, fact, {Ink::dim});
+        strip.end = begin - 3;
+    }
 }
 
 /// What the monitor itself costs, quietly; the long form where there is room for it.
@@ -99,17 +113,30 @@ void drawHint(Canvas& canvas, Strip strip, const Snapshot& snapshot, const Frame
     drawOwnUse(canvas, {strip.row, column + 1, strip.end}, snapshot, options);
 }
 
+int meterWidth(const Canvas& canvas, Strip strip) {
+    return canvas.size().columns >= wide ? (strip.width() - meterGap) / 2 : strip.width();
+}
+
+/// The CPUs together, and on a wide terminal how their load was.
+void drawCpu(Canvas& canvas, Strip strip, const Meter& meter, const Trends* trends) {
+    const int width = meterWidth(canvas, strip);
+    Strip left = strip, right = strip;
+    left.end = strip.begin + width;
+    right.begin = strip.end - width;
+    drawMeter(canvas, left, meter);
+    if (width < strip.width() && trends != nullptr) drawMeter(canvas, right, cpuHistory(*trends));
+}
+
 /// Fills rows of two meters each on a wide terminal, of one on others; the first row below.
 int drawMeters(Canvas& canvas, Strip top, int rows, const std::vector<Meter>& meters) {
     const bool twoColumns = canvas.size().columns >= wide;
-    constexpr int gap = 4;
-    const int half = (top.width() - gap) / 2;
+    const int width = meterWidth(canvas, top);
     const size_t perRow = twoColumns ? 2 : 1;
     for (size_t i = 0; i < meters.size() && static_cast<int>(i / perRow) < rows; ++i) {
         Strip strip = top;
         strip.row += static_cast<int>(i / perRow);
-        if (twoColumns && i % 2 == 0) strip.end = strip.begin + half;
-        if (twoColumns && i % 2 == 1) strip.begin = strip.end - half;
+        if (twoColumns && i % 2 == 0) strip.end = strip.begin + width;
+        if (twoColumns && i % 2 == 1) strip.begin = strip.end - width;
         drawMeter(canvas, strip, meters[i]);
     }
     return top.row + std::min(rows, static_cast<int>((meters.size() + perRow - 1) / perRow));
@@ -149,14 +176,14 @@ Canvas frame(const Snapshot& snapshot, Size size, const FrameOptions& options) {
     if (grid.coresPerBlock() > 1) {
         cpu.facts.insert(cpu.facts.begin(), {fmt::format("one block for {} cores", grid.coresPerBlock())});
     }
-    drawMeter(canvas, strip, cpu);
+    drawCpu(canvas, strip, cpu, options.trends);
     ++strip.row;
     if (options.known.cpu) {
         grid.draw(canvas, strip, snapshot.cpu.perCore, snapshot.cpu.perCoreSystem);
     } else {
         grid.draw(canvas, strip, {}, {});
     }
-    strip.row += grid.rows();
+    strip.row += grid.rows() + (layout.airy ? 1 : 0);
     strip.row = drawMeters(canvas, strip, layout.meterRows, meters) + (layout.spaced ? 1 : 0);
     const int below = layout.hint ? 1 : 0;
     drawProcesses(canvas, strip, canvas.size().rows - below - strip.row, snapshot, options);

@@ -28,7 +28,7 @@ std::string partOf(uint64_t part, uint64_t whole) {
 
 std::string rateUnless(bool known, double rate) { return known ? format::rate(rate) : std::string(unknown); }
 
-/// A rate with a word or arrow before it, right-aligned so that nothing moves when it changes.
+/// A rate with a word before it, right-aligned so that nothing moves when it changes.
 std::string named(std::string_view name, const std::string& rate) {
     return fmt::format("{} {:>9}", name, rate);
 }
@@ -64,8 +64,8 @@ Meter networkMeter(const Snapshot& snapshot, const Known& known, const Trends* t
             .ink = Ink::network,
             .trend = trends == nullptr ? nullptr : &trends->network,
             .leastScale = leastNetworkScale,
-            .facts = {{named("↓", rateUnless(rates, snapshot.net.rxRate)), {}},
-                      {named("↑", rateUnless(rates, snapshot.net.txRate)), {}}}};
+            .facts = {{named("in", rateUnless(rates, snapshot.net.rxRate)), {}},
+                      {named("out", rateUnless(rates, snapshot.net.txRate)), {}}}};
 }
 
 Meter diskMeter(const Snapshot& snapshot, const Known& known, const Trends* trends) {
@@ -124,6 +124,15 @@ Meter cpuMeter(const Snapshot& snapshot, const Known& known) {
         meter.facts.push_back({fmt::format("load {:.2f} {:.2f} {:.2f}", load[0], load[1], load[2])});
     }
     if (known.cpu) meter.facts.push_back({fmt::format("system {:>4} %", format::percentFigure(cpu.system))});
+    return meter;
+}
+
+Meter cpuHistory(const Trends& trends) {
+    const auto& shares = trends.cpu.values();
+    Meter meter{.label = "History", .ink = Ink::cpu, .trend = &trends.cpu, .leastScale = 100};
+    if (!shares.empty()) {
+        meter.facts.push_back({"peak " + format::percent(*std::max_element(shares.begin(), shares.end()))});
+    }
     return meter;
 }
 

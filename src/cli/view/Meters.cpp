@@ -10,7 +10,9 @@ namespace {
 constexpr int labelWidth = 9;
 constexpr int figureWidth = 8;
 constexpr int factGap = 3;
-constexpr int leastBar = 6;
+constexpr int factsWidth = 37; // two blanks and two rates with their names
+constexpr int leastBar = 8;
+constexpr int longestGraph = 44;
 
 /// The smallest of 1, 2, 5, 10, … that is not below `value`.
 double nextStep(double value) {
@@ -21,9 +23,10 @@ double nextStep(double value) {
     return 10 * decade;
 }
 
+/// Facts come first: the graph takes what they leave, up to a length beyond which it says no more.
 int graphWidth(int width) {
     const int rest = width - labelWidth - figureWidth;
-    return std::max(std::min(rest, std::clamp(width * 3 / 10, leastBar, 48)), 0);
+    return std::max(std::min(rest, std::clamp(rest - factsWidth, leastBar, longestGraph)), 0);
 }
 
 void drawFacts(Canvas& canvas, Strip strip, const std::vector<Fact>& facts) {

@@ -8,7 +8,7 @@ namespace {
 
 /// A figure that says nothing (a zero, an unknown) steps back behind those that do.
 bool isQuiet(std::string_view text) {
-    return text == format::unknown || text == "0.0" || text == "0" || text == "0 B/s";
+    return text == format::unknown || text == "0.0" || text == "0 B" || text == "0 B/s";
 }
 
 void drawCell(Canvas& canvas, int row, int begin, const PlacedColumn& place, std::string_view text,

@@ -24,10 +24,12 @@ private:
 
 /// What the live view remembers of the snapshots before.
 struct Trends {
+    Trend cpu;     ///< percent of all cores
     Trend network; ///< received and sent, bytes per second
     Trend disk;    ///< read and written
 
     void add(const Snapshot& snapshot, const Known& known) {
+        if (known.cpu) cpu.add(snapshot.cpu.total);
         if (!known.rates) return;
         network.add(snapshot.net.rxRate + snapshot.net.txRate);
         disk.add(snapshot.disk.readRate + snapshot.disk.writeRate);
