@@ -78,7 +78,8 @@ std::vector<SCSocket> ofPort(const std::vector<SCSocket>& all, uint16_t port, in
 
 std::vector<SCSocket> listed(SocketLister& lister, SocketScope scope = SocketScope::inspectable) {
     std::vector<SCSocket> result;
-    for (const auto* socket : lister.list(scope).value()) result.push_back(flatSocket(*socket));
+    const auto sockets = lister.list(scope).value();
+    for (const auto* socket : sockets) result.push_back(flatSocket(*socket));
     return result;
 }
 

@@ -237,7 +237,8 @@ TEST(CapturedSockets, AreListedOnceUnderTheLowestPid) {
     SocketLister lister(machine.root());
     const auto listed = [&](SocketScope scope) {
         std::vector<SCSocket> result;
-        for (const auto* socket : lister.list(scope).value()) result.push_back(flatSocket(*socket));
+        const auto sockets = lister.list(scope).value();
+        for (const auto* socket : sockets) result.push_back(flatSocket(*socket));
         return result;
     };
     const auto owned = listed(SocketScope::inspectable);
