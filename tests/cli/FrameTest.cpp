@@ -91,7 +91,13 @@ TEST(Frame, ASmallTerminalKeepsWhatMattersMost) {
 }
 
 TEST(Frame, ALargeTerminalUsesItsWidth) {
-    const auto rows = rowsOf(sampleSnapshot(64), {200, 60});
+    const Snapshot snapshot = sampleSnapshot(64);
+    Trends trends;
+    FrameOptions options = optionsFor(snapshot);
+    trends.add(snapshot, options.known);
+    options.trends = &trends;
+    const auto rows = rowsOf(frame(snapshot, {200, 60}, options));
+    EXPECT_TRUE(contains(rows[rowWith(rows, "CPU ")], "peak 23.4 %"));
     EXPECT_TRUE(contains(rows[rowWith(rows, "Memory")], "Network"));
     const std::string& head = rows[rowWith(rows, "PID  Name")];
     for (const auto* title : {"Threads", "State", "Path"}) EXPECT_TRUE(contains(head, title)) << title;

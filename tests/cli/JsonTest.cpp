@@ -122,6 +122,18 @@ TEST(Json, WhatACapturedMachineLacksIsNull) {
     EXPECT_TRUE(document["disk"]["readBytes"].is_null());
 }
 
+TEST(Json, ACaptureThatStandsStillHasNoRates) {
+    Snapshot snapshot = sampleSnapshot();
+    const sysinfo::SystemRoot captured("/somewhere");
+    EXPECT_TRUE(knownIn(snapshot, captured).rates) << "a live machine mounted elsewhere";
+    snapshot.cpu.total = 0;
+    const Parsed document = reparsed(snapshot, knownIn(snapshot, captured));
+    EXPECT_TRUE(document["cpu"]["total"].is_null());
+    EXPECT_TRUE(document["processes"][0]["cpuPercent"].is_null());
+    EXPECT_TRUE(document["disk"]["readRate"].is_null());
+    EXPECT_TRUE(knownIn(snapshot, sysinfo::SystemRoot::host()).cpu) << "this machine may be idle";
+}
+
 TEST(Json, CountersThatThePlatformDoesNotKeepAreNull) {
     const Snapshot snapshot = sampleSnapshot();
     Known known = knownIn(snapshot, sysinfo::SystemRoot::host());
