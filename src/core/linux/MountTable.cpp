@@ -164,8 +164,11 @@ std::vector<Mount> browsableMounts(const std::vector<Mount>& table) {
 
 bool isRemote(const Mount& mount) {
     if (isOneOf(mount.type, networkTypes) || isOneOf(mount.type, networkClients)) return true;
-    const bool namesServer = mount.source.starts_with("//") || mount.source.find(':') != std::string::npos;
-    return isUserSpace(mount) && mount.type != "fuseblk" && namesServer;
+    // "host:/folder", "//host/share", "https://host"; a path or a list of paths may hold a colon as well.
+    const bool namesServer = mount.source.starts_with("//") ||
+                             (mount.source.find(':') != std::string::npos && mount.source[0] != '/');
+    const bool joinsFolders = mount.type == "fuse.mergerfs" || mount.type == "fuse.unionfs";
+    return isUserSpace(mount) && !joinsFolders && namesServer;
 }
 
 bool canStall(const Mount& mount, const std::vector<Mount>& table) {

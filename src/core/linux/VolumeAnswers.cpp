@@ -72,7 +72,10 @@ std::vector<VolumeAnswers::Answer> VolumeAnswers::answers(const std::vector<Ques
             const auto space = state->ask(question.mountPoint);
             const std::lock_guard guard(state->mutex);
             auto& own = state->entries[question.key];
-            own.answer = space ? Answer{Answer::State::known, *space} : Answer{Answer::State::refused, {}};
+            if (space)
+                own.answer = {Answer::State::known, *space};
+            else if (own.answer.state != Answer::State::known)
+                own.answer.state = Answer::State::refused;
             own.beingAsked = false;
             state->answered.notify_all();
         });

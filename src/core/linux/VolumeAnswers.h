@@ -21,7 +21,8 @@ struct VolumeSpace {
 /// thread.
 class VolumeAnswers {
 public:
-    /// Blocks for as long as it likes; nullopt when the file system refuses.
+    /// Blocks for as long as it likes; nullopt when the file system refuses. Runs on the asking threads, also
+    /// after the end of this object: it must own what it uses.
     using Ask = std::function<std::optional<VolumeSpace>(const std::string& mountPoint)>;
 
     /// `patience` is what a call waits at most for file systems that are asked for the first time.
@@ -36,7 +37,8 @@ public:
         enum class State { unknown, refused, known } state = State::unknown;
         VolumeSpace space;
     };
-    /// The latest answer to each question, in order; `unknown` where none came yet. Sets out to ask each
+    /// The latest answer to each question, in order; `unknown` where none came yet, `refused` only while there
+    /// never was a better one. Sets out to ask each
     /// again unless it is still being asked, and forgets the mounts that are not in `questions`.
     std::vector<Answer> answers(const std::vector<Question>& questions);
 
