@@ -3,7 +3,8 @@
 add_library(quarn_options INTERFACE)
 target_include_directories(quarn_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 target_compile_options(quarn_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wcast-qual
+  -Wall -Wextra -Wpedantic -Wcast-qual
+  $<$<NOT:$<BOOL:${QUARN_UNITY}>>:-Wshadow> # joined files see each other's private names
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Wold-style-cast>
   $<$<BOOL:${QUARN_WERROR}>:-Werror>)
 if(QUARN_SANITIZE)

@@ -20,6 +20,7 @@ inline std::string_view takeUntil(std::string_view& rest, char delimiter) {
 inline std::string_view takeLine(std::string_view& rest) { return takeUntil(rest, '\n'); }
 
 inline bool isBlank(char c) { return c == ' ' || c == '\t'; }
+inline bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// Takes the next word (separated by blanks and tabs) off the front of `rest`; empty at the end.
 inline std::string_view takeWord(std::string_view& rest) {

@@ -142,7 +142,7 @@ TEST(AddressMessages, OwnAndPeerAndRubbish) {
              Case{addressMessage(AF_INET, 24, ""), 0, 0, "no address"},
              Case{message(RTM_NEWADDR, 0, 1, "abc"), 0, 0, "no room for a header"},
          }) {
-        platform::DumpProgress progress;
+        platform::AnswerProgress progress;
         std::vector<platform::LinkAddress> addresses;
         platform::parseAddresses(c.bytes, 1, progress, addresses);
         ASSERT_EQ(addresses.size(), c.count) << c.lesson;

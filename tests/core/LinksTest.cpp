@@ -42,7 +42,7 @@ TEST(LinkMessages, OneAnswer) {
     const std::string datagram =
         message(RTM_NEWLINK, NLM_F_MULTI, sequence, linkPayload(3, "br0", "bridge")) +
         linkMessage(2, "eth0") + statusMessage(NLMSG_DONE, 0);
-    DumpProgress progress;
+    AnswerProgress progress;
     std::vector<LinkIdentity> links;
     parseLinks(datagram, sequence, progress, links);
     ASSERT_EQ(links.size(), 2u);
@@ -90,7 +90,7 @@ TEST(LinkMessages, WhatCanBeWrongWithAnAnswer) {
              Case{linkMessage(2, std::string(IF_NAMESIZE, 'x')), false, false, false, 0, "a name too long"},
              Case{message(RTM_NEWLINK, 0, sequence, "abc"), false, false, false, 0, "no room for a header"},
          }) {
-        DumpProgress progress;
+        AnswerProgress progress;
         std::vector<LinkIdentity> links;
         parseLinks(c.datagram, sequence, progress, links);
         EXPECT_EQ(progress.ended, c.ended) << c.lesson;
@@ -111,7 +111,7 @@ TEST(LinkMessages, Counters) {
     const auto counted = [&](const std::string& value) {
         const std::string datagram =
             message(RTM_NEWSTATS, 0, sequence, bytesOf(header) + attribute(IFLA_STATS_LINK_64, value));
-        DumpProgress progress;
+        AnswerProgress progress;
         std::vector<LinkCounters> counters;
         parseLinkCounters(datagram, sequence, progress, counters);
         return counters;

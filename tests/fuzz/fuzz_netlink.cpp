@@ -7,7 +7,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace sysinfo::platform;
     const std::span<const char> datagram(reinterpret_cast<const char*>(data), size);
-    DumpProgress links, statistics;
+    AnswerProgress links, statistics;
     std::vector<LinkIdentity> identities;
     std::vector<LinkCounters> counters;
     parseLinks(datagram, 1, links, identities);
@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (const auto& identity : identities)
         if (identity.index == 0 || identity.name.empty() || identity.name.size() > 15) std::abort();
     if (links.ended != statistics.ended || links.failed != statistics.failed) std::abort();
-    DumpProgress addressing;
+    AnswerProgress addressing;
     std::vector<LinkAddress> addresses;
     parseAddresses(datagram, 1, addressing, addresses);
     interfaceName(datagram.data(), datagram.size());

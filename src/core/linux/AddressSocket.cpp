@@ -31,7 +31,7 @@ void readAddress(Bytes message, std::vector<LinkAddress>& out) {
 
 } // namespace
 
-void parseAddresses(Bytes datagram, uint32_t sequence, DumpProgress& progress,
+void parseAddresses(Bytes datagram, uint32_t sequence, AnswerProgress& progress,
                     std::vector<LinkAddress>& out) {
     walkAnswer(datagram, sequence, RTM_NEWADDR, progress, [&](Bytes message) { readAddress(message, out); });
 }
@@ -47,7 +47,7 @@ bool AddressSocket::read() {
         std::swap(addresses_, former_);
         addresses_.clear();
         const auto answer = socket_.ask(RTM_GETADDR, asBytes(ifaddrmsg{}),
-                                        [this](Bytes datagram, uint32_t sequence, DumpProgress& progress) {
+                                        [this](Bytes datagram, uint32_t sequence, AnswerProgress& progress) {
                                             parseAddresses(datagram, sequence, progress, addresses_);
                                         });
         known_ = answer == RouteSocket::Answer::whole;

@@ -15,7 +15,8 @@ struct LinkAddress {
 };
 
 /// Appends the IPv4 and IPv6 addresses in one datagram of the answer to request number `sequence`. Pure.
-void parseAddresses(Bytes datagram, uint32_t sequence, DumpProgress& progress, std::vector<LinkAddress>& out);
+void parseAddresses(Bytes datagram, uint32_t sequence, AnswerProgress& progress,
+                    std::vector<LinkAddress>& out);
 
 /// The addresses of this machine's network namespace; asked again only after the kernel announced a change.
 /// Never blocks. Belongs to one thread at a time.

@@ -11,7 +11,7 @@ namespace sysinfo::platform {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+using scutil::isDigit;
 bool isLower(char c) { return c >= 'a' && c <= 'z'; }
 
 /// Takes the leading characters that satisfy `is` off `rest`; false when there is none.

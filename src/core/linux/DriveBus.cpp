@@ -9,17 +9,15 @@ namespace sysinfo::platform {
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
 /// Whether a path component is `prefix` followed by a number ("ata" and "ata12", not "atapi").
 bool isNumbered(std::string_view component, std::string_view prefix) {
     return component.starts_with(prefix) && component.size() > prefix.size() &&
-           isDigit(component[prefix.size()]);
+           scutil::isDigit(component[prefix.size()]);
 }
 
 bool startsWith(std::string_view component, std::string_view text) { return component.starts_with(text); }
 bool isText(std::string_view component, std::string_view text) { return component == text; }
-bool contains(std::string_view component, std::string_view text) {
+bool holds(std::string_view component, std::string_view text) {
     return component.find(text) != std::string_view::npos;
 }
 
@@ -49,8 +47,8 @@ constexpr std::array<BusRule, 18> busRules{{
     {startsWith, "end_device-", {"SAS", "SAS", Place::internal, Medium::real}},
     {isNumbered, "fw", {"FireWire", "FireWire", Place::external, Medium::real}},
     {isNumbered, "ndbus", {"Memory bus", "Persistent memory", Place::internal, Medium::real}},
-    {contains, ".ufs", {"UFS", "UFS", Place::internal, Medium::real}},
-    {contains, "ufshc", {"UFS", "UFS", Place::internal, Medium::real}},
+    {holds, ".ufs", {"UFS", "UFS", Place::internal, Medium::real}},
+    {holds, "ufshc", {"UFS", "UFS", Place::internal, Medium::real}},
     {startsWith, "pseudo_", {"", "", Place::internal, Medium::virtualMachine}},
     {isNumbered, "host", {"SCSI", "SCSI", Place::internal, Medium::real}},
 }};

@@ -59,11 +59,11 @@ void readCounters(Bytes message, std::vector<LinkCounters>& out) {
 
 } // namespace
 
-void parseLinks(Bytes datagram, uint32_t sequence, DumpProgress& progress, std::vector<LinkIdentity>& out) {
+void parseLinks(Bytes datagram, uint32_t sequence, AnswerProgress& progress, std::vector<LinkIdentity>& out) {
     walkAnswer(datagram, sequence, RTM_NEWLINK, progress, [&](Bytes message) { readLink(message, out); });
 }
 
-void parseLinkCounters(Bytes datagram, uint32_t sequence, DumpProgress& progress,
+void parseLinkCounters(Bytes datagram, uint32_t sequence, AnswerProgress& progress,
                        std::vector<LinkCounters>& out) {
     walkAnswer(datagram, sequence, RTM_NEWSTATS, progress,
                [&](Bytes message) { readCounters(message, out); });

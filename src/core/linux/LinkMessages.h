@@ -40,10 +40,10 @@ struct LinkCounters {
 };
 
 /// Appends the links in one datagram of the answer to request number `sequence`.
-void parseLinks(Bytes datagram, uint32_t sequence, DumpProgress& progress, std::vector<LinkIdentity>& out);
+void parseLinks(Bytes datagram, uint32_t sequence, AnswerProgress& progress, std::vector<LinkIdentity>& out);
 
 /// The same for a request of counters.
-void parseLinkCounters(Bytes datagram, uint32_t sequence, DumpProgress& progress,
+void parseLinkCounters(Bytes datagram, uint32_t sequence, AnswerProgress& progress,
                        std::vector<LinkCounters>& out);
 
 /// The name of the interface that one link message, header included, is about; empty when it carries no

@@ -19,7 +19,7 @@ Answer LinkSocket::readIdentities() {
     std::swap(identities_, former_);
     identities_.clear();
     const auto answer = socket_.ask(RTM_GETLINK, asBytes(body),
-                                    [this](Bytes datagram, uint32_t sequence, DumpProgress& progress) {
+                                    [this](Bytes datagram, uint32_t sequence, AnswerProgress& progress) {
                                         parseLinks(datagram, sequence, progress, identities_);
                                     });
     std::sort(identities_.begin(), identities_.end(),
@@ -34,7 +34,7 @@ Answer LinkSocket::readCounters() {
     body.filter_mask = IFLA_STATS_FILTER_BIT(IFLA_STATS_LINK_64);
     counters_.clear();
     return socket_.ask(RTM_GETSTATS, asBytes(body),
-                       [this](Bytes datagram, uint32_t sequence, DumpProgress& progress) {
+                       [this](Bytes datagram, uint32_t sequence, AnswerProgress& progress) {
                            parseLinkCounters(datagram, sequence, progress, counters_);
                        });
 }

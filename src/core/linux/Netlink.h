@@ -68,7 +68,7 @@ inline std::string_view attributeText(Bytes payload) {
 
 /// How far the answer to one request for a list has come. `failed` and `ended` are final; an interrupted
 /// answer comes to its end but may lack entries, because some came or went meanwhile.
-struct DumpProgress {
+struct AnswerProgress {
     bool ended = false;
     bool failed = false;
     bool interrupted = false;
@@ -77,7 +77,7 @@ struct DumpProgress {
 /// Walks one datagram of the answer to request number `sequence`, handing each whole message of `type` to
 /// `visit`. Messages that answer another request are passed over.
 template <class Visit>
-void walkAnswer(Bytes datagram, uint32_t sequence, uint16_t type, DumpProgress& progress, Visit visit) {
+void walkAnswer(Bytes datagram, uint32_t sequence, uint16_t type, AnswerProgress& progress, Visit visit) {
     const bool whole = forEachMessage(datagram, [&](const nlmsghdr& header, Bytes message) {
         if (header.nlmsg_seq != sequence || progress.ended || progress.failed) return;
         if (header.nlmsg_flags & NLM_F_DUMP_INTR) progress.interrupted = true;

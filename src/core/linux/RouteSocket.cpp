@@ -68,7 +68,7 @@ RouteSocket::Answer RouteSocket::ask(uint16_t type, Bytes body, const Parse& par
     std::memcpy(buffer_.data() + sizeof header, body.data(), body.size());
     if (::send(socket_.get(), buffer_.data(), header.nlmsg_len, 0) != header.nlmsg_len) return Answer::failed;
 
-    DumpProgress progress;
+    AnswerProgress progress;
     while (!progress.ended && !progress.failed) {
         const ssize_t got = receive(socket_.get(), buffer_);
         if (got < 0) return Answer::failed;

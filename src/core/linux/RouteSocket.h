@@ -25,7 +25,7 @@ public:
     bool changeAnnounced();
 
     enum class Answer { whole, interrupted, failed };
-    using Parse = std::function<void(Bytes datagram, uint32_t sequence, DumpProgress& progress)>;
+    using Parse = std::function<void(Bytes datagram, uint32_t sequence, AnswerProgress& progress)>;
     /// Sends a request for a list and hands each datagram of the answer to `parse`. `body` follows the
     /// message header of `type`.
     Answer ask(uint16_t type, Bytes body, const Parse& parse);
