@@ -37,9 +37,9 @@ public:
         enum class State { unknown, refused, known } state = State::unknown;
         VolumeSpace space;
     };
-    /// The latest answer to each question, in order; `unknown` where none came yet, `refused` only while there
-    /// never was a better one. Sets out to ask each
-    /// again unless it is still being asked, and forgets the mounts that are not in `questions`.
+    /// The latest answer to each question, in order; `unknown` where none came yet, `refused` only while
+    /// there never was a better one. Sets out to ask each again unless it is still being asked, and forgets
+    /// the mounts that are not in `questions`.
     std::vector<Answer> answers(const std::vector<Question>& questions);
 
 private:
