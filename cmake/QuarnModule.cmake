@@ -6,6 +6,7 @@ target_compile_options(quarn_options INTERFACE
   -Wall -Wextra -Wpedantic -Wcast-qual
   $<$<NOT:$<BOOL:${QUARN_UNITY}>>:-Wshadow> # joined files see each other's private names
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Wold-style-cast>
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> # gcc 12 warns of std::string's own code
   $<$<BOOL:${QUARN_WERROR}>:-Werror>)
 if(QUARN_SANITIZE)
   target_compile_options(quarn_options INTERFACE -fsanitize=${QUARN_SANITIZE} -fno-omit-frame-pointer
@@ -13,15 +14,15 @@ if(QUARN_SANITIZE)
   target_link_options(quarn_options INTERFACE -fsanitize=${QUARN_SANITIZE})
 endif()
 
-# quarn_module(name SOURCES … DEPENDS … PUBLIC_DEPENDS … [ALONE …])
-# One static library for one folder. PUBLIC_DEPENDS are those that its headers include. ALONE are sources whose
-# private names clash with others, so that they stay out of the joined files of a unity build.
+# quarn_module(name SOURCES … DEPENDS … PUBLIC_DEPENDS … [JOINT [ALONE …]])
+# One static library for one folder. PUBLIC_DEPENDS are those that its headers include. JOINT: a unity build
+# compiles many of its sources at once, but for those under ALONE, whose private names clash with others.
 function(quarn_module name)
-  cmake_parse_arguments(arg "" "" "SOURCES;DEPENDS;PUBLIC_DEPENDS;ALONE" ${ARGN})
+  cmake_parse_arguments(arg "JOINT" "" "SOURCES;DEPENDS;PUBLIC_DEPENDS;ALONE" ${ARGN})
   add_library(quarn_${name} STATIC ${arg_SOURCES})
   add_library(quarn::${name} ALIAS quarn_${name})
   target_link_libraries(quarn_${name} PUBLIC quarn_options ${arg_PUBLIC_DEPENDS} PRIVATE ${arg_DEPENDS})
-  if(QUARN_UNITY)
+  if(QUARN_UNITY AND arg_JOINT)
     set_target_properties(quarn_${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
     set_source_files_properties(${arg_ALONE} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
     target_compile_options(quarn_${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)

@@ -194,19 +194,19 @@ TEST(SocketMessages, AreTakenOnlyWhole) {
     const struct {
         const char* what;
         std::string text;
-        DumpProgress progress;
+        SocketDumpProgress progress;
         size_t sockets;
     } cases[] = {
-        {"nothing", "", DumpProgress::more, 0},
-        {"two", Datagram().socket(1).socket(2).text, DumpProgress::more, 2},
-        {"the end", Datagram().socket(1).append(NLMSG_DONE, 7, four).text, DumpProgress::done, 1},
-        {"a refusal", Datagram().append(NLMSG_ERROR, 7, four).text, DumpProgress::failed, 0},
+        {"nothing", "", SocketDumpProgress::more, 0},
+        {"two", Datagram().socket(1).socket(2).text, SocketDumpProgress::more, 2},
+        {"the end", Datagram().socket(1).append(NLMSG_DONE, 7, four).text, SocketDumpProgress::done, 1},
+        {"a refusal", Datagram().append(NLMSG_ERROR, 7, four).text, SocketDumpProgress::failed, 0},
         {"a former request", Datagram().socket(1, 6).append(NLMSG_DONE, 6, four).socket(2).text,
-         DumpProgress::more, 1},
-        {"another family", Datagram().socket(1, 7, AF_UNIX).text, DumpProgress::more, 0},
-        {"a short body", Datagram().append(SOCK_DIAG_BY_FAMILY, 7, four).text, DumpProgress::failed, 0},
-        {"a length of 0", std::string(16, '\0'), DumpProgress::failed, 0},
-        {"half a header", Datagram().socket(1).text + "half", DumpProgress::failed, 1},
+         SocketDumpProgress::more, 1},
+        {"another family", Datagram().socket(1, 7, AF_UNIX).text, SocketDumpProgress::more, 0},
+        {"a short body", Datagram().append(SOCK_DIAG_BY_FAMILY, 7, four).text, SocketDumpProgress::failed, 0},
+        {"a length of 0", std::string(16, '\0'), SocketDumpProgress::failed, 0},
+        {"half a header", Datagram().socket(1).text + "half", SocketDumpProgress::failed, 1},
     };
     for (const auto& each : cases) {
         std::vector<SocketEntry> entries;
@@ -219,7 +219,7 @@ TEST(SocketMessages, AreTakenOnlyWhole) {
         const std::vector<char> cut(whole.begin(), whole.begin() + static_cast<long>(length));
         std::vector<SocketEntry> entries;
         const auto progress = parseSocketDump({cut.data(), cut.size()}, 7, IPPROTO_TCP, entries);
-        EXPECT_EQ(progress == DumpProgress::more, length == whole.size() / 2) << length;
+        EXPECT_EQ(progress == SocketDumpProgress::more, length == whole.size() / 2) << length;
     }
     std::vector<SocketEntry> entries;
     parseSocketDump(whole, 7, IPPROTO_UDP, entries);

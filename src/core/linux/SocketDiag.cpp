@@ -49,34 +49,34 @@ SocketEntry describe(const inet_diag_msg& message, uint8_t protocol) {
 
 } // namespace
 
-DumpProgress parseSocketDump(std::string_view datagram, uint32_t sequence, uint8_t protocol,
+SocketDumpProgress parseSocketDump(std::string_view datagram, uint32_t sequence, uint8_t protocol,
                              std::vector<SocketEntry>& out) {
     while (datagram.size() >= sizeof(nlmsghdr)) {
         nlmsghdr header;
         std::memcpy(&header, datagram.data(), sizeof header);
         if (header.nlmsg_len < sizeof header || header.nlmsg_len > datagram.size())
-            return DumpProgress::failed;
+            return SocketDumpProgress::failed;
         const std::string_view payload = datagram.substr(sizeof header, header.nlmsg_len - sizeof header);
         datagram.remove_prefix(std::min<size_t>(NLMSG_ALIGN(size_t{header.nlmsg_len}), datagram.size()));
         if (header.nlmsg_seq != sequence) continue;
-        if (header.nlmsg_type == NLMSG_DONE) return DumpProgress::done;
-        if (header.nlmsg_type == NLMSG_ERROR) return DumpProgress::failed;
+        if (header.nlmsg_type == NLMSG_DONE) return SocketDumpProgress::done;
+        if (header.nlmsg_type == NLMSG_ERROR) return SocketDumpProgress::failed;
         if (header.nlmsg_type != SOCK_DIAG_BY_FAMILY) continue;
         inet_diag_msg message;
-        if (payload.size() < sizeof message) return DumpProgress::failed;
+        if (payload.size() < sizeof message) return SocketDumpProgress::failed;
         std::memcpy(&message, payload.data(), sizeof message);
         if (message.idiag_family == AF_INET || message.idiag_family == AF_INET6)
             out.push_back(describe(message, protocol));
     }
-    return datagram.empty() ? DumpProgress::more : DumpProgress::failed;
+    return datagram.empty() ? SocketDumpProgress::more : SocketDumpProgress::failed;
 }
 
 bool SocketDiag::read(SocketTable table, Idle idle, std::vector<SocketEntry>& out) {
     const size_t before = out.size();
     if (request(table, idle)) {
-        auto progress = DumpProgress::more;
-        while (progress == DumpProgress::more) progress = receive(table, out);
-        if (progress == DumpProgress::done) return true;
+        auto progress = SocketDumpProgress::more;
+        while (progress == SocketDumpProgress::more) progress = receive(table, out);
+        if (progress == SocketDumpProgress::done) return true;
     }
     out.resize(before);
     netlink_.reset(); // what is left of a broken answer must not reach the next request
@@ -104,12 +104,12 @@ bool SocketDiag::request(SocketTable table, Idle idle) {
     }
 }
 
-DumpProgress SocketDiag::receive(SocketTable table, std::vector<SocketEntry>& out) {
+SocketDumpProgress SocketDiag::receive(SocketTable table, std::vector<SocketEntry>& out) {
     if (buffer_.empty()) buffer_.resize(datagramSize);
     for (;;) {
         const auto length = ::recv(netlink_.get(), buffer_.data(), buffer_.size(), MSG_TRUNC);
         if (length < 0 && errno == EINTR) continue;
-        if (length <= 0 || static_cast<size_t>(length) > buffer_.size()) return DumpProgress::failed;
+        if (length <= 0 || static_cast<size_t>(length) > buffer_.size()) return SocketDumpProgress::failed;
         return parseSocketDump({buffer_.data(), static_cast<size_t>(length)}, sequence_, table.protocol, out);
     }
 }

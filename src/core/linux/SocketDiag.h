@@ -10,12 +10,12 @@
 namespace sysinfo::platform {
 
 /// How far a dump of the kernel has come.
-enum class DumpProgress : uint8_t { more, done, failed };
+enum class SocketDumpProgress : uint8_t { more, done, failed };
 
 /// Parses one datagram of the answer to the dump request `sequence` for `protocol` and appends its sockets to
 /// `out`. Messages of other requests and of other kinds are passed over; a message whose length does not hold
 /// ends the dump as failed.
-DumpProgress parseSocketDump(std::string_view datagram, uint32_t sequence, uint8_t protocol,
+SocketDumpProgress parseSocketDump(std::string_view datagram, uint32_t sequence, uint8_t protocol,
                              std::vector<SocketEntry>& out);
 
 /// Asks the running kernel for its socket tables (sock_diag): a tenth of the cost of reading them as text,
@@ -31,7 +31,7 @@ public:
 
 private:
     bool request(SocketTable table, Idle idle);
-    DumpProgress receive(SocketTable table, std::vector<SocketEntry>& out);
+    SocketDumpProgress receive(SocketTable table, std::vector<SocketEntry>& out);
 
     scutil::UniqueFd netlink_;
     uint32_t sequence_ = 0;
