@@ -50,7 +50,7 @@ SocketEntry describe(const inet_diag_msg& message, uint8_t protocol) {
 } // namespace
 
 SocketDumpProgress parseSocketDump(std::string_view datagram, uint32_t sequence, uint8_t protocol,
-                             std::vector<SocketEntry>& out) {
+                                   std::vector<SocketEntry>& out) {
     while (datagram.size() >= sizeof(nlmsghdr)) {
         nlmsghdr header;
         std::memcpy(&header, datagram.data(), sizeof header);

@@ -16,7 +16,7 @@ enum class SocketDumpProgress : uint8_t { more, done, failed };
 /// `out`. Messages of other requests and of other kinds are passed over; a message whose length does not hold
 /// ends the dump as failed.
 SocketDumpProgress parseSocketDump(std::string_view datagram, uint32_t sequence, uint8_t protocol,
-                             std::vector<SocketEntry>& out);
+                                   std::vector<SocketEntry>& out);
 
 /// Asks the running kernel for its socket tables (sock_diag): a tenth of the cost of reading them as text,
 /// and every socket has a cookie that is never given to another one.
