@@ -72,6 +72,7 @@ int runStream(const Options& options);
 int runProcesses(const Options& options);
 int runDisks(const Options& options);
 int runVolumes(const Options& options);
+int runInterfaces(const Options& options);
 int runConnectionsCommand(const Options& options);
 int runSensors(const Options& options);
 int runPower(const Options& options);

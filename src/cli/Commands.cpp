@@ -17,7 +17,7 @@ constexpr std::array<OptionRow, 9> options{{
     {takesGrouping, "--by", "GROUP", "process (default) or destination"},
 }};
 
-constexpr std::array<Command, 12> table{{
+constexpr std::array<Command, 13> table{{
     {"snapshot", "[options]", "One complete sample of the machine.",
      "Takes two samples, --interval seconds apart, because rates and shares need both; with an interval of 0 "
      "one sample, without rates.\nThe JSON document has a key for every reading. What is not known, or may "
@@ -36,6 +36,9 @@ constexpr std::array<Command, 12> table{{
      takesJson | takesInterval, runDisks},
     {"volumes", "[options]", "The mounted volumes and their free space.", "", "quarn volumes", takesJson,
      runVolumes},
+    {"interfaces", "[options]", "The network interfaces: addresses, media and traffic.",
+     "The loopback is left out, and so is what has no address and never carried anything.",
+     "quarn interfaces --json", takesJson | takesInterval, runInterfaces},
     {"connections", "[options]", "The network sockets and the processes that hold them.",
      "The scope is that of the other end: `internet`, `local` for private networks and this machine, or "
      "`listening` for sockets that wait for somebody. \"*\" is any address, \"—\" what a socket does not "
