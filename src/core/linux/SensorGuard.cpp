@@ -17,7 +17,7 @@ constexpr uint64_t restingDiskNs = 60 * second;
 // "unsupported" while the card that carries it may sleep.
 std::string powerFolderOf(std::string device) {
     for (int level = 0; level < 4 && device.find("/devices/") != std::string::npos; ++level) {
-        const std::string folder = device + "/power";
+        std::string folder = device + "/power";
         const auto status = readAttribute(folder + "/runtime_status");
         if (status && *status != "unsupported") return folder;
         device.erase(device.rfind('/'));
@@ -29,7 +29,7 @@ std::string powerFolderOf(std::string device) {
 std::string blockDeviceOf(const std::string& device) {
     for (const std::string& folder : {device + "/block", device}) {
         for (const std::string& name : listFolder(folder)) {
-            const std::string disk = folder + '/' + name;
+            std::string disk = folder + '/' + name;
             if (exists(disk + "/stat") && exists(disk + "/queue")) return disk;
         }
     }

@@ -72,7 +72,7 @@ std::string resolved(const std::string& path) {
 
 // The device that carries the chip: its link, or else the folder around "hwmon/hwmonN".
 std::string deviceOf(const std::string& folder) {
-    const std::string linked = resolved(folder + "/device");
+    std::string linked = resolved(folder + "/device");
     if (!linked.empty()) return linked;
     const std::filesystem::path real = resolved(folder);
     const auto above = real.parent_path();
@@ -90,7 +90,7 @@ std::string attributeText(const std::string& path) {
 // (nvme0, host1) are left out.
 std::string stablePlace(const std::string& device, const SystemRoot& root) {
     for (const char* serial : {"/serial", "/wwid"}) {
-        const auto text = attributeText(device + serial);
+        auto text = attributeText(device + serial);
         if (!text.empty()) return text;
     }
     std::string place = device;

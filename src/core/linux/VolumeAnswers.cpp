@@ -89,6 +89,7 @@ std::vector<VolumeAnswers::Answer> VolumeAnswers::answers(const std::vector<Ques
                             [&](const std::string& key) { return state_->entries[key].beingAsked; });
     });
     std::vector<Answer> latest;
+    latest.reserve(questions.size());
     for (const auto& question : questions) latest.push_back(state_->entries[question.key].answer);
     return latest;
 }
