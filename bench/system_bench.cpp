@@ -1,15 +1,51 @@
 // The machine-wide readings of a tick in steady state, each next to what the kernel takes for the same at
 // least, so that the difference is ours.
 #include "core/InterfaceList.h"
+#include "core/MemStats.h"
+#include "core/SCSampler.h"
 #include "core/Storage.h"
 #include "core/linux/LinkSocket.h"
 #include "core/linux/Readers.h"
 
 #include <benchmark/benchmark.h>
+#include <chrono>
+#include <vector>
 
 namespace {
 
 using namespace sysinfo;
+
+/// CPU, memory, disk, network and load: all that a tick reads of the machine as a whole.
+void readSystemPart(SCSampler& sampler) {
+    auto& readers = *sampler.readers;
+    double load[3];
+    benchmark::DoNotOptimize(sampler.cpu.sample(readers));
+    benchmark::DoNotOptimize(readMemStats(readers));
+    benchmark::DoNotOptimize(sampler.disk.sample(readers));
+    benchmark::DoNotOptimize(sampler.net.sample(readers));
+    benchmark::DoNotOptimize(platform::loadAverage(readers, load));
+}
+
+void systemPart(benchmark::State& state) {
+    SCSampler sampler(SystemRoot::host());
+    for (auto _ : state) readSystemPart(sampler);
+}
+BENCHMARK(systemPart)->Unit(benchmark::kMicrosecond);
+
+/// The same as it is in a program that did something else since the last tick: nothing of it is in the
+/// processor's own caches any more.
+void systemPartCold(benchmark::State& state) {
+    SCSampler sampler(SystemRoot::host());
+    std::vector<char> other(16 << 20);
+    for (auto _ : state) {
+        for (size_t i = 0; i < other.size(); i += 64) benchmark::DoNotOptimize(++other[i]);
+        const auto before = std::chrono::steady_clock::now();
+        readSystemPart(sampler);
+        state.SetIterationTime(
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - before).count());
+    }
+}
+BENCHMARK(systemPartCold)->Unit(benchmark::kMicrosecond)->UseManualTime();
 
 void links(benchmark::State& state) {
     const auto readers = platform::openReaders(SystemRoot::host());

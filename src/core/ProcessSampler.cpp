@@ -60,7 +60,18 @@ ProcessInfo ProcessSampler::describe(const platform::KernelProcess& process) {
     info.startTime = process.startTimeMicros / 1'000'000;
     info.accessible = process.measured;
     info.ioKnown = process.ioKnown;
+    info.revision = process.revision;
     return info;
+}
+
+void ProcessSampler::update(ProcessInfo& info, const platform::KernelProcess& process, double elapsed) {
+    const bool known = info.revision != 0 && info.startTimeMicros == process.startTimeMicros;
+    const uint64_t before = info.cpuTimeNs;
+    if (!known || info.revision != process.revision) info = describe(process);
+    info.cpuPercent = known && info.accessible && elapsed > 0 && info.cpuTimeNs >= before
+                          ? static_cast<double>(info.cpuTimeNs - before) * 100 / elapsed
+                          : 0;
+    totalThreads_ += info.threads;
 }
 
 const std::vector<ProcessInfo>& ProcessSampler::sample(platform::Readers& readers) {
@@ -76,32 +87,22 @@ const std::vector<ProcessInfo>& ProcessSampler::sample(platform::Readers& reader
 const std::vector<ProcessInfo>& ProcessSampler::advance(std::span<const platform::KernelProcess> table,
                                                         uint64_t nowNs) {
     const double elapsed = lastSampleNs_ == 0 ? 0 : static_cast<double>(nowNs - lastSampleNs_);
-    std::swap(current_, previous_);
-    std::swap(revisions_, previousRevisions_);
-    current_.clear();
-    revisions_.clear();
-    current_.reserve(table.size());
-    revisions_.reserve(table.size());
     totalThreads_ = 0;
 
-    // Both lists ascend by pid: one walk pairs each process with its former self.
-    size_t old = 0;
-    for (const auto& process : table) {
-        if (process.pid < 0) continue;
-        while (old < previous_.size() && previous_[old].pid < process.pid) ++old;
-        const bool known = old < previous_.size() && previous_[old].pid == process.pid &&
-                           previous_[old].startTimeMicros == process.startTimeMicros;
-        const uint64_t before = known ? previous_[old].cpuTimeNs : 0;
-        if (known && previousRevisions_[old] == process.revision)
-            current_.push_back(std::move(previous_[old]));
-        else
-            current_.push_back(describe(process));
-        auto& info = current_.back();
-        info.cpuPercent = known && info.accessible && elapsed > 0 && info.cpuTimeNs >= before
-                              ? static_cast<double>(info.cpuTimeNs - before) * 100 / elapsed
-                              : 0;
-        revisions_.push_back(process.revision);
-        totalThreads_ += info.threads;
+    // From one call to the next most pids stay where they are: those entries are updated in place.
+    size_t at = 0;
+    for (; at < table.size() && at < current_.size() && current_[at].pid == table[at].pid; ++at)
+        update(current_[at], table[at], elapsed);
+
+    // From the first other pid on, one walk over both lists, which ascend by pid.
+    former_.assign(std::make_move_iterator(current_.begin() + static_cast<ptrdiff_t>(at)),
+                   std::make_move_iterator(current_.end()));
+    current_.resize(at);
+    auto old = former_.begin();
+    for (const auto& process : table.subspan(at)) {
+        while (old != former_.end() && old->pid < process.pid) ++old;
+        const bool paired = old != former_.end() && old->pid == process.pid;
+        update(current_.emplace_back(paired ? std::move(*old) : ProcessInfo()), process, elapsed);
     }
     lastSampleNs_ = nowNs;
     return current_;

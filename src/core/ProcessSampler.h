@@ -32,6 +32,7 @@ struct ProcessInfo {
     uint64_t startTimeMicros = 0; ///< since the epoch; with `pid` the identity of a process instance
     bool accessible = true;       ///< the measurements could be read
     bool ioKnown = false;         ///< `diskRead` and `diskWrite` could be read
+    uint64_t revision = 0;        ///< of the reading that all of it but `cpuPercent` comes from
 };
 
 /// Account names by user number, asked once each.
@@ -64,13 +65,13 @@ public:
 
 private:
     ProcessInfo describe(const platform::KernelProcess& process);
+    /// Brings one entry up to date; what it held is of the same pid in the former list, or empty.
+    void update(ProcessInfo& info, const platform::KernelProcess& process, double elapsed);
 
     UserNames users_;
     std::vector<ProcessInfo> current_;
-    std::vector<ProcessInfo> previous_; ///< storage of the list before, reused
-    std::vector<uint64_t> revisions_;   ///< of the entries of current_
-    std::vector<uint64_t> previousRevisions_;
-    uint64_t lastSampleNs_ = 0; ///< 0 before the first call
+    std::vector<ProcessInfo> former_; ///< storage for the part of the list before that pids moved in
+    uint64_t lastSampleNs_ = 0;       ///< 0 before the first call
     uint32_t totalThreads_ = 0;
 };
 

@@ -21,7 +21,11 @@ public:
         if (block_) block_->references.fetch_add(1, std::memory_order_relaxed);
     }
     Text(Text&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
-    Text& operator=(Text other) noexcept {
+    Text& operator=(const Text& other) noexcept {
+        if (block_ != other.block_) *this = Text(other);
+        return *this;
+    }
+    Text& operator=(Text&& other) noexcept {
         std::swap(block_, other.block_);
         return *this;
     }

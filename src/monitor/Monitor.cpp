@@ -305,13 +305,14 @@ void Monitor::takeProcesses(const HelperFetch& fetch, double now) {
         processes = fromHelper(fetch.list);
         lastThreads_ = fetch.list.totalThreads;
     } else {
-        processes = fromSampler(sampler_->processes.sample(*sampler_->readers));
+        processes = processLists_.take();
+        fromSampler(sampler_->processes.sample(*sampler_->readers), processes);
         lastThreads_ = sampler_->processes.totalThreads();
     }
     applyIORates(processes, prevProcIO_, lastProcesses_.isTaken() ? lastProcesses_.age(now) : 0);
     keepCounters(processes, prevProcIO_);
     increment(procGeneration_);
-    lastProcesses_.store(std::move(processes), now);
+    lastProcesses_.store(processLists_.share(std::move(processes)), now);
 }
 
 void Monitor::sampleRates(Snapshot& snapshot, double now) {

@@ -177,6 +177,7 @@ private:
     double lastAsleep_ = 0;
     WallTime lastTickAt_{};
     Throttled<SharedList<ProcInfo>> lastProcesses_;
+    ListPool<ProcInfo> processLists_;
     int64_t lastThreads_ = 0;
     std::vector<ProcessIO> prevProcIO_; ///< ascending by pid
     int64_t procGeneration_ = 0;

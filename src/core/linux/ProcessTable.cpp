@@ -18,8 +18,9 @@ namespace {
 constexpr unsigned listEvery = 32;
 /// Looking at one pid costs about as much as listing one process; beyond this many a listing is cheaper.
 constexpr int32_t mostProbes = 1024;
-/// The share of idle processes read in full with each reading.
-constexpr size_t sliceDivisor = 64;
+/// The share of idle processes read in full with each reading. Little can change there: what is swapped out
+/// counts as before.
+constexpr size_t sliceDivisor = 512;
 
 } // namespace
 
@@ -27,7 +28,12 @@ std::optional<uint64_t> processClock(int32_t pid) {
     // The kernel's encoding of "CPU clock of process `pid`, in scheduler time".
     const auto clock = static_cast<clockid_t>((~static_cast<unsigned>(pid) << 3) | 2);
     timespec time{};
+#if __LP64__
+    // Past the library, which first tries its ways of not asking the kernel.
+    if (::syscall(SYS_clock_gettime, clock, &time) != 0) return {};
+#else
     if (::clock_gettime(clock, &time) != 0) return {};
+#endif
     return static_cast<uint64_t>(time.tv_sec) * 1'000'000'000 + static_cast<uint64_t>(time.tv_nsec);
 }
 
@@ -41,7 +47,6 @@ ProcessTable::ProcessTable(const SystemRoot& root)
 std::optional<std::span<const KernelProcess>> ProcessTable::read() {
     candidates_.clear();
     formerParents_.clear();
-    gone_.assign(processes_.size(), false);
 
     // The order matters: what is created after this line is found by the next reading.
     const auto allocation = useClocks_ ? readAllocation() : std::nullopt;
@@ -108,7 +113,8 @@ bool ProcessTable::listPids() {
         for (long at = 0; at < length;) {
             const auto* entry = reinterpret_cast<const dirent64*>(listing_.data() + at);
             at += entry->d_reclen;
-            if (const auto pid = scutil::toNumber<int32_t>(entry->d_name)) candidates_.push_back(*pid);
+            const auto pid = scutil::toNumber<int32_t>(entry->d_name);
+            if (pid && *pid >= 0) candidates_.push_back(*pid);
         }
     }
     std::sort(candidates_.begin(), candidates_.end());
@@ -117,13 +123,13 @@ bool ProcessTable::listPids() {
     size_t keep = 0;
     size_t at = 0;
     for (const int32_t pid : candidates_) {
-        while (at < processes_.size() && processes_[at].pid < pid) gone_[at++] = true;
-        if (at < processes_.size() && processes_[at].pid == pid)
+        while (at < watches_.size() && watches_[at].pid < pid) watches_[at++].gone = true;
+        if (at < watches_.size() && watches_[at].pid == pid)
             ++at;
         else
             candidates_[keep++] = pid;
     }
-    while (at < processes_.size()) gone_[at++] = true;
+    while (at < watches_.size()) watches_[at++].gone = true;
     candidates_.resize(keep);
     return true;
 }
@@ -133,12 +139,12 @@ void ProcessTable::readFully(size_t index, std::optional<uint64_t> clock) {
     const auto stateBefore = process.state;
     const uint64_t startBefore = process.startTimeMicros;
     switch (reader_.read(process)) {
-    case ProcessReader::Outcome::gone: gone_[index] = true; return;
+    case ProcessReader::Outcome::gone: watches_[index].gone = true; return;
     case ProcessReader::Outcome::denied: process.measured = false; break;
     case ProcessReader::Outcome::read: break;
     }
     process.revision = ++revision_;
-    clocks_[index] = clock;
+    watches_[index].clock = clock;
     using RunState = KernelProcess::RunState;
     const bool wasAnother = startBefore != 0 && startBefore != process.startTimeMicros;
     if (wasAnother || (process.state == RunState::zombie && stateBefore != RunState::zombie))
@@ -151,18 +157,17 @@ void ProcessTable::readFully(size_t index, std::optional<uint64_t> clock) {
 }
 
 void ProcessTable::refreshKnown(bool listed) {
-    for (size_t i = 0; i < processes_.size(); ++i) {
-        if (gone_[i]) {
-            formerParents_.push_back(processes_[i].pid);
-            continue;
+    for (size_t i = 0; i < watches_.size(); ++i) {
+        auto& watch = watches_[i];
+        if (!watch.gone) {
+            const auto clock = useClocks_ ? processClock(watch.pid) : std::nullopt;
+            if (clock && clock == watch.clock) continue;
+            if (useClocks_ && !clock && watch.clock && !listed)
+                watch.gone = true;
+            else
+                readFully(i, clock);
         }
-        const auto clock = useClocks_ ? processClock(processes_[i].pid) : std::nullopt;
-        if (clock && clock == clocks_[i]) continue;
-        if (useClocks_ && !clock && clocks_[i] && !listed)
-            gone_[i] = true;
-        else
-            readFully(i, clock);
-        if (gone_[i]) formerParents_.push_back(processes_[i].pid);
+        if (watch.gone) formerParents_.push_back(watch.pid);
     }
 }
 
@@ -172,58 +177,48 @@ void ProcessTable::refreshOrphans() {
     std::sort(formerParents_.begin(), formerParents_.end());
     const auto parents = formerParents_; // a reading below may find more, which the next reading handles
     for (size_t i = 0; i < processes_.size(); ++i)
-        if (!gone_[i] && std::binary_search(parents.begin(), parents.end(), processes_[i].ppid))
-            readFully(i, clocks_[i]);
+        if (!watches_[i].gone && std::binary_search(parents.begin(), parents.end(), processes_[i].ppid))
+            readFully(i, watches_[i].clock);
 }
 
 void ProcessTable::refreshSlice() {
     if (processes_.empty()) return;
     for (size_t left = processes_.size() / sliceDivisor + 1; left > 0; --left) {
         nextInSlice_ = (nextInSlice_ + 1) % processes_.size();
-        if (!gone_[nextInSlice_]) readFully(nextInSlice_, clocks_[nextInSlice_]);
+        if (!watches_[nextInSlice_].gone) readFully(nextInSlice_, watches_[nextInSlice_].clock);
     }
 }
 
 void ProcessTable::dropGone() {
     size_t keep = 0;
     for (size_t i = 0; i < processes_.size(); ++i) {
-        if (gone_[i]) continue;
+        if (watches_[i].gone) continue;
         if (keep != i) {
             processes_[keep] = std::move(processes_[i]);
-            clocks_[keep] = clocks_[i];
+            watches_[keep] = watches_[i];
         }
         ++keep;
     }
     processes_.resize(keep);
-    clocks_.resize(keep);
+    watches_.resize(keep);
 }
 
 void ProcessTable::addNew() {
     const size_t known = processes_.size();
-    gone_.assign(known + candidates_.size(), false);
     for (const int32_t pid : candidates_) {
         processes_.emplace_back().pid = pid;
-        clocks_.emplace_back();
+        watches_.emplace_back().pid = pid;
         readFully(processes_.size() - 1, useClocks_ ? processClock(pid) : std::nullopt);
     }
     dropGone();
     if (known == processes_.size()) return;
     // Both parts ascend; new pids nearly always follow the known ones.
-    if (known == 0 || processes_[known - 1].pid < processes_[known].pid) return;
-    std::vector<size_t> order(processes_.size());
-    for (size_t i = 0; i < order.size(); ++i) order[i] = i;
-    std::sort(order.begin(), order.end(),
-              [&](size_t a, size_t b) { return processes_[a].pid < processes_[b].pid; });
-    std::vector<KernelProcess> sorted;
-    std::vector<std::optional<uint64_t>> sortedClocks;
-    sorted.reserve(order.size());
-    sortedClocks.reserve(order.size());
-    for (const size_t i : order) {
-        sorted.push_back(std::move(processes_[i]));
-        sortedClocks.push_back(clocks_[i]);
-    }
-    processes_ = std::move(sorted);
-    clocks_ = std::move(sortedClocks);
+    if (known == 0 || watches_[known - 1].pid < watches_[known].pid) return;
+    const auto byPid = [](const auto& a, const auto& b) { return a.pid < b.pid; };
+    std::inplace_merge(processes_.begin(), processes_.begin() + static_cast<ptrdiff_t>(known),
+                       processes_.end(), byPid);
+    std::inplace_merge(watches_.begin(), watches_.begin() + static_cast<ptrdiff_t>(known), watches_.end(),
+                       byPid);
 }
 
 } // namespace sysinfo::platform

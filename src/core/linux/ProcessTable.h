@@ -60,12 +60,18 @@ private:
     bool useClocks_;
     ProcessReader reader_;
 
+    /// What the look at an idle process needs, apart from its record: it is small, so that thousands fit
+    /// the processor's cache.
+    struct Watch {
+        std::optional<uint64_t> clock; ///< the CPU clock before the last full reading
+        int32_t pid = 0;
+        bool gone = false; ///< to be dropped
+    };
+
     std::vector<KernelProcess> processes_; ///< ascending by pid
-    std::vector<std::optional<uint64_t>>
-        clocks_;                         ///< beside processes_: the clock before the last full reading
-    std::vector<bool> gone_;             ///< beside processes_: to be dropped
-    std::vector<int32_t> candidates_;    ///< pids to be added, ascending
-    std::vector<int32_t> formerParents_; ///< pids that ended in this reading, ascending
+    std::vector<Watch> watches_;           ///< beside processes_
+    std::vector<int32_t> candidates_;      ///< pids to be added, ascending
+    std::vector<int32_t> formerParents_;   ///< pids that ended in this reading, ascending
     uint64_t revision_ = 0;
     size_t nextInSlice_ = 0;
     unsigned sinceListing_ = 0;
