@@ -10,6 +10,8 @@
 #include <csignal>
 #include <filesystem>
 #include <functional>
+#include <string_view>
+#include <vector>
 
 namespace quarn::cli {
 namespace {
@@ -129,6 +131,11 @@ int print(std::string_view text) {
 
 int runCommandLine(int argc, const char* const* argv) {
     std::signal(SIGPIPE, SIG_IGN); // a reader that left shows as a failed write
+    std::vector<const char*> arguments(argv, argv + argc);
+    if (argc > 1 && std::string_view(argv[1]) == "help") { // "quarn help disks" is "quarn disks --help"
+        arguments.erase(arguments.begin() + 1);
+        arguments.push_back("--help");
+    }
 
     Parsed parsed;
     CLI::App app;
@@ -147,7 +154,7 @@ int runCommandLine(int argc, const char* const* argv) {
         return nullptr;
     };
     try {
-        app.parse(argc, argv);
+        app.parse(argc, arguments.data());
         if (app.count("--root") > 0) parsed.options.root = openRoot(parsed.root);
     } catch (const CLI::CallForVersion&) {
         return guarded([] { return print("quarn " QUARN_VERSION "\n"); });

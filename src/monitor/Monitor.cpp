@@ -5,14 +5,13 @@
 #include "core/GpuStats.h"
 #include "core/HardwareInfo.h"
 #include "core/IOReport.h"
-#include "core/InterfaceList.h"
 #include "core/MemStats.h"
 #include "core/NeuralEngine.h"
 #include "core/SCSampler.h"
 #include "core/SMC.h"
 #include "core/SMCSensors.h"
-#include "core/Storage.h"
 #include "core/SystemEvents.h"
+#include "monitor/DeviceLists.h"
 #include "monitor/HardwareConversion.h"
 #include "monitor/ProcessList.h"
 #include "ui/settings/Prefs.h"
@@ -39,47 +38,6 @@ Queue::Duration duration(double seconds) {
 Hardware describeMachine(const sysinfo::SystemRoot& root) {
     return toHardware(sysinfo::readHardwareInfo(root), sysinfo::readBattery(root),
                       platform::findNeuralEngine(root));
-}
-
-NetInterface fromInterface(const sysinfo::NetInterface& info) {
-    NetInterface to;
-    to.name = info.name;
-    to.mac = info.mac;
-    for (const auto& address : info.addrs) to.addrs += (to.addrs.empty() ? "" : ", ") + address;
-    to.up = info.up;
-    to.rxBytes = info.rxBytes;
-    to.txBytes = info.txBytes;
-    to.rxPackets = info.rxPackets;
-    to.txPackets = info.txPackets;
-    to.rxErrors = info.rxErrors;
-    to.txErrors = info.txErrors;
-    to.drops = info.drops;
-    to.collisions = info.collisions;
-    to.mtu = info.mtu;
-    to.linkSpeedMbps = info.linkSpeedMbps;
-    to.media = info.media;
-    to.netmask = info.netmask;
-    to.broadcast = info.broadcast;
-    to.loopback = info.loopback;
-    to.pointToPoint = info.pointToPoint;
-    to.multicast = info.multicastCapable;
-    return to;
-}
-
-DiskDevice fromRecord(const SCDiskDevice& record) {
-    DiskDevice disk;
-    disk.bsd = record.bsd;
-    disk.name = record.name;
-    disk.interconnect = record.interconnect;
-    disk.medium = record.medium;
-    disk.architecture = record.architecture;
-    disk.link = record.link;
-    disk.size = record.size;
-    disk.isInternal = record.internalDisk != 0;
-    disk.removable = record.removable != 0;
-    disk.readBytes = record.readBytes;
-    disk.writeBytes = record.writeBytes;
-    return disk;
 }
 
 } // namespace
@@ -112,8 +70,7 @@ Monitor::Monitor(MonitorSetup setup)
       publication_(std::make_shared<Publication>(Publication{*this})),
       plan_(SamplingPlan::foreground(profile_)),
       sampler_(std::make_unique<SCSampler>(setup_.root)),
-      diskList_(std::make_unique<sysinfo::DiskDeviceList>(setup_.root)),
-      interfaceList_(std::make_unique<sysinfo::InterfaceList>()),
+      devices_(std::make_unique<DeviceLists>(setup_.root)),
       gpu_(std::make_unique<sysinfo::GpuSampler>(setup_.root)),
       lastAsleep_(setup_.asleepSeconds()) {}
 
@@ -252,13 +209,14 @@ void Monitor::sample() {
     addAuxReadings(snapshot, now);
     if (const AuxReads reads = aux_.due(now, plan, auxDemand()); reads.any()) scheduleAux(reads);
     sampleRates(snapshot, now);
-    if (plan.deviceLists || !disks_.isTaken()) {
-        sampleDisks(now);
-        sampleInterfaces(now);
+    if (plan.deviceLists || !devices_->isTaken()) {
+        devices_->sample(*sampler_->readers, now);
+        increment(disksGeneration_);
+        increment(ifacesGeneration_);
     }
-    snapshot.disks = disks_.cached;
+    snapshot.disks = devices_->disks();
     snapshot.disksGeneration = disksGeneration_;
-    snapshot.interfaces = ifaces_.cached;
+    snapshot.interfaces = devices_->interfaces();
     snapshot.interfacesGeneration = ifacesGeneration_;
     noteSleep(snapshot);
 
@@ -321,29 +279,6 @@ void Monitor::sampleRates(Snapshot& snapshot, double now) {
         lastRates_ = deriveRates(prevCounters_.cached, counters, prevCounters_.age(now));
     snapshot.rates = lastRates_;
     prevCounters_.store(counters, now);
-}
-
-void Monitor::sampleDisks(double now) {
-    std::vector<DiskDevice> disks;
-    for (const auto& record : diskList_->sample(*sampler_->readers)) disks.push_back(fromRecord(record));
-    applyDiskRates(disks, disks_.cached, disks_.isTaken() ? disks_.age(now) : 0);
-    disks_.store(std::move(disks), now);
-    increment(disksGeneration_);
-}
-
-void Monitor::sampleInterfaces(double now) {
-    std::vector<NetInterface> interfaces;
-    const double elapsed = ifaces_.isTaken() ? ifaces_.age(now) : 0;
-    for (const auto& info : interfaceList_->sample(*sampler_->readers)) {
-        auto& interface = interfaces.emplace_back(fromInterface(info));
-        const auto before = std::find_if(ifaces_.cached.begin(), ifaces_.cached.end(),
-                                         [&](const NetInterface& i) { return i.name == interface.name; });
-        if (before == ifaces_.cached.end()) continue;
-        interface.rxRate = rateBetween(before->rxBytes, interface.rxBytes, elapsed);
-        interface.txRate = rateBetween(before->txBytes, interface.txBytes, elapsed);
-    }
-    ifaces_.store(std::move(interfaces), now);
-    increment(ifacesGeneration_);
 }
 
 void Monitor::sampleBattery(Snapshot& snapshot, const SamplingPlan& plan, double now) {

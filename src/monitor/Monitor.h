@@ -20,14 +20,13 @@
 struct SCSampler;
 
 namespace sysinfo {
-class DiskDeviceList;
 class GpuSampler;
-class InterfaceList;
 class SystemEvents;
 } // namespace sysinfo
 
 namespace quarn {
 
+class DeviceLists;
 class Prefs;
 
 /// What a Monitor works with. What it refers to must outlive it.
@@ -127,8 +126,6 @@ private:
     void takeProcesses(const HelperFetch& fetch, double now);
     void sampleRates(Snapshot& snapshot, double now);
     void sampleBattery(Snapshot& snapshot, const SamplingPlan& plan, double now);
-    void sampleDisks(double now);
-    void sampleInterfaces(double now);
     void noteSleep(const Snapshot& snapshot);
     void addAuxReadings(Snapshot& snapshot, double now) const;
     AuxDemand auxDemand() const;
@@ -156,15 +153,12 @@ private:
     Locked<std::vector<SensorGroups::Maximum>> lastSensorGroupMax_;
 
     std::unique_ptr<SCSampler> sampler_;
-    std::unique_ptr<sysinfo::DiskDeviceList> diskList_;
-    std::unique_ptr<sysinfo::InterfaceList> interfaceList_;
+    std::unique_ptr<DeviceLists> devices_;
     std::unique_ptr<sysinfo::GpuSampler> gpu_;
     RateWindow netWindow_{0};
     Throttled<SystemCounters> prevCounters_;
     SystemRates lastRates_;
-    Throttled<SharedList<DiskDevice>> disks_;
     int64_t disksGeneration_ = 0;
-    Throttled<SharedList<NetInterface>> ifaces_;
     int64_t ifacesGeneration_ = 0;
     Throttled<std::optional<Battery>> battery_;
     AuxSchedule aux_;

@@ -64,6 +64,7 @@ TEST(Program, HelpNamesEveryCommandAndGivesExamples) {
     for (const std::string command : {"snapshot", "stream", "processes", "disks", "volumes", "sensors"}) {
         EXPECT_NE(help.out.find("\n  " + command + " "), std::string::npos) << command;
         const Outcome own = runProgram({command, "--help"});
+        EXPECT_EQ(runProgram({"help", command}).out, own.out);
         EXPECT_EQ(own.status, 0);
         EXPECT_NE(own.out.find("Example:\n  quarn " + command), std::string::npos) << own.out;
     }
