@@ -1,15 +1,12 @@
 // The one-way dependencies between the folders, and what must never happen, read from the sources.
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
+#include "support/TempRoot.h"
+
 #include <map>
 #include <set>
-#include <sstream>
-#include <string>
 
 namespace {
 
+using quarn::testing::readFile;
 namespace fs = std::filesystem;
 
 /// What each folder may include besides itself.
@@ -42,9 +39,7 @@ std::vector<Source> sources() {
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         const auto extension = entry.path().extension();
         if (extension != ".h" && extension != ".cpp" && extension != ".c") continue;
-        std::ostringstream text;
-        text << std::ifstream(entry.path()).rdbuf();
-        result.push_back({fs::relative(entry.path(), root).string(), text.str()});
+        result.push_back({fs::relative(entry.path(), root).string(), readFile(entry.path())});
     }
     return result;
 }

@@ -6,8 +6,9 @@ namespace {
 
 using namespace quarn;
 using namespace quarn::testing;
+using MigrationTest = SettingsTest;
 
-TEST(Migration, OldKeysBecomeNewOnesOnce) {
+TEST_F(MigrationTest, OldKeysBecomeNewOnesOnce) {
     struct Case {
         std::string name;
         SettingsValues before, after;
@@ -57,12 +58,10 @@ TEST(Migration, OldKeysBecomeNewOnesOnce) {
     }
 }
 
-TEST(Migration, FormerFileIsTakenOverOnce) {
-    SettingsFolder folder;
-    const auto former = folder.folder.path() / "former.toml";
-    folder.folder.write("former.toml", "keepExited = 30\nfahrenheit = true\nrefresh = 5\n[table]\nx = 1\n");
+TEST_F(MigrationTest, FormerFileIsTakenOverOnce) {
+    const auto former = folder.path() / "former.toml";
+    folder.write("former.toml", "keepExited = 30\nfahrenheit = true\nrefresh = 5\n[table]\nx = 1\n");
     folder.write("fahrenheit = false\n");
-    WatchfulStore store(folder);
     {
         Prefs prefs(store, {former});
         EXPECT_EQ(prefs.keepExited.get(), 30);
@@ -75,10 +74,8 @@ TEST(Migration, FormerFileIsTakenOverOnce) {
     EXPECT_NE(folder.text("former.toml"), "") << "an older version may still be in use";
 }
 
-TEST(Migration, TouchesTheFileOnlyWhenThereIsSomethingToDo) {
-    SettingsFolder folder;
-    WatchfulStore store(folder);
-    Prefs fresh(store, {folder.folder.path() / "former.toml"});
+TEST_F(MigrationTest, TouchesTheFileOnlyWhenThereIsSomethingToDo) {
+    Prefs fresh(store, {folder.path() / "former.toml"});
     EXPECT_TRUE(folder.names().empty());
 
     folder.write("keepExited=1");
@@ -90,7 +87,7 @@ TEST(Migration, TouchesTheFileOnlyWhenThereIsSomethingToDo) {
     EXPECT_EQ(folder.text(), "# mine\nkeepExited=1 # short\nappTheme = \"dark\"\n");
 }
 
-TEST(Migration, SystemLanguage) {
+TEST_F(MigrationTest, SystemLanguage) {
     const std::pair<std::string_view, std::string_view> cases[]{
         {"de_DE.UTF-8", "de"}, {"fil_PH", "fil"}, {"pt", "pt"}, {"sr@latin", "sr"}, {"C", "en"},
         {"C.UTF-8", "en"},     {"POSIX", "en"},   {"", "en"},   {"12_34", "en"},    {"_DE", "en"}};

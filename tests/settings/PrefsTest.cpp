@@ -11,64 +11,20 @@ using namespace quarn;
 using namespace quarn::testing;
 using Texts = std::vector<std::string>;
 
-/// What users rely on: a change of this table changes what they see.
-constexpr std::string_view defaults = R"(
-fahrenheit = false
-networkInBits = false
-appCPUWholeMac = false
-menuBarItem = 0
-keepExited = 8
-alwaysAdmin = false
-languageCode = "en"
-alertsEnabled = true
-alertNotifications = true
-alertSound = false
-alertTempC = 95
-alertCPUPercent = 85
-alertSwapGB = 8
-alertFreeSpacePercent = 10
-alertBatteryPercent = 15
-alertProcessCPU = 0
-historyRange = "oneMinute"
-topAppsRange = "day"
-crossfadeValues = false
-flashChanges = true
-showExited = true
-startPage = 0
-sidebarLayout = ""
-menuBarDetailed = []
-menuBarSpanSeconds = 60.0
-menuBarStyle = 2
-widgets = []
-widgetOpacity = 0.92
-widgetsOnTop = true
-hotkeyEnabled = true
-hotkeyCombo = 0
-keepRunning = true
-showInDock = true
-openWindowAtLaunch = true
-backgroundInterval = 1.0
-saveMetricsHistory = true
-autoUpdateCheck = true
-lastUpdateCheck = 0.0
-skippedUpdate = ""
-rememberPage = true
-samplingProfile = "normal"
-)";
+struct PrefsTest : SettingsTest {
+    Prefs prefs{store};
+};
 
-TEST(Prefs, AFreshInstallationAnswersTheDefaultsInOrder) {
-    SettingsFolder folder;
-    WatchfulStore store(folder);
-    const Prefs prefs(store);
+/// Users rely on the keys and defaults of the fixture: what changes there is lost or changed for them.
+TEST_F(PrefsTest, AFreshInstallationAnswersTheDefaultsInOrder) {
     SettingChanges all;
     for (const auto* setting : prefs.settings())
         all.push_back({std::string(setting->key()), setting->storedValue()});
-    EXPECT_EQ(editedSettings("\n", all), defaults);
+    EXPECT_EQ(editedSettings("", all), fixture("settings/defaults.toml"));
     EXPECT_TRUE(folder.names().empty());
 }
 
-TEST(Prefs, AWrongTypeReadsAsTheDefault) {
-    SettingsFolder folder;
+TEST_F(PrefsTest, AWrongTypeReadsAsTheDefault) {
     folder.write(R"(
 keepExited = "12"
 alertTempC = 80.0
@@ -82,22 +38,14 @@ sidebarLayout = "cpu,,memory"
 widgets = ["cpu", 1]
 menuBarDetailed = "cpu"
 )");
-    WatchfulStore store(folder);
-    const Prefs prefs(store);
-    EXPECT_EQ(prefs.keepExited.get(), 8);
-    EXPECT_EQ(prefs.alertTempC.get(), 95);
-    EXPECT_FALSE(prefs.fahrenheit.get());
-    EXPECT_EQ(prefs.backgroundInterval.get(), 3.0) << "a whole number is a number";
-    EXPECT_EQ(prefs.widgetOpacity.get(), 0.92);
-    EXPECT_EQ(prefs.languageCode.get(), "en");
-    EXPECT_EQ(prefs.historyRange.get(), HistoryRange::oneMinute);
-    EXPECT_EQ(prefs.topAppsRange.get(), TopAppsRange::day);
-    EXPECT_EQ(prefs.sidebarLayout.get(), SidebarLayout());
-    EXPECT_EQ(prefs.widgets.get(), Texts{});
-    EXPECT_EQ(prefs.menuBarDetailed.get(), Texts{});
+    for (const auto* setting : prefs.settings())
+        if (setting->key() == prefs.backgroundInterval.key())
+            EXPECT_EQ(setting->storedValue(), SettingValue(3.0)) << "a whole number is a number";
+        else
+            EXPECT_EQ(setting->storedValue(), setting->storedDefault()) << setting->key();
 }
 
-TEST(Prefs, MenuBarModulesAreBuiltFromTheMenuBarSettings) {
+TEST_F(PrefsTest, MenuBarModulesAreBuiltFromTheMenuBarSettings) {
     struct Case {
         int64_t item;
         Texts detailed, modules;
@@ -108,9 +56,6 @@ TEST(Prefs, MenuBarModulesAreBuiltFromTheMenuBarSettings) {
                        {7, {"power", "power"}, {"power"}},
                        {8, {"unknown", "gpu"}, {"gpu"}},
                        {std::numeric_limits<int64_t>::min(), {}, {}}};
-    SettingsFolder folder;
-    WatchfulStore store(folder);
-    Prefs prefs(store);
     for (const auto& c : cases) {
         prefs.menuBarItem.set(c.item);
         prefs.menuBarDetailed.set(c.detailed);
@@ -118,10 +63,7 @@ TEST(Prefs, MenuBarModulesAreBuiltFromTheMenuBarSettings) {
     }
 }
 
-TEST(Prefs, TheHotkeyIsTheChosenOneOrNone) {
-    SettingsFolder folder;
-    WatchfulStore store(folder);
-    Prefs prefs(store);
+TEST_F(PrefsTest, TheHotkeyIsTheChosenOneOrNone) {
     EXPECT_EQ(prefs.hotkey(), hotkeyChoices()[0].shortcut);
     prefs.hotkeyCombo.set(3);
     EXPECT_EQ(prefs.hotkey(), hotkeyChoices()[3].shortcut);

@@ -3,6 +3,8 @@
 #include "settings/Support.h"
 #include "ui/settings/Prefs.h"
 
+#include <sstream>
+
 namespace {
 
 using namespace quarn;
@@ -13,10 +15,7 @@ struct Answer {
     std::string out, err;
 };
 
-/// A settings file and what the command answers on it.
-struct SettingsCommand : ::testing::Test {
-    SettingsFolder folder;
-    WatchfulStore store{folder};
+struct SettingsCommand : SettingsTest {
     Prefs prefs{store};
 
     Answer run(const std::vector<std::string>& arguments) {
@@ -67,8 +66,8 @@ TEST_F(SettingsCommand, RefusesOtherValuesNamingWhatIsTaken) {
     for (const auto& c : cases) {
         const auto answer = run({"set", c[0], c[1]});
         EXPECT_EQ(answer.status, 2) << c[0];
-        EXPECT_NE(answer.err.find("quarn settings: " + c[0] + " takes "), std::string::npos) << answer.err;
-        EXPECT_NE(answer.err.find(c[2]), std::string::npos) << answer.err;
+        EXPECT_TRUE(contains(answer.err, "quarn settings: " + c[0] + " takes "));
+        EXPECT_TRUE(contains(answer.err, c[2]));
     }
     EXPECT_TRUE(folder.names().empty());
 }
@@ -88,16 +87,14 @@ TEST_F(SettingsCommand, WrongUsageIsOneLine) {
 TEST_F(SettingsCommand, ListMarksWhatDiffersFromItsDefault) {
     folder.write("keepExited = 30\nalertTempC = 95\nskippedUpdate = \"2\\u001B[31m\"\n");
     const auto out = run({"list"}).out;
-    EXPECT_NE(out.find("\n* keepExited             30  (default 8)\n"), std::string::npos) << out;
-    EXPECT_NE(out.find("\n  alertTempC             95\n"), std::string::npos) << out;
-    EXPECT_NE(out.find("\n* skippedUpdate          2[31m  (default \"\")\n"), std::string::npos) << out;
+    EXPECT_TRUE(contains(out, "\n* keepExited             30  (default 8)\n"));
+    EXPECT_TRUE(contains(out, "\n  alertTempC             95\n"));
+    EXPECT_TRUE(contains(out, "\n* skippedUpdate          2[31m  (default \"\")\n"));
 
     const auto json = run({"list", "--json"}).out;
-    EXPECT_NE(json.find(R"("value": 30,
+    EXPECT_TRUE(contains(json, R"("value": 30,
     "default": 8,
-    "isDefault": false,)"),
-              std::string::npos)
-        << json;
+    "isDefault": false,)"));
 }
 
 TEST_F(SettingsCommand, ResetBringsDefaultsBackAndKeepsTheRest) {
@@ -111,10 +108,10 @@ TEST_F(SettingsCommand, ResetBringsDefaultsBackAndKeepsTheRest) {
 }
 
 TEST_F(SettingsCommand, AFailedWriteIsReported) {
-    folder.folder.folder("settings.toml");
+    folder.folder("settings.toml");
     const auto answer = run({"set", "keepExited", "30"});
     EXPECT_EQ(answer.status, 1);
-    EXPECT_NE(answer.err.find("cannot be read"), std::string::npos) << answer.err;
+    EXPECT_TRUE(contains(answer.err, "cannot be read"));
 }
 
 } // namespace

@@ -1,8 +1,6 @@
 #include "settings/Support.h"
 
 #include <csignal>
-#include <fcntl.h>
-#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -12,6 +10,7 @@ using namespace quarn;
 using namespace quarn::testing;
 namespace fs = std::filesystem;
 using Names = std::vector<std::string>;
+using FailureTest = SettingsTest;
 
 /// The message that a write fails with for an ordinary user; root may write everywhere, so it becomes nobody
 /// first.
@@ -36,11 +35,9 @@ std::string failureAsUser(
     return message;
 }
 
-TEST(SettingsFailure, ABrokenFileIsLeftUntilAWriteKeepsItAside) {
-    SettingsFolder folder;
-    folder.folder.write("settings.toml.broken-1", "from before");
+TEST_F(FailureTest, ABrokenFileIsLeftUntilAWriteKeepsItAside) {
+    folder.write("settings.toml.broken-1", "from before");
     folder.write("# mine\na = 1\n");
-    WatchfulStore store(folder);
     EXPECT_EQ(store.value("a"), SettingValue(int64_t{1}));
 
     folder.write("a = 2\nb = [\n");
@@ -48,8 +45,8 @@ TEST(SettingsFailure, ABrokenFileIsLeftUntilAWriteKeepsItAside) {
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(store.value("a"), SettingValue(int64_t{1})) << "the last known value";
     const std::string log = ::testing::internal::GetCapturedStderr();
-    EXPECT_EQ(log.find("cannot be understood (line "), log.rfind("cannot be understood (line ")) << log;
-    EXPECT_NE(log.find("cannot be understood (line "), std::string::npos) << log;
+    EXPECT_TRUE(contains(log, "cannot be understood (line "));
+    EXPECT_EQ(log.find("cannot be understood"), log.rfind("cannot be understood")) << log;
     EXPECT_EQ(folder.text(), "a = 2\nb = [\n");
 
     store.set("c", true);
@@ -58,83 +55,73 @@ TEST(SettingsFailure, ABrokenFileIsLeftUntilAWriteKeepsItAside) {
     EXPECT_EQ(folder.text(), "# mine\na = 1\nc = true\n");
 }
 
-TEST(SettingsFailure, ABrokenFileThatIsMendedIsReadAgain) {
-    SettingsFolder folder;
+TEST_F(FailureTest, ABrokenFileThatIsMendedIsReadAgain) {
     folder.write("a = \n");
-    WatchfulStore store(folder);
     EXPECT_TRUE(store.values()->empty());
     folder.write("a = 1\n");
     EXPECT_EQ(store.value("a"), SettingValue(int64_t{1}));
     EXPECT_EQ(folder.names(), Names{"settings.toml"});
 }
 
-TEST(SettingsFailure, WhatIsNoReadableFileIsLeftAlone) {
-    const auto make = [](SettingsFolder& folder, int kind) {
-        if (kind == 0) folder.folder.folder("settings.toml");
-        if (kind == 1) ::mkfifo(folder.file().c_str(), 0600);
-        if (kind == 2) folder.folder.link("settings.toml", "settings.toml");
-        if (kind == 3) {
-            folder.write("a = 1\n");
-            fs::resize_file(folder.file(), 5 << 20);
-        }
-    };
-    for (int kind = 0; kind < 4; ++kind) {
-        SettingsFolder folder;
-        make(folder, kind);
-        const auto before = fs::symlink_status(folder.file());
-        WatchfulStore store(folder);
-        EXPECT_TRUE(store.values()->empty()) << kind;
-        EXPECT_NE(failureOf([&] { store.set("a", true); }).find("cannot be read"), std::string::npos) << kind;
-        EXPECT_EQ(fs::symlink_status(folder.file()).type(), before.type()) << kind;
-        EXPECT_EQ(folder.names(), Names{"settings.toml"}) << kind;
+TEST_F(FailureTest, WhatIsNoReadableFileIsLeftAlone) {
+    const std::function<void()> kinds[]{[&] { folder.folder("settings.toml"); },
+                                        [&] { ::mkfifo(folder.file().c_str(), 0600); },
+                                        [&] { folder.link("settings.toml", "settings.toml"); },
+                                        [&] {
+                                            folder.write("a = 1\n");
+                                            fs::resize_file(folder.file(), 5 << 20);
+                                        }};
+    for (const auto& make : kinds) {
+        folder.remove("settings.toml");
+        make();
+        const auto before = fs::symlink_status(folder.file()).type();
+        SCOPED_TRACE(static_cast<int>(before));
+        EXPECT_TRUE(store.values()->empty());
+        EXPECT_TRUE(contains(failureOf([&] { store.set("a", true); }), "cannot be read"));
+        EXPECT_EQ(fs::symlink_status(folder.file()).type(), before);
+        EXPECT_EQ(folder.names(), Names{"settings.toml"});
     }
 }
 
-TEST(SettingsFailure, AFileOfSomeoneElseIsLeftAlone) {
-    SettingsFolder folder;
-    folder.write("a = 1\n");
-    ::chmod(folder.folder.path().c_str(), 0777);
-    ::chmod(folder.file().c_str(), 0);
-    const std::string message = failureAsUser(folder.file());
-    EXPECT_NE(message.find("Permission denied"), std::string::npos) << message;
-    ::chmod(folder.file().c_str(), 0600);
-    EXPECT_EQ(folder.text(), "a = 1\n");
-    EXPECT_EQ(folder.names(), Names{"settings.toml"});
+TEST_F(FailureTest, WithoutPermissionNothingIsTouched) {
+    struct Case {
+        mode_t ofFolder, ofFile;
+        const char* says;
+    };
+    folder.write("# kept\n");
+    for (const auto& c : {Case{0555, 0644, "cannot write"}, Case{0777, 0, "cannot be read"}}) {
+        ::chmod(folder.path().c_str(), c.ofFolder);
+        ::chmod(folder.file().c_str(), c.ofFile);
+        const std::string message = failureAsUser(folder.file());
+        EXPECT_TRUE(contains(message, c.says));
+        EXPECT_TRUE(contains(message, "Permission denied"));
+        ::chmod(folder.path().c_str(), 0700);
+        ::chmod(folder.file().c_str(), 0600);
+        EXPECT_EQ(folder.text(), "# kept\n");
+        EXPECT_EQ(folder.names(), Names{"settings.toml"});
+    }
 }
 
-TEST(SettingsFailure, AFolderThatIsReadOnlyFailsTheWrite) {
-    SettingsFolder folder;
-    folder.write("");
-    ::chmod(folder.file().c_str(), 0644);
-    ::chmod(folder.folder.path().c_str(), 0555);
-    const std::string message = failureAsUser(folder.file());
-    EXPECT_NE(message.find("cannot write"), std::string::npos) << message;
-    EXPECT_NE(message.find("Permission denied"), std::string::npos) << message;
-    ::chmod(folder.folder.path().c_str(), 0700);
-    EXPECT_EQ(folder.names(), Names{"settings.toml"});
-}
-
-TEST(SettingsFailure, AWriteThatIsCutShortLeavesTheOldFileWhole) {
+TEST_F(FailureTest, AWriteThatIsCutShortLeavesTheOldFileWhole) {
+    ::chmod(folder.path().c_str(), 0777);
     for (const std::string before : {"# old\n", "broken =\n"}) {
-        SettingsFolder folder;
         folder.write(before);
         ::chmod(folder.file().c_str(), 0644);
-        ::chmod(folder.folder.path().c_str(), 0777);
         const std::string message = failureAsUser(folder.file(), [] {
             std::signal(SIGXFSZ, SIG_IGN);
             const rlimit limit{1000, 1000}; // stands for a full disk: the write stops half-way
             ::setrlimit(RLIMIT_FSIZE, &limit);
         });
-        EXPECT_NE(message.find("The stored settings are unchanged"), std::string::npos) << message;
+        EXPECT_TRUE(contains(message, "The stored settings are unchanged"));
         EXPECT_EQ(folder.text(), before);
         EXPECT_EQ(folder.names(), Names{"settings.toml"});
     }
 }
 
-TEST(SettingsFailure, AUserWithoutAHomeIsTold) {
-    SettingsStore store{fs::path()};
-    EXPECT_TRUE(store.values()->empty());
-    EXPECT_NE(failureOf([&] { store.set("a", true); }).find("no home"), std::string::npos);
+TEST_F(FailureTest, AUserWithoutAHomeIsTold) {
+    SettingsStore homeless{fs::path()};
+    EXPECT_TRUE(homeless.values()->empty());
+    EXPECT_TRUE(contains(failureOf([&] { homeless.set("a", true); }), "no home"));
 }
 
 } // namespace

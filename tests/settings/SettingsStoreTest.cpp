@@ -9,35 +9,32 @@ namespace {
 using namespace quarn;
 using namespace quarn::testing;
 namespace fs = std::filesystem;
+using StoreTest = SettingsTest;
 
-TEST(SettingsStore, AWriteIsOnDiskAtOnceAndReadingCreatesNothing) {
-    SettingsFolder folder;
-    const fs::path file = folder.folder.path() / "not" / "yet" / "settings.toml";
-    SettingsStore store(file);
-    EXPECT_TRUE(store.values()->empty());
-    store.remove("a");
-    EXPECT_FALSE(fs::exists(file.parent_path().parent_path()));
+TEST_F(StoreTest, AWriteIsOnDiskAtOnceAndReadingCreatesNothing) {
+    const fs::path file = folder.path() / "not" / "yet" / "settings.toml";
+    SettingsStore deep(file);
+    EXPECT_TRUE(deep.values()->empty());
+    deep.remove("a");
+    EXPECT_TRUE(folder.names().empty());
 
-    store.set("a", int64_t{3});
+    deep.set("a", int64_t{3});
     EXPECT_EQ(SettingsStore(file).value("a"), SettingValue(int64_t{3}));
     EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
-    store.remove("a");
+    deep.remove("a");
     EXPECT_EQ(SettingsStore(file).value("a"), std::nullopt);
 }
 
-TEST(SettingsStore, KeepsPermissionsCommentsAndForeignKeys) {
-    SettingsFolder folder;
+TEST_F(StoreTest, KeepsPermissionsCommentsAndForeignKeys) {
     folder.write("# mine\na = 1\n[later]\nversion = 9\n");
     ::chmod(folder.file().c_str(), 0640);
-    WatchfulStore(folder).set("a", int64_t{2});
+    store.set("a", int64_t{2});
     EXPECT_EQ(folder.text(), "# mine\na = 2\n[later]\nversion = 9\n");
     EXPECT_EQ(fs::status(folder.file()).permissions(), fs::perms(0640));
     EXPECT_EQ(folder.names(), std::vector<std::string>{"settings.toml"});
 }
 
-TEST(SettingsStore, NoticesWhatOthersChange) {
-    SettingsFolder folder;
-    WatchfulStore store(folder);
+TEST_F(StoreTest, NoticesWhatOthersChange) {
     const auto now = fs::file_time_type::clock::now();
     for (int64_t i = 0; i < 9; ++i) { // in place, of one size, and faster than the file system's clock
         folder.write("a = " + std::to_string(i) + "\n");
@@ -46,7 +43,7 @@ TEST(SettingsStore, NoticesWhatOthersChange) {
     }
     fs::last_write_time(folder.file(), now - std::chrono::hours(1));
     EXPECT_EQ(store.value("a"), SettingValue(int64_t{8}));
-    const fs::path away = folder.folder.path() / "away";
+    const fs::path away = folder.path() / "away";
     fs::rename(folder.file(), away);
     EXPECT_EQ(store.value("a"), std::nullopt);
     fs::rename(away, folder.file());
@@ -63,9 +60,7 @@ TEST(SettingsStore, NoticesWhatOthersChange) {
     EXPECT_EQ(patient.value("a"), SettingValue(true));
 }
 
-TEST(SettingsStore, TellsObserversOfEachChange) {
-    SettingsFolder folder;
-    WatchfulStore store(folder);
+TEST_F(StoreTest, TellsObserversOfEachChange) {
     ManualQueue queue;
     int calls = 0;
     auto subscription = store.observe(queue, [&] { ++calls; });
@@ -89,15 +84,14 @@ TEST(SettingsStore, TellsObserversOfEachChange) {
     EXPECT_EQ(calls, 2) << "called after the subscription ended";
 }
 
-TEST(SettingsStore, ProgramsWritingAtOnceLoseNothing) {
-    SettingsFolder folder;
+TEST_F(StoreTest, ProgramsWritingAtOnceLoseNothing) {
     constexpr int programs = 6, keys = 15;
     std::vector<pid_t> pids;
     for (int program = 0; program < programs; ++program)
         pids.push_back(startProcess([&] {
-            SettingsStore store(folder.file());
+            SettingsStore own(folder.file());
             for (int64_t key = 0; key < keys; ++key)
-                store.set("p" + std::to_string(program) + "k" + std::to_string(key), key);
+                own.set("p" + std::to_string(program) + "k" + std::to_string(key), key);
             return 0;
         }));
     for (const pid_t pid : pids) EXPECT_EQ(exitStatus(pid), 0);
@@ -107,12 +101,10 @@ TEST(SettingsStore, ProgramsWritingAtOnceLoseNothing) {
         EXPECT_EQ(value, SettingValue(int64_t{std::stoi(key.substr(key.find('k') + 1))}));
 }
 
-TEST(SettingsStore, ThreadsShareOneStore) {
-    SettingsFolder folder;
-    WatchfulStore store(folder);
+TEST_F(StoreTest, ThreadsShareOneStore) {
     std::vector<std::jthread> threads;
     for (int thread = 0; thread < 4; ++thread)
-        threads.emplace_back([&store, key = "t" + std::to_string(thread)] {
+        threads.emplace_back([&, key = "t" + std::to_string(thread)] {
             for (int64_t i = 0; i < 10; ++i) {
                 store.set(key, i);
                 EXPECT_EQ(store.value(key), SettingValue(i)) << "an older content came back";
@@ -122,17 +114,15 @@ TEST(SettingsStore, ThreadsShareOneStore) {
     EXPECT_EQ(store.values()->size(), 4u);
 }
 
-TEST(SettingsStore, WritesThroughASymbolicLink) {
-    for (const auto state : {"existing", "dangling"}) {
-        SettingsFolder folder;
-        folder.folder.folder("dotfiles").link("chain", "dotfiles/quarn.toml").link("settings.toml", "chain");
-        if (state == std::string("existing")) folder.folder.write("dotfiles/quarn.toml", "# kept\n");
-        WatchfulStore store(folder);
+TEST_F(StoreTest, WritesThroughASymbolicLink) {
+    folder.folder("dotfiles").link("chain", "dotfiles/quarn.toml").link("settings.toml", "chain");
+    for (const std::string before : {"", "# kept\n"}) { // at first the link leads nowhere
+        if (!before.empty()) folder.write("dotfiles/quarn.toml", before);
         store.set("a", true);
-        EXPECT_TRUE(fs::is_symlink(folder.file())) << state;
-        EXPECT_NE(folder.text("dotfiles/quarn.toml").find("a = true\n"), std::string::npos) << state;
-        folder.folder.write("dotfiles/quarn.toml", "a = 7\n");
-        EXPECT_EQ(store.value("a"), SettingValue(int64_t{7})) << state;
+        EXPECT_TRUE(fs::is_symlink(folder.file()));
+        EXPECT_EQ(folder.text("dotfiles/quarn.toml"), before + "a = true\n");
+        folder.write("dotfiles/quarn.toml", "a = 7\n");
+        EXPECT_EQ(store.value("a"), SettingValue(int64_t{7}));
     }
 }
 

@@ -1,32 +1,25 @@
 #pragma once
 
+#include "support/Contains.h"
 #include "support/TempRoot.h"
 #include "ui/settings/SettingsStore.h"
 
-#include <fstream>
-#include <functional>
-#include <sstream>
+#include <algorithm>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace quarn::testing {
 
 /// A folder for one settings file, and that file's content.
-struct SettingsFolder {
-    TempRoot folder;
-
-    std::filesystem::path file() const { return folder.path() / "settings.toml"; }
-    void write(std::string_view text) { folder.write("settings.toml", text); }
-    std::string text(const std::string& name = "settings.toml") const {
-        std::ifstream stream(folder.path() / name, std::ios::binary);
-        std::ostringstream content;
-        content << stream.rdbuf();
-        return content.str();
-    }
+struct SettingsFolder : TempRoot {
+    using TempRoot::write;
+    std::filesystem::path file() const { return path() / "settings.toml"; }
+    void write(std::string_view text) { write("settings.toml", text); }
+    std::string text(const std::string& name = "settings.toml") const { return readFile(path() / name); }
     /// The names in the folder, without the lock's, which stays.
     std::vector<std::string> names() const {
         std::vector<std::string> result;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+        for (const auto& entry : std::filesystem::directory_iterator(path()))
             if (entry.path().extension() != ".lock") result.push_back(entry.path().filename());
         std::sort(result.begin(), result.end());
         return result;
@@ -37,6 +30,12 @@ struct SettingsFolder {
 struct WatchfulStore : SettingsStore {
     explicit WatchfulStore(const SettingsFolder& folder)
         : SettingsStore(folder.file(), std::chrono::nanoseconds(0)) {}
+};
+
+/// A test on a settings file that is not there yet.
+struct SettingsTest : ::testing::Test {
+    SettingsFolder folder;
+    WatchfulStore store{folder};
 };
 
 /// Starts `body` as a process of its own, which ends with its result as exit status.

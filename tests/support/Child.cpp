@@ -1,54 +1,50 @@
 #include "support/Child.h"
 
-#include <fstream>
-#include <gtest/gtest.h>
+#include "support/TempRoot.h"
+
 #include <sched.h>
 #include <stdexcept>
-#include <string>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <time.h>
 
 namespace quarn::testing {
 
 Child::Child(std::function<void(char)> obey) {
-    int commands[2], answers[2];
-    if (::pipe(commands) != 0 || ::pipe(answers) != 0) throw std::runtime_error("no pipe");
+    int ends[2];
+    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0) throw std::runtime_error("no channel");
     pid_ = ::fork();
     if (pid_ < 0) throw std::runtime_error("no child");
     if (pid_ == 0) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        ::close(commands[1]);
+        ::close(ends[0]);
         char letter = 0;
-        while (::read(commands[0], &letter, 1) == 1) {
+        while (::read(ends[1], &letter, 1) == 1) {
             obey(letter);
-            if (::write(answers[1], &letter, 1) != 1) break;
+            if (::write(ends[1], &letter, 1) != 1) break;
         }
         ::_exit(0);
     }
-    ::close(commands[0]);
-    ::close(answers[1]);
-    commands_ = commands[1];
-    answers_ = answers[0];
+    ::close(ends[1]);
+    channel_ = ends[0];
 }
 
 Child::~Child() {
     kill();
     reap();
-    ::close(commands_);
-    ::close(answers_);
+    ::close(channel_);
 }
 
 void Child::tell(char letter) {
-    ASSERT_EQ(::write(commands_, &letter, 1), 1);
+    ASSERT_EQ(::write(channel_, &letter, 1), 1);
     char answer = 0;
-    ASSERT_EQ(::read(answers_, &answer, 1), 1);
+    ASSERT_EQ(::read(channel_, &answer, 1), 1);
 }
 
 void Child::settle() const {
     const std::string path = "/proc/" + std::to_string(pid_) + "/stat";
     for (;;) {
-        std::ifstream file(path);
-        const std::string text((std::istreambuf_iterator<char>(file)), {});
+        const std::string text = readFile(path);
         const size_t close = text.rfind(')');
         if (close == std::string::npos || text[close + 2] != 'R') return;
         ::sched_yield();

@@ -8,11 +8,11 @@
 
 namespace quarn::testing {
 
-/// A real child process that obeys commands over a pipe, one letter each, and confirms each one. So a test
+/// A real child process that obeys commands over a channel, one letter each, and confirms each one. So a test
 /// knows what the child has done without waiting any length of time.
 class Child {
 public:
-    /// `obey` runs in the child for each letter; the child ends when the pipe closes or it is killed.
+    /// `obey` runs in the child for each letter; the child ends when the channel closes or it is killed.
     explicit Child(std::function<void(char)> obey = [](char) {});
     ~Child();
     Child(const Child&) = delete;
@@ -28,8 +28,7 @@ public:
 
 private:
     pid_t pid_ = -1;
-    int commands_ = -1;
-    int answers_ = -1;
+    int channel_ = -1;
 };
 
 /// Uses at least `ns` nanoseconds of CPU time on the calling thread.

@@ -2,7 +2,6 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <sstream>
 #include <stdexcept>
 #include <stdlib.h>
@@ -76,12 +75,16 @@ std::optional<fs::path> outsideCapture(std::string_view relative) {
     return fs::exists(path) ? std::optional(path) : std::nullopt;
 }
 
-std::string fixture(std::string_view relative) {
-    std::ifstream file(fs::path(QUARN_FIXTURES) / relative, std::ios::binary);
-    EXPECT_TRUE(file.good()) << "missing fixture " << relative;
+std::string readFile(const fs::path& path) {
     std::ostringstream content;
-    content << file.rdbuf();
+    content << std::ifstream(path, std::ios::binary).rdbuf();
     return content.str();
+}
+
+std::string fixture(std::string_view relative) {
+    const fs::path path = fs::path(QUARN_FIXTURES) / relative;
+    EXPECT_TRUE(fs::exists(path)) << "missing fixture " << relative;
+    return readFile(path);
 }
 
 } // namespace quarn::testing

@@ -39,6 +39,7 @@ private:
 /// nullopt when it is not there: a test of such captures skips itself.
 std::optional<std::filesystem::path> outsideCapture(std::string_view relative);
 
+std::string readFile(const std::filesystem::path& path); ///< empty when it cannot be read
 /// The content of a file of tests/fixtures; fails the test when it is missing.
 std::string fixture(std::string_view relative);
 
