@@ -8,19 +8,6 @@ namespace {
 
 using namespace quarn;
 
-TEST(ByteWriter, LaysOutIntegersLittleEndianAndTextsWithTheirLength) {
-    ByteWriter writer;
-    writer.integer<uint8_t>(0xFE);
-    writer.integer<int16_t>(-2);
-    writer.integer<uint32_t>(0x01020304);
-    writer.integer<int64_t>(-3);
-    writer.string("aß");
-    const Data raw{1, 2};
-    writer.bytes(raw);
-    EXPECT_EQ(writer.data(), (Data{0xFE, 0xFE, 0xFF, 4, 3, 2, 1, 0xFD, 0xFF, 0xFF, 0xFF, 0xFF,
-                                   0xFF, 0xFF, 0xFF, 3, 0, 0, 0, 'a',  0xC3, 0x9F, 1,    2}));
-}
-
 TEST(ByteWriterDeathTest, TextBeyondItsLengthFieldEndsTheProgram) {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     constexpr size_t length = size_t{1} << 32;

@@ -27,8 +27,12 @@ struct Pipe {
     scutil::UniqueFd out, in;
 };
 
-TEST(RunLoop, RunsWorkOfOtherThreadsOnItsOwnUntilStopped) {
+struct RunLoopTest : ::testing::Test {
     RunLoop loop;
+    Pipe pipe;
+};
+
+TEST_F(RunLoopTest, RunsWorkOfOtherThreadsOnItsOwnUntilStopped) {
     int count = 0;
     const auto own = std::this_thread::get_id();
     {
@@ -46,8 +50,7 @@ TEST(RunLoop, RunsWorkOfOtherThreadsOnItsOwnUntilStopped) {
     EXPECT_EQ(count, 2000);
 }
 
-TEST(RunLoop, StopEndsTheRunAndKeepsTheRest) {
-    RunLoop loop;
+TEST_F(RunLoopTest, StopEndsTheRunAndKeepsTheRest) {
     std::string order;
     loop.async([&] {
         order += 'a';
@@ -73,8 +76,7 @@ TEST(RunLoop, StopEndsTheRunAndKeepsTheRest) {
     loop.run();
 }
 
-TEST(RunLoop, ForgetsNoWorkPostedByWorkAndSurvivesExceptions) {
-    RunLoop loop;
+TEST_F(RunLoopTest, ForgetsNoWorkPostedByWorkAndSurvivesExceptions) {
     ::testing::internal::CaptureStderr();
     loop.async([&] { loop.async([&] { loop.stop(); }); });
     loop.async([] { throw std::runtime_error("broken"); });
@@ -82,9 +84,7 @@ TEST(RunLoop, ForgetsNoWorkPostedByWorkAndSurvivesExceptions) {
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Quarn: main loop: broken\n");
 }
 
-TEST(RunLoop, ServesDescriptorsBesideWorkThatNeverEnds) {
-    RunLoop loop;
-    const Pipe pipe;
+TEST_F(RunLoopTest, ServesDescriptorsBesideWorkThatNeverEnds) {
     std::string got;
     const auto watch = loop.watch(pipe.out.get(), [&] {
         got += pipe.read();
@@ -97,9 +97,7 @@ TEST(RunLoop, ServesDescriptorsBesideWorkThatNeverEnds) {
     EXPECT_EQ(got, "key");
 }
 
-TEST(RunLoop, ReportsWhatIsLeftAndTheEndOfTheFile) {
-    RunLoop loop;
-    Pipe pipe;
+TEST_F(RunLoopTest, ReportsWhatIsLeftAndTheEndOfTheFile) {
     int calls = 0;
     std::unique_ptr<RunLoop::Watch> watch;
     watch = loop.watch(pipe.out.get(), [&] {
@@ -117,9 +115,8 @@ TEST(RunLoop, ReportsWhatIsLeftAndTheEndOfTheFile) {
     EXPECT_EQ(calls, 4);
 }
 
-TEST(RunLoop, DroppedWatchIsNotServedEvenInTheSameRound) {
-    RunLoop loop;
-    const Pipe one, two;
+TEST_F(RunLoopTest, DroppedWatchIsNotServedEvenInTheSameRound) {
+    const Pipe two;
     int calls = 0;
     std::unique_ptr<RunLoop::Watch> first, second;
     const auto dropBoth = [&] {
@@ -127,18 +124,16 @@ TEST(RunLoop, DroppedWatchIsNotServedEvenInTheSameRound) {
         first.reset();
         second.reset();
     };
-    first = loop.watch(one.out.get(), dropBoth);
+    first = loop.watch(pipe.out.get(), dropBoth);
     second = loop.watch(two.out.get(), dropBoth);
-    one.write("x");
+    pipe.write("x");
     two.write("x");
     loop.runPending();
     loop.runPending();
     EXPECT_EQ(calls, 1);
 }
 
-TEST(RunLoop, DescriptorClosedUnderItsWatchIsForgotten) {
-    RunLoop loop;
-    Pipe pipe;
+TEST_F(RunLoopTest, DescriptorClosedUnderItsWatchIsForgotten) {
     const auto watch = loop.watch(pipe.out.get(), [] { FAIL(); });
     ::testing::internal::CaptureStderr(); // opens a file, so before the descriptor becomes free
     pipe.out.reset();

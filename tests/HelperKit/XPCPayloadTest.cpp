@@ -7,7 +7,11 @@ namespace {
 
 using namespace quarn;
 
-std::string text(const Data& data) { return {data.begin(), data.end()}; }
+template <class Record>
+std::string encoded(const Record& record) {
+    const Data data = XPCPayload::encode(record);
+    return {data.begin(), data.end()};
+}
 
 template <class Record>
 std::optional<Record> decoded(std::string_view json) {
@@ -16,7 +20,7 @@ std::optional<Record> decoded(std::string_view json) {
 
 template <class Record>
 void expectRoundTrip(const Record& record, const std::string& json) {
-    EXPECT_EQ(text(XPCPayload::encode(record)), json);
+    EXPECT_EQ(encoded(record), json);
     EXPECT_EQ(decoded<Record>(json), record);
 }
 
@@ -45,13 +49,12 @@ TEST(XPCPayload, DocumentsCarryTheFieldsUnderTheirNames) {
 }
 
 TEST(XPCPayload, AbsentFieldsAreLeftOutAndMayBeNull) {
-    for (const auto& json :
-         {text(XPCPayload::encode(SocketRecord{})), text(XPCPayload::encode(HelperProcess{})),
-          text(XPCPayload::encode(HelperPower{})), text(XPCPayload::encode(CommandResult{}))})
+    for (const auto& json : {encoded(SocketRecord{}), encoded(HelperProcess{}), encoded(HelperPower{}),
+                             encoded(CommandResult{})})
         for (const char* key :
              {"remote\"", "startTimeMicros", "energyNj", "sampledAt", "launchError", "null"})
             EXPECT_EQ(json.find(key), std::string::npos) << json;
-    EXPECT_EQ(decoded<SocketRecord>(text(XPCPayload::encode(SocketRecord{}))), SocketRecord{});
+    EXPECT_EQ(decoded<SocketRecord>(encoded(SocketRecord{})), SocketRecord{});
     EXPECT_EQ(
         decoded<CommandResult>(R"({"exitCode":0,"launchError":null,"outputTruncated":false,"stderr":"",)"
                                R"("stdout":"","timedOut":false,"of the future":[{}]})"),
@@ -59,50 +62,43 @@ TEST(XPCPayload, AbsentFieldsAreLeftOutAndMayBeNull) {
 }
 
 TEST(XPCPayload, WhatIsNotTheRecordIsNothing) {
-    for (const char* json : {
-             "", "null", "[]", "{}", "{\"major\":", "nonsense", "[[[[[[",
-             R"({"major":1,"minor":2,"patch":3,"build":4})",                  // a field is missing
-             R"({"major":1,"minor":2,"patch":3,"build":4,"buildDate":null})", // required, yet null
-             R"({"major":1,"minor":2,"patch":3,"build":4,"buildDate":5})",    // wrong types
-             R"({"major":"1","minor":2,"patch":3,"build":4,"buildDate":""})",
-             R"({"major":true,"minor":2,"patch":3,"build":4,"buildDate":""})",
-             R"({"major":1.5,"minor":2,"patch":3,"build":4,"buildDate":""})",
-             R"({"major":9223372036854775808,"minor":2,"patch":3,"build":4,"buildDate":""})", // out of range
-             R"({"major":1e999,"minor":2,"patch":3,"build":4,"buildDate":""})",
-             R"({"major":1,"minor":2,"patch":3,"build":4,"buildDate":""} x)",            // something follows
-             "{\"major\":1,\"minor\":2,\"patch\":3,\"build\":4,\"buildDate\":\"\xFF\"}", // not UTF-8
-         })
-        EXPECT_EQ(decoded<VersionInfo>(json), std::nullopt) << json;
-    EXPECT_TRUE(decoded<VersionInfo>(R"({"major":1,"minor":2,"patch":3,"build":4,"buildDate":""})"));
-    EXPECT_EQ(decoded<HelperProcessList>(R"({"processes":[{}],"totalThreads":1})"), std::nullopt);
-    EXPECT_EQ(decoded<std::vector<SocketRecord>>("[1]"), std::nullopt);
+    const auto version = [](const std::string& major, const std::string& last) {
+        return decoded<VersionInfo>("{\"major\":" + major + R"(,"minor":2,"patch":3,"build":4)" + last);
+    };
+    EXPECT_TRUE(version("1", R"(,"buildDate":""})"));
+    for (const char* major : {"\"1\"", "true", "1.5", "9223372036854775808", "1e999"})
+        EXPECT_FALSE(version(major, R"(,"buildDate":""})")) << major;
+    for (const char* last : {"}", R"(,"buildDate":null})", R"(,"buildDate":5})", R"(,"buildDate":""} x)",
+                             ",\"buildDate\":\"\xFF\"}"})
+        EXPECT_FALSE(version("1", last)) << last;
+    for (const char* json : {"", "null", "[]", "{}", "{\"major\":", "nonsense", "[[[[[["})
+        EXPECT_FALSE(decoded<VersionInfo>(json)) << json;
+    EXPECT_FALSE(decoded<HelperProcessList>(R"({"processes":[{}],"totalThreads":1})"));
+    EXPECT_FALSE(decoded<std::vector<SocketRecord>>("[1]"));
     // exitCode has 32 bits, socketID no sign, launchError is a text or absent
-    const std::string socket = text(XPCPayload::encode(SocketRecord{}));
-    EXPECT_EQ(decoded<SocketRecord>(std::string(socket).replace(socket.find("socketID") + 10, 1, "-1")),
-              std::nullopt);
-    for (const char* fields : {R"("exitCode":2147483648)", R"("exitCode":0,"launchError":false)"})
-        EXPECT_EQ(
-            decoded<CommandResult>(std::string("{") + fields +
-                                   R"(,"outputTruncated":false,"stderr":"","stdout":"","timedOut":false})"),
-            std::nullopt);
+    std::string socket = encoded(SocketRecord{});
+    EXPECT_FALSE(decoded<SocketRecord>(socket.replace(socket.find("socketID") + 10, 1, "-1")));
+    for (const std::string fields : {R"("exitCode":2147483648)", R"("exitCode":0,"launchError":false)"})
+        EXPECT_FALSE(decoded<CommandResult>(
+            "{" + fields + R"(,"outputTruncated":false,"stderr":"","stdout":"","timedOut":false})"));
 }
 
 TEST(XPCPayload, EveryTruncationIsNothing) {
-    const Data data = XPCPayload::encode(power);
-    for (size_t length = 0; length < data.size(); ++length)
-        EXPECT_EQ(XPCPayload::decode<HelperPower>(DataView(data).first(length)), std::nullopt);
+    const std::string json = encoded(power);
+    for (size_t length = 0; length < json.size(); ++length)
+        EXPECT_FALSE(decoded<HelperPower>(json.substr(0, length)));
 }
 
 TEST(XPCPayload, WhatJSONCannotSay) {
     HelperPower p = power;
     p.sampledAt = NAN;
     p.source = "a\xFF";
-    const auto got = XPCPayload::decode<HelperPower>(XPCPayload::encode(p));
+    const auto got = decoded<HelperPower>(encoded(p));
     ASSERT_TRUE(got);
     EXPECT_EQ(got->sampledAt, std::nullopt);
     EXPECT_EQ(got->source, "a\uFFFD");
     p.sysWatts = std::numeric_limits<double>::infinity();
-    EXPECT_EQ(XPCPayload::decode<HelperPower>(XPCPayload::encode(p)), std::nullopt);
+    EXPECT_EQ(decoded<HelperPower>(encoded(p)), std::nullopt);
 }
 
 } // namespace

@@ -1,11 +1,9 @@
+#include "Fuzz.h"
 #include "core/linux/GpuClients.h"
-
-#include <cstddef>
-#include <cstdint>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace sysinfo::platform;
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const std::string_view text = textOf(data, size);
     // Two texts of one input, so that counters can rise, fall and vanish between samples.
     const size_t middle = size / 2;
     DrmLoads loads;
@@ -13,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const auto usage = parseDrmUsage(part);
         if (!usage) continue;
         for (const auto& load : loads.advance({*usage, *usage}, 1))
-            if (load.busy && !(*load.busy >= 0 && *load.busy <= 100)) __builtin_trap();
+            require(!load.busy || (*load.busy >= 0 && *load.busy <= 100));
     }
     return 0;
 }

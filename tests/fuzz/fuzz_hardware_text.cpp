@@ -1,3 +1,4 @@
+#include "Fuzz.h"
 #include "core/Battery.h"
 #include "core/CleanText.h"
 #include "core/linux/GpuDevices.h"
@@ -7,21 +8,10 @@
 #include "core/linux/HardwareTopology.h"
 #include "core/linux/PowerSupply.h"
 
-#include <cstddef>
-#include <cstdint>
-
-namespace {
-
-void require(bool holds) {
-    if (!holds) __builtin_trap();
-}
-
-} // namespace
-
 /// The texts that describe a machine: its battery, processor, firmware and GPUs.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace sysinfo;
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const std::string_view text = textOf(data, size);
 
     const std::vector<PowerSupply> supplies(2,
                                             platform::describePowerSupply("BAT0", [&](std::string_view key) {

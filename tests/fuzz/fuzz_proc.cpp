@@ -1,23 +1,14 @@
 // The kernel's text tables of CPUs, memory and processes. The first byte chooses the parser.
+#include "Fuzz.h"
 #include "core/linux/Cpu.h"
 #include "core/linux/Memory.h"
 #include "core/linux/ProcessFiles.h"
 
-#include <cstdlib>
-
 using namespace sysinfo::platform;
-
-namespace {
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
-
-} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size == 0) return 0;
-    const std::string_view text(reinterpret_cast<const char*>(data + 1), size - 1);
+    const std::string_view text = textOf(data + 1, size - 1);
     switch (data[0] % 6) {
     case 0: {
         CpuTicks ticks;

@@ -1,14 +1,9 @@
+#include "Fuzz.h"
 #include "HelperKit/ProcessWire.h"
-
-#include <cstdlib>
 
 using namespace quarn;
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 /// Whatever was decoded must survive another round, with and without the paths.
 void checkRoundTrips(const HelperProcessList& list) {

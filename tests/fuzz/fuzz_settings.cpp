@@ -1,7 +1,6 @@
+#include "Fuzz.h"
 #include "ui/settings/PrefTypes.h"
 #include "ui/settings/SettingsText.h"
-
-#include <cstdlib>
 
 namespace {
 
@@ -10,22 +9,22 @@ using namespace quarn;
 /// Whatever a sound file holds, a change arrives and nothing else is lost.
 void check(std::string_view text, const SettingsValues& values, const SettingChange& change) {
     const auto edited = editedSettings(text, {change});
-    if (!edited) std::abort();
+    require(edited.has_value());
     SettingsValues expected = values;
     if (change.value)
         expected[change.key] = *change.value;
     else
         expected.erase(change.key);
     const auto parsed = parseSettings(*edited);
-    if (parsed.error || parsed.values != expected) std::abort();
+    require(!parsed.error && parsed.values == expected);
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const std::string_view text = textOf(data, size);
     if (const auto layout = SidebarLayout::decoded(text))
-        if (SidebarLayout::decoded(layout->encoded()) != layout) std::abort();
+        require(SidebarLayout::decoded(layout->encoded()) == layout);
 
     const auto parsed = parseSettings(text);
     if (parsed.error || parsed.values != parsed.values) return 0; // a NaN equals nothing

@@ -1,6 +1,5 @@
+#include "Fuzz.h"
 #include "HelperKit/XPCPayload.h"
-
-#include <cstdlib>
 
 using namespace quarn;
 
@@ -10,7 +9,7 @@ namespace {
 template <class Record>
 void check(DataView data) {
     const auto record = XPCPayload::decode<Record>(data);
-    if (record && XPCPayload::decode<Record>(XPCPayload::encode(*record)) != record) std::abort();
+    require(!record || XPCPayload::decode<Record>(XPCPayload::encode(*record)) == record);
 }
 
 } // namespace

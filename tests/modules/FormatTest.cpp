@@ -1,7 +1,6 @@
 #include "ui/modules/Format.h"
 
 #include <cmath>
-#include <gtest/gtest.h>
 #include <limits>
 
 namespace quarn::format {
