@@ -2,6 +2,7 @@
 
 #include "HelperKit/SocketRecords.h"
 
+#include <map>
 #include <netinet/in.h>
 #include <unistd.h>
 
@@ -26,65 +27,42 @@ Connection row(const char* local, const char* localPort, const char* remote = "*
 }
 
 TEST(Connections, AreMadeFromRecords) {
-    SocketRecord tcp;
-    tcp.pid = 7;
-    tcp.name = "from-record";
-    tcp.proto = IPPROTO_TCP;
-    tcp.local = "10.0.0.1";
-    tcp.localPort = 22;
-    tcp.remote = "10.0.0.2";
-    tcp.remotePort = 50'000;
-    tcp.tcpState = 5;
-    tcp.socketID = UINT64_MAX;
-    SocketRecord udp;
-    udp.pid = 8;
-    udp.name = "from-record";
-    udp.proto = IPPROTO_UDP;
-    udp.localPort = 53;
-    udp.tcpState = -1;
+    const SocketRecord tcp{7,  "from-record", IPPROTO_TCP, 4, "10.0.0.1",
+                           22, "10.0.0.2",    50'000,      5, UINT64_MAX};
+    const SocketRecord udp{8, "from-record", IPPROTO_UDP, 4, "", 53, std::nullopt, 0, -1, 0};
     SocketRecord odd = tcp;
     odd.tcpState = 11; // no such state
     odd.remote = "";
     odd.remotePort = 0;
 
     const auto rows = Presentation::connections({tcp, udp, odd}, {{7, "from-map"}});
-    Connection expected{
-        "TCP", "10.0.0.1", "22", "10.0.0.2", "50000", "CLOSE_WAIT", 7, "from-map", "18446744073709551615"};
-    EXPECT_EQ(rows.at(0), expected);
-    expected = {"UDP", "", "53", "*", "", "", 8, "from-record", ""};
-    EXPECT_EQ(rows.at(1), expected);
+    EXPECT_EQ(rows.at(0), (Connection{"TCP", "10.0.0.1", "22", "10.0.0.2", "50000", "CLOSE_WAIT", 7,
+                                      "from-map", "18446744073709551615"}));
+    EXPECT_EQ(rows.at(1), (Connection{"UDP", "", "53", "*", "", "", 8, "from-record", ""}));
     EXPECT_EQ(rows.at(2).state, "");
     EXPECT_FALSE(rows.at(2).hasPeer());
 }
 
 TEST(Connections, KnowTheirStatesByTheBsdNumbers) {
-    const struct {
-        const char* name;
-        const char* text;
-        Tone tone;
-    } states[] = {
-        {"CLOSED", "closed (CLOSED)", Tone::neutral},
+    SocketRecord record;
+    record.proto = IPPROTO_TCP;
+    std::string states;
+    for (record.tcpState = 0; record.tcpState <= 10; ++record.tcpState)
+        states += Presentation::connections({record}, {}).at(0).state + ' ';
+    EXPECT_EQ(states,
+              "CLOSED LISTEN SYN_SENT SYN_RECEIVED ESTABLISHED CLOSE_WAIT FIN_WAIT_1 CLOSING LAST_ACK "
+              "FIN_WAIT_2 TIME_WAIT ");
+    const std::tuple<const char*, const char*, Tone> shown[]{
         {"LISTEN", "listening (LISTEN)", Tone::info},
-        {"SYN_SENT", "connecting (SYN_SENT)", Tone::neutral},
         {"SYN_RECEIVED", "accepting (SYN_RECEIVED)", Tone::neutral},
         {"ESTABLISHED", "connected (ESTABLISHED)", Tone::ok},
         {"CLOSE_WAIT", "closing (CLOSE_WAIT)", Tone::warn},
-        {"FIN_WAIT_1", "closing (FIN_WAIT_1)", Tone::warn},
-        {"CLOSING", "closing (CLOSING)", Tone::warn},
-        {"LAST_ACK", "closing (LAST_ACK)", Tone::warn},
-        {"FIN_WAIT_2", "closing (FIN_WAIT_2)", Tone::warn},
         {"TIME_WAIT", "just closed (TIME_WAIT)", Tone::warn},
-    };
-    SocketRecord record;
-    record.proto = IPPROTO_TCP;
-    for (const auto& each : states) {
-        EXPECT_EQ(Presentation::connections({record}, {}).at(0).state, each.name);
-        EXPECT_EQ(Presentation::stateText(each.name), each.text);
-        EXPECT_EQ(Presentation::tone(each.name), each.tone) << each.name;
-        ++record.tcpState;
+        {"", "", Tone::neutral}};
+    for (const auto& [state, text, tone] : shown) {
+        EXPECT_EQ(Presentation::stateText(state), text);
+        EXPECT_EQ(Presentation::tone(state), tone) << state;
     }
-    EXPECT_EQ(Presentation::stateText(""), "");
-    EXPECT_EQ(Presentation::tone(ConnectionDestination::mixed), Tone::neutral);
 }
 
 TEST(LocalPeers, ArePrivateAddresses) {
@@ -100,53 +78,33 @@ TEST(LocalPeers, ArePrivateAddresses) {
 }
 
 TEST(Matching, NeedsScopeProtocolAndQuery) {
-    const auto internet = row("192.168.1.2", "50000", "93.184.216.34", "443");
-    const auto lan = row("192.168.1.2", "50001", "192.168.1.9", "22");
-    const auto listening = row("", "8080", "*", "", "LISTEN");
-    auto datagrams = row("", "5353", "", "", "");
-    datagrams.proto = "UDP";
-    auto ownerless = listening;
-    ownerless.pid = -1;
-    using Scope = ConnectionScope;
-    const auto anyProto = ConnectionProtocol::all;
-    const struct {
-        const char* what;
-        const Connection& connection;
-        Scope scope;
-        ConnectionProtocol proto;
-        const char* query;
-        bool matches;
-    } cases[] = {
-        {"all", datagrams, Scope::all, anyProto, "", true},
-        {"another scope accepts all", listening, Scope{17}, anyProto, "", true},
-        {"TCP", internet, Scope::all, ConnectionProtocol::tcp, "", true},
-        {"not TCP", datagrams, Scope::all, ConnectionProtocol::tcp, "", false},
-        {"UDP", datagrams, Scope::all, ConnectionProtocol::udp, "", true},
-        {"not UDP", internet, Scope::all, ConnectionProtocol::udp, "", false},
-        {"internet peer", internet, Scope::internet, anyProto, "", true},
-        {"near peer", lan, Scope::internet, anyProto, "", false},
-        {"no peer", listening, Scope::internet, anyProto, "", false},
-        {"peer without address", datagrams, Scope::internet, anyProto, "", false},
-        {"listening", listening, Scope::listening, anyProto, "", true},
-        {"not listening", lan, Scope::listening, anyProto, "", false},
-        {"local network", lan, Scope::localNetwork, anyProto, "", true},
-        {"not local", internet, Scope::localNetwork, anyProto, "", false},
-        {"no peer is not local", listening, Scope::localNetwork, anyProto, "", false},
-        {"nor is an empty one", datagrams, Scope::localNetwork, anyProto, "", false},
-        {"name, whatever the case", internet, Scope::all, anyProto, "bROW", true},
-        {"remote address", internet, Scope::all, anyProto, "93.184", true},
-        {"local address", internet, Scope::all, anyProto, "168.1.2", true},
-        {"state", listening, Scope::all, anyProto, "listen", true},
-        {"local port", internet, Scope::all, anyProto, "50000", true},
-        {"remote port", internet, Scope::all, anyProto, "443", true},
-        {"pid", internet, Scope::all, anyProto, "42", true},
-        {"no pid", ownerless, Scope::all, anyProto, "-1", false},
-        {"nothing", internet, Scope::all, anyProto, "nowhere", false},
-        {"query without scope", lan, Scope::internet, anyProto, "browser", false},
+    std::map<char, Connection> rows{{'i', row("192.168.1.2", "50000", "93.184.216.34", "443")},
+                                    {'l', row("192.168.1.2", "50001", "192.168.1.9", "22")},
+                                    {'s', row("", "8080", "*", "", "LISTEN")},
+                                    {'u', row("", "5353", "", "", "")}};
+    rows['u'].proto = "UDP";
+    rows['s'].pid = -1; // not known
+    using enum ConnectionScope;
+    using Protocol = ConnectionProtocol;
+    const auto shown = [&](ConnectionScope scope, Protocol proto = Protocol::all, const char* query = "") {
+        std::string letters;
+        for (const auto& [letter, connection] : rows)
+            if (Presentation::matches(connection, scope, proto, query)) letters += letter;
+        return letters;
     };
-    for (const auto& each : cases)
-        EXPECT_EQ(Presentation::matches(each.connection, each.scope, each.proto, each.query), each.matches)
-            << each.what;
+    EXPECT_EQ(shown(all), "ilsu");
+    EXPECT_EQ(shown(ConnectionScope{17}), "ilsu");
+    EXPECT_EQ(shown(internet), "i");
+    EXPECT_EQ(shown(listening), "s");
+    EXPECT_EQ(shown(localNetwork), "l");
+    EXPECT_EQ(shown(all, Protocol::tcp), "ils");
+    EXPECT_EQ(shown(all, Protocol::udp), "u");
+    const std::pair<const char*, const char*> queries[]{{"bROW", "ilsu"}, {"93.184", "i"}, {"168.1.2", "il"},
+                                                        {"listen", "s"},  {"50000", "i"},  {"443", "i"},
+                                                        {"42", "ilu"},    {"-1", ""},      {"nowhere", ""}};
+    for (const auto& [query, letters] : queries)
+        EXPECT_EQ(shown(all, Protocol::all, query), letters) << query;
+    EXPECT_EQ(shown(internet, Protocol::all, "browser"), "i") << "the query does not widen the scope";
 }
 
 TEST(Keys, NameOneRowAndOneDestination) {
@@ -155,19 +113,14 @@ TEST(Keys, NameOneRowAndOneDestination) {
     b.localPort = "6";
     EXPECT_NE(a.identity(), b.identity());
     EXPECT_EQ(a.destinationKey(), b.destinationKey());
-    EXPECT_EQ(a.destinationKey(), "remote\x1f"
-                                  "93.184.216.34\x1f"
-                                  "443");
+    EXPECT_EQ(a.destinationKey(), "remote\03793.184.216.34\037443");
     a.socketID = b.socketID = "99";
-    EXPECT_EQ(a.identity(), "42\x1f"
-                            "99");
+    EXPECT_EQ(a.identity(), "42\03799");
     b.state = "CLOSE_WAIT";
     EXPECT_EQ(a.identity(), b.identity()) << "a row keeps its selection when its state changes";
     const auto listening = row("10.0.0.1", "5"), emptyPeer = row("10.0.0.1", "5", "");
     EXPECT_EQ(listening.destinationKey(), emptyPeer.destinationKey());
-    EXPECT_EQ(listening.destinationKey(), "local\x1f"
-                                          "10.0.0.1\x1f"
-                                          "5");
+    EXPECT_EQ(listening.destinationKey(), "local\03710.0.0.1\0375");
 }
 
 TEST(Sorting, OrdersNumbersAsNumbersAndKeepsEqualRows) {
@@ -179,17 +132,14 @@ TEST(Sorting, OrdersNumbersAsNumbersAndKeepsEqualRows) {
     b.pid = 9;
     b.proto = "UDP";
     using enum ConnectionKey;
-    const struct {
-        ConnectionKey key;
-        bool aFirst;
-    } cases[] = {{process, true},    {pid, false},   {proto, true},       {local, false},
-                 {localPort, false}, {remote, true}, {remotePort, false}, {state, false}};
-    for (const auto& each : cases) {
-        const auto up = Presentation::sorted({b, a}, each.key, true);
-        EXPECT_EQ(up.at(0) == a, each.aFirst) << static_cast<int>(each.key);
-        EXPECT_EQ(Presentation::sorted({b, a}, each.key, false).at(1) == a, each.aFirst)
-            << static_cast<int>(each.key);
-        EXPECT_EQ(Presentation::compare(a, a, each.key), std::weak_ordering::equivalent);
+    const std::pair<ConnectionKey, bool> cases[]{{process, true},     {pid, false},       {proto, true},
+                                                 {local, false},      {localPort, false}, {remote, true},
+                                                 {remotePort, false}, {state, false}};
+    for (const auto& [key, aFirst] : cases) {
+        SCOPED_TRACE(static_cast<int>(key));
+        EXPECT_EQ(Presentation::sorted({b, a}, key, true).at(0) == a, aFirst);
+        EXPECT_EQ(Presentation::sorted({b, a}, key, false).at(1) == a, aFirst);
+        EXPECT_EQ(Presentation::compare(a, a, key), std::weak_ordering::equivalent);
     }
     auto first = a, second = a, third = b;
     first.socketID = "1";
@@ -231,29 +181,16 @@ TEST(Grouping, KeepsRowsTogetherAndOrdersGroupsByTheirFirstRow) {
 }
 
 TEST(SocketRecords, CarryASocketThereAndBack) {
-    SCSocket socket{};
-    socket.pid = 7;
-    std::copy_n("name", 4, socket.name);
-    socket.protocol = IPPROTO_TCP;
-    socket.ipVersion = 6;
-    std::copy_n("fe80::1", 7, socket.local);
-    socket.localPort = 22;
-    socket.state = 4;
-    socket.socketId = 99;
-    EXPECT_EQ(toRecord(socket).remote, std::nullopt);
-    socket.hasRemote = true;
-    std::copy_n("fe80::2", 7, socket.remote);
-    socket.remotePort = 443;
-    const auto record = toRecord(socket);
-    EXPECT_EQ(record.remote, "fe80::2");
+    SocketRecord record{7, "name", IPPROTO_TCP, 6, "fe80::1", 22, "fe80::2", 443, 4, 99};
+    EXPECT_EQ(toRecord(toSocket(record)), record);
+    record.remote.reset();
     EXPECT_EQ(toRecord(toSocket(record)), record);
 
-    SocketRecord hostile = record;
-    hostile.pid = INT64_MAX;
-    hostile.localPort = INT64_MIN;
-    hostile.name.assign(1000, 'n');
-    hostile.remote = std::string(1000, '1');
-    const auto cut = toSocket(hostile);
+    record.pid = INT64_MAX;
+    record.localPort = INT64_MIN;
+    record.name.assign(1000, 'n');
+    record.remote = std::string(1000, '1');
+    const auto cut = toSocket(record);
     EXPECT_EQ(cut.pid, INT32_MAX);
     EXPECT_EQ(cut.localPort, INT32_MIN);
     EXPECT_EQ(std::string(cut.name), std::string(63, 'n'));

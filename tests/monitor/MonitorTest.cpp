@@ -65,10 +65,11 @@ protected:
         machine.write(folder + "io", "read_bytes: " + std::to_string(readBytes) + "\nwrite_bytes: 0\n");
     }
 
-    /// Lets `by` pass and publishes what came.
-    void pass(Queue::Duration by) {
+    /// Lets `by` pass, publishes what came and answers the last of it.
+    const Snapshot& pass(Queue::Duration by) {
         queue.advance(by);
         mainQueue.run();
+        return seen.at(seen.size() - 1);
     }
 
     TempRoot machine, home;
@@ -85,15 +86,14 @@ TEST_F(MonitorTest, TicksAtThePeriodOfTheProfile) {
     monitor->start();
     EXPECT_EQ(queue.lastInterval, 2s) << "the stored profile is normal";
     EXPECT_EQ(queue.lastLeeway, 20ms);
-    pass(0s);
-    ASSERT_EQ(seen.size(), 1u) << "the first tick comes at once";
-    pass(4s);
-    ASSERT_EQ(seen.size(), 3u);
-    EXPECT_EQ(seen[2].generation, 3);
-    EXPECT_EQ(seen[2].processGeneration, 3);
-    EXPECT_EQ(seen[2].timestamp, WallTime(46s));
-    EXPECT_EQ(seen[2].loadAvg, (std::vector<double>{0.5, 0.25, 0.1}));
-    EXPECT_EQ(seen[2].uptime, 77);
+    EXPECT_EQ(pass(0s).generation, 1) << "the first tick comes at once";
+    const Snapshot third = pass(4s);
+    EXPECT_EQ(seen.size(), 3u);
+    EXPECT_EQ(third.generation, 3);
+    EXPECT_EQ(third.processGeneration, 3);
+    EXPECT_EQ(third.timestamp, WallTime(46s));
+    EXPECT_EQ(third.loadAvg, (std::vector<double>{0.5, 0.25, 0.1}));
+    EXPECT_EQ(third.uptime, 77);
     EXPECT_EQ(monitor->latest().generation, 3);
 
     monitor->setProfile(SamplingProfile::diagnostic);
@@ -103,13 +103,18 @@ TEST_F(MonitorTest, TicksAtThePeriodOfTheProfile) {
 }
 
 TEST_F(MonitorTest, RatesOfTheIntervalBetweenTicks) {
+    const auto traffic = [&](const char* bytes) {
+        machine.write("proc/net/dev",
+                      std::string("a|b\n c|d\n eth0: ") + bytes + " 10 0 0 0 0 0 0 5 1 0 0 0 0 0 0\n");
+    };
+    traffic("1000");
     monitor->start();
     pass(0s);
     machine.write("proc/stat", "cpu0 50 0 25 25\nctxt 3000\nbtime 100\n")
         .write("proc/vmstat", "pgfault 500\n");
     writeProcess(7, 10, 8192);
-    pass(2s);
-    const auto& snapshot = seen.at(1);
+    traffic("5000");
+    const auto& snapshot = pass(2s);
     EXPECT_DOUBLE_EQ(snapshot.cpu.total, 75);
     EXPECT_DOUBLE_EQ(snapshot.rates.contextSwitches, 1000);
     EXPECT_DOUBLE_EQ(snapshot.rates.faults, 200);
@@ -117,6 +122,9 @@ TEST_F(MonitorTest, RatesOfTheIntervalBetweenTicks) {
     EXPECT_DOUBLE_EQ(snapshot.processes[0].diskReadRate, 4096);
     EXPECT_EQ(snapshot.totalThreads, 2);
     EXPECT_EQ(snapshot.mem.app, 300u * 1024);
+    ASSERT_EQ(snapshot.interfaces.size(), 1u);
+    EXPECT_DOUBLE_EQ(snapshot.interfaces[0].rxRate, 2000);
+    EXPECT_EQ(snapshot.interfacesGeneration, 2);
 }
 
 TEST_F(MonitorTest, InTheBackgroundProcessesAreCarried) {
@@ -126,25 +134,21 @@ TEST_F(MonitorTest, InTheBackgroundProcessesAreCarried) {
     EXPECT_EQ(queue.qos, QualityOfService::utility);
     pass(0s);
     writeProcess(8, 0, 0);
-    pass(4s);
-    EXPECT_EQ(seen.back().generation, 3);
-    EXPECT_EQ(seen.back().processGeneration, 1);
-    EXPECT_EQ(seen.back().processes.size(), 1u);
-    EXPECT_EQ(seen.back().processes.data(), seen.front().processes.data()) << "carried, not copied";
-    EXPECT_EQ(seen.back().disksGeneration, 1);
-    pass(2s);
-    EXPECT_EQ(seen.back().processGeneration, 2) << "due after six seconds";
+    const Snapshot third = pass(4s);
+    EXPECT_EQ(third.generation, 3);
+    EXPECT_EQ(third.processGeneration, 1);
+    EXPECT_EQ(third.processes.size(), 1u);
+    EXPECT_EQ(third.processes.data(), seen.front().processes.data()) << "carried, not copied";
+    EXPECT_EQ(third.disksGeneration, 1);
+    EXPECT_EQ(pass(2s).processGeneration, 2) << "due after six seconds";
     EXPECT_EQ(seen.back().processes.size(), 2u);
 
     monitor->setPanelOpen(true);
     EXPECT_EQ(queue.lastLeeway, 20ms) << "a panel makes it a foreground plan";
-    pass(0s);
-    EXPECT_EQ(seen.back().disksGeneration, 2);
-}
+    EXPECT_EQ(pass(0s).disksGeneration, 2);
 
-TEST_F(MonitorTest, TheStoredBackgroundIntervalStretchesTheTick) {
+    monitor->setPanelOpen(false);
     prefs.backgroundInterval.set(7);
-    monitor->setBackground(true);
     monitor->start();
     EXPECT_EQ(queue.lastInterval, 7s);
 }
@@ -155,8 +159,7 @@ TEST_F(MonitorTest, AMachineThatStopsAnsweringKeepsTicking) {
     for (const char* file : {"stat", "meminfo", "vmstat", "loadavg", "uptime"})
         machine.write(std::string("proc/") + file, "");
     machine.remove("proc/7");
-    pass(2s);
-    const auto& snapshot = seen.at(1);
+    const auto& snapshot = pass(2s);
     EXPECT_EQ(snapshot.generation, 2);
     EXPECT_EQ(snapshot.cpu.idle, 100);
     EXPECT_TRUE(snapshot.cpu.perCore.empty());
@@ -205,32 +208,12 @@ TEST_F(MonitorTest, TheBatteryIsReadEveryTenSeconds) {
         .write("sys/class/power_supply/BAT0/status", "Discharging\n")
         .write("sys/class/power_supply/BAT0/capacity", "80\n");
     monitor->start();
-    pass(0s);
-    ASSERT_TRUE(seen.back().battery.has_value());
-    EXPECT_EQ(seen.back().battery->percent, 80);
+    EXPECT_EQ(pass(0s).battery.value().percent, 80);
     machine.write("sys/class/power_supply/BAT0/capacity", "79\n");
-    pass(8s);
-    EXPECT_EQ(seen.back().battery->percent, 80);
-    pass(2s);
-    EXPECT_EQ(seen.back().battery->percent, 79);
+    EXPECT_EQ(pass(8s).battery.value().percent, 80);
+    EXPECT_EQ(pass(2s).battery.value().percent, 79);
     machine.remove("sys/class/power_supply");
-    pass(10s);
-    EXPECT_FALSE(seen.back().battery.has_value());
-}
-
-TEST_F(MonitorTest, InterfacesHaveRates) {
-    const auto traffic = [&](const char* bytes) {
-        machine.write("proc/net/dev",
-                      std::string("a|b\n c|d\n eth0: ") + bytes + " 10 0 0 0 0 0 0 5 1 0 0 0 0 0 0\n");
-    };
-    traffic("1000");
-    monitor->start();
-    pass(0s);
-    traffic("5000");
-    pass(2s);
-    ASSERT_EQ(seen.back().interfaces.size(), 1u);
-    EXPECT_DOUBLE_EQ(seen.back().interfaces[0].rxRate, 2000);
-    EXPECT_EQ(seen.back().interfacesGeneration, 2);
+    EXPECT_FALSE(pass(10s).battery.has_value());
 }
 
 TEST_F(MonitorTest, ASleepLeavesABreakInTheHistory) {

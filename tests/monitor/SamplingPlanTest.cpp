@@ -6,12 +6,9 @@ namespace {
 
 using namespace quarn;
 
-TEST(SamplingPlan, ForegroundFollowsTheProfile) {
-    const auto plan = SamplingPlan::foreground(SamplingProfile::powerSaving);
-    EXPECT_EQ(plan, (SamplingPlan{5, 5, true, QualityOfService::userInitiated, 5}));
-}
-
 TEST(SamplingPlan, BackgroundStretchesTickAndProcessList) {
+    EXPECT_EQ(SamplingPlan::foreground(SamplingProfile::powerSaving),
+              (SamplingPlan{5, 5, true, QualityOfService::userInitiated, 5}));
     struct Case {
         SamplingProfile profile;
         double backgroundInterval, tick, processInterval, window;
@@ -45,21 +42,16 @@ TEST(SamplingPlan, PeriodsAreWholeTicksWithHalfATickOfSlack) {
     EXPECT_TRUE(background.isDue(Resource::processes, 5));
 }
 
-TEST(SamplingProfile, LegacyIntervals) {
-    EXPECT_EQ(migratedFromLegacyInterval(0), std::nullopt);
-    EXPECT_EQ(migratedFromLegacyInterval(NAN), std::nullopt);
-    EXPECT_EQ(migratedFromLegacyInterval(INFINITY), std::nullopt);
-    EXPECT_EQ(migratedFromLegacyInterval(1), SamplingProfile::diagnostic);
-    EXPECT_EQ(migratedFromLegacyInterval(1.5), SamplingProfile::normal);
-    EXPECT_EQ(migratedFromLegacyInterval(60), SamplingProfile::powerSaving);
-}
-
-TEST(SamplingProfile, TextsRoundTrip) {
-    for (const auto profile :
-         {SamplingProfile::diagnostic, SamplingProfile::normal, SamplingProfile::powerSaving})
+TEST(SamplingProfile, FromTextsAndOldIntervals) {
+    using enum SamplingProfile;
+    for (const auto profile : {diagnostic, normal, powerSaving})
         EXPECT_EQ(profileFromText(rawText(profile)), profile);
     EXPECT_EQ(profileFromText("Normal"), std::nullopt);
     EXPECT_EQ(cadenceSummary(), "Diagnostic: every 1 s. Normal: every 2 s. Power saving: every 5 s.");
+    for (const double senseless : {0.0, -1.0, double{NAN}, double{INFINITY}})
+        EXPECT_EQ(migratedFromLegacyInterval(senseless), std::nullopt);
+    for (const auto& [seconds, profile] : {std::pair{1.0, diagnostic}, {1.5, normal}, {60, powerSaving}})
+        EXPECT_EQ(migratedFromLegacyInterval(seconds), profile);
 }
 
 } // namespace
