@@ -88,27 +88,19 @@ TEST_F(ConnectionsCommand, GroupsByDestination) {
 }
 
 TEST_F(ConnectionsCommand, ShowsOnlyWhatIsAskedFor) {
-    const auto ports = [&](ConnectionProtocol protocol, ConnectionScope scope, const char* search) {
+    const auto heading = [&](ConnectionProtocol protocol, ConnectionScope scope, const char* search) {
         ConnectionsOptions options;
-        options.form = ConnectionsOptions::Form::json;
         options.protocol = protocol;
         options.scope = scope;
         options.search = search;
-        std::vector<int> result;
-        for (const auto& row : nlohmann::json::parse(run(options))) result.push_back(row.at("localPort"));
-        return result;
+        const auto text = run(options);
+        return text.substr(0, text.find('\n'));
     };
-    using Ports = std::vector<int>;
     using enum ConnectionScope;
-    EXPECT_EQ(ports(ConnectionProtocol::udp, all, ""), Ports{5353});
-    EXPECT_EQ(ports(ConnectionProtocol::all, internet, ""), Ports{54321});
-    EXPECT_EQ(ports(ConnectionProtocol::all, listening, ""), (Ports{22, 631}));
-    EXPECT_EQ(ports(ConnectionProtocol::all, localNetwork, ""), (Ports{22, 8080}));
-    EXPECT_EQ(ports(ConnectionProtocol::tcp, all, "EVIL"), Ports{54321});
-    EXPECT_EQ(ports(ConnectionProtocol::tcp, all, "nowhere"), Ports{});
-    ConnectionsOptions nothing;
-    nothing.search = "nowhere";
-    EXPECT_EQ(run(nothing), "No sockets.\n");
+    EXPECT_EQ(heading(ConnectionProtocol::udp, all, ""), "1 socket of 1 process");
+    EXPECT_EQ(heading(ConnectionProtocol::all, listening, ""), "2 sockets of 1 process");
+    EXPECT_EQ(heading(ConnectionProtocol::all, all, "EVIL"), "2 sockets of 1 process");
+    EXPECT_EQ(heading(ConnectionProtocol::all, all, "nowhere"), "No sockets.");
 }
 
 TEST_F(ConnectionsCommand, WritesNullForWhatIsAbsent) {
@@ -118,13 +110,12 @@ TEST_F(ConnectionsCommand, WritesNullForWhatIsAbsent) {
     EXPECT_EQ(text.back(), '\n');
     const auto rows = nlohmann::json::parse(text);
     ASSERT_EQ(rows.size(), 6U);
-    EXPECT_EQ(rows[0], nlohmann::json::parse(R"({"proto":"TCP","local":"10.0.0.1","localPort":54321,
-        "remote":"93.184.216.34","remotePort":443,"state":"CLOSE_WAIT","pid":90,"processName":"Evil\u001b[31m",
-        "socketID":"3"})"));
-    EXPECT_EQ(rows[1], nlohmann::json::parse(R"({"proto":"UDP","local":null,"localPort":5353,"remote":null,
-        "remotePort":null,"state":null,"pid":90,"processName":"Evil\u001b[31m","socketID":"5"})"));
-    EXPECT_EQ(rows[5], nlohmann::json::parse(R"({"proto":"TCP","local":"10.0.0.1","localPort":8080,
-        "remote":"10.0.0.9","remotePort":51235,"state":"TIME_WAIT","pid":null,"processName":null,"socketID":null})"));
+    EXPECT_EQ(rows[1].dump(),
+              R"({"local":null,"localPort":5353,"pid":90,"processName":"Evil\u001b[31m","proto":"UDP",)"
+              R"("remote":null,"remotePort":null,"socketID":"5","state":null})");
+    EXPECT_EQ(rows[5].dump(),
+              R"({"local":"10.0.0.1","localPort":8080,"pid":null,"processName":null,"proto":"TCP",)"
+              R"("remote":"10.0.0.9","remotePort":51235,"socketID":null,"state":"TIME_WAIT"})");
 }
 
 TEST_F(ConnectionsCommand, SaysWhenThereIsNothingToRead) {

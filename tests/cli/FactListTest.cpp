@@ -1,7 +1,5 @@
 #include "cli/FactList.h"
 
-#include <gtest/gtest.h>
-
 namespace quarn::cli {
 namespace {
 

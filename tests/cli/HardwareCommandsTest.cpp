@@ -1,8 +1,8 @@
 // `quarn power`, `battery`, `gpu` and `hardware` on captured machines.
 #include "cli/Program.h"
+#include "support/Contains.h"
 #include "support/TempRoot.h"
 
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 namespace quarn::testing {
@@ -12,10 +12,7 @@ using nlohmann::json;
 
 std::string on(const std::string& root, std::vector<std::string> arguments) {
     arguments.insert(arguments.end(), {"--root", root});
-    const Outcome outcome = runProgram(arguments);
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(outcome.err, "");
-    return outcome.out;
+    return outputOf(arguments);
 }
 
 std::string captured(const std::string& machine) { return QUARN_FIXTURES "/" + machine; }
@@ -26,7 +23,7 @@ TEST(HardwareCommands, Battery) {
     EXPECT_EQ(battery["cycleCount"], nullptr) << "0 is not counted, so unknown";
     EXPECT_EQ(battery["amperage_mA"], -429);
     const auto text = on(captured("battery/thinkpad-81"), {"battery"});
-    EXPECT_NE(text.find("discharging, 7 h 18 min left"), std::string::npos) << text;
+    EXPECT_TRUE(contains(text, "discharging, 7 h 18 min left"));
 
     EXPECT_EQ(json::parse(on(captured("battery/not-charging"), {"battery", "--json"}))["percent"], nullptr);
     EXPECT_EQ(json::parse(on(captured("battery/trackpad"), {"battery", "--json"})), nullptr);
@@ -43,7 +40,7 @@ TEST(HardwareCommands, Gpu) {
     TempRoot machine;
     machine.copyFixture("gpu/rx580").write("sys/class/drm/card0/device/power/runtime_status", "suspended\n");
     const auto text = on(machine.path().string(), {"gpu", "--interval", "0"});
-    EXPECT_NE(text.find("Memory       —  (asleep)"), std::string::npos) << text;
+    EXPECT_TRUE(contains(text, "Memory       —  (asleep)"));
 }
 
 TEST(HardwareCommands, PowerSaysWhyThereIsNone) {
@@ -51,8 +48,8 @@ TEST(HardwareCommands, PowerSaysWhyThereIsNone) {
     const std::string zone = "sys/class/powercap/intel-rapl:0/";
     machine.write(zone + "name", "package-0\n").folder(zone + "energy_uj"); // cannot be read
     const auto text = on(machine.path().string(), {"power", "--interval", "0"});
-    EXPECT_NE(text.find("Processors     —"), std::string::npos) << text;
-    EXPECT_NE(text.find("Energy counters are readable by root only; run as root"), std::string::npos) << text;
+    EXPECT_TRUE(contains(text, "Processors     —"));
+    EXPECT_TRUE(contains(text, "Energy counters are readable by root only; run as root"));
     const auto none = json::parse(on(captured("battery/trackpad"), {"power", "--json", "--interval", "0"}));
     EXPECT_EQ(none["power"]["cpuWatts"], nullptr);
     EXPECT_EQ(none["reason"], "This machine has no energy counters that are known here.");
@@ -65,8 +62,8 @@ TEST(HardwareCommands, Hardware) {
     EXPECT_EQ(hardware["perfCores"], 6);
     EXPECT_EQ(hardware["gpuName"], nullptr);
     const auto text = on(machine.path().string(), {"hardware"});
-    EXPECT_NE(text.find("14 (6 performance, 8 efficiency), 20 threads"), std::string::npos) << text;
-    EXPECT_NE(text.find("—  (no GPU was found)"), std::string::npos) << text;
+    EXPECT_TRUE(contains(text, "14 (6 performance, 8 efficiency), 20 threads"));
+    EXPECT_TRUE(contains(text, "—  (no GPU was found)"));
 }
 
 } // namespace

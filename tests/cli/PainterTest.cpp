@@ -1,8 +1,6 @@
 #include "cli/view/Painter.h"
 #include "cli/live/KeyReader.h"
 
-#include <gtest/gtest.h>
-#include <map>
 #include <random>
 
 namespace quarn::cli {
@@ -83,21 +81,23 @@ TEST(Palette, ColoursFollowWhatTheTerminalSupports) {
               "\x1b[0;38;2;0;114;178m");
     EXPECT_EQ(Palette(ColourDepth::indexed, Background::light).select({Ink::cpu}), "\x1b[0;38;5;25m");
 
-    static std::map<std::string, const char*> variables;
-    const auto depth = [](std::map<std::string, const char*> given) {
-        variables = std::move(given);
-        return colourDepth([](const char* name) -> const char* {
-            const auto found = variables.find(name);
-            return found == variables.end() ? nullptr : found->second;
+    static const char *term, *colorTerm, *noColor; // what the environment says
+    const auto depth = [](const char* newTerm, const char* newColorTerm = nullptr,
+                          const char* newNoColor = nullptr) {
+        term = newTerm, colorTerm = newColorTerm, noColor = newNoColor;
+        return colourDepth([](const char* name) {
+            return name == std::string_view("TERM")        ? term
+                   : name == std::string_view("COLORTERM") ? colorTerm
+                                                           : noColor;
         });
     };
-    EXPECT_EQ(depth({{"TERM", "xterm"}}), ColourDepth::sixteen);
-    EXPECT_EQ(depth({{"TERM", "xterm-256color"}}), ColourDepth::indexed);
-    EXPECT_EQ(depth({{"TERM", "xterm-256color"}, {"COLORTERM", "truecolor"}}), ColourDepth::trueColour);
-    EXPECT_EQ(depth({{"TERM", "xterm-256color"}, {"NO_COLOR", "1"}}), ColourDepth::none);
-    EXPECT_EQ(depth({{"TERM", "xterm"}, {"NO_COLOR", ""}}), ColourDepth::sixteen); // empty counts as unset
-    EXPECT_EQ(depth({{"TERM", "dumb"}, {"COLORTERM", "truecolor"}}), ColourDepth::none);
-    EXPECT_EQ(depth({}), ColourDepth::none);
+    EXPECT_EQ(depth("xterm"), ColourDepth::sixteen);
+    EXPECT_EQ(depth("xterm-256color"), ColourDepth::indexed);
+    EXPECT_EQ(depth("xterm-256color", "truecolor"), ColourDepth::trueColour);
+    EXPECT_EQ(depth("xterm-256color", nullptr, "1"), ColourDepth::none);
+    EXPECT_EQ(depth("xterm", nullptr, ""), ColourDepth::sixteen) << "empty counts as unset";
+    EXPECT_EQ(depth("dumb", "truecolor"), ColourDepth::none);
+    EXPECT_EQ(depth(nullptr), ColourDepth::none);
 }
 
 TEST(KeyReader, OnlyPlainKeysGetThrough) {
@@ -112,15 +112,11 @@ TEST(KeyReader, OnlyPlainKeysGetThrough) {
         {"\x1b\x1b[Bq", "q"},
     };
     for (const auto& [bytes, expected] : cases) {
-        for (const bool whole : {true, false}) {
+        for (const size_t step : {bytes.size(), size_t{1}}) { // at once, and byte by byte
             std::string keys;
             KeyReader reader;
             reader.onKey = [&](char key) { keys += key; };
-            if (whole) {
-                reader.feed(bytes);
-            } else {
-                for (size_t i = 0; i < bytes.size(); ++i) reader.feed(bytes.substr(i, 1));
-            }
+            for (size_t i = 0; i < bytes.size(); i += step) reader.feed(bytes.substr(i, step));
             EXPECT_EQ(keys, expected);
         }
     }

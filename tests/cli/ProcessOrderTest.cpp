@@ -1,7 +1,5 @@
 #include "cli/ProcessColumns.h"
 
-#include <gtest/gtest.h>
-
 namespace quarn::cli {
 namespace {
 

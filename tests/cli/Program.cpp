@@ -28,31 +28,13 @@ namespace {
     ::_exit(127);
 }
 
-void waitFor(pid_t pid, Outcome& outcome) {
+Outcome endOf(pid_t pid) {
+    Outcome outcome;
     int status = 0;
     ::waitpid(pid, &status, 0);
     if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
     if (WIFSIGNALED(status)) outcome.signal = WTERMSIG(status);
-}
-
-/// Reads several pipes to their ends at the same time, so that none blocks the program.
-void collect(std::array<int, 2> ends, std::array<std::string*, 2> texts) {
-    std::array<pollfd, 2> polled{{{ends[0], POLLIN, 0}, {ends[1], POLLIN, 0}}};
-    for (int open = 2; open > 0;) {
-        ::poll(polled.data(), polled.size(), -1);
-        for (size_t i = 0; i < polled.size(); ++i) {
-            if (polled[i].fd < 0 || polled[i].revents == 0) continue;
-            std::array<char, 65536> bytes{};
-            const ssize_t count = ::read(polled[i].fd, bytes.data(), bytes.size());
-            if (count > 0) {
-                texts[i]->append(bytes.data(), static_cast<size_t>(count));
-            } else {
-                ::close(polled[i].fd);
-                polled[i].fd = -1;
-                --open;
-            }
-        }
-    }
+    return outcome;
 }
 
 } // namespace
@@ -60,25 +42,29 @@ void collect(std::array<int, 2> ends, std::array<std::string*, 2> texts) {
 Outcome runProgram(const std::vector<std::string>& arguments) { return runProgram(arguments, -1); }
 
 Outcome runProgram(const std::vector<std::string>& arguments, int out) {
-    const TempRoot home;
-    std::array<int, 2> outPipe{}, errPipe{};
-    if (::pipe2(outPipe.data(), O_CLOEXEC) != 0 || ::pipe2(errPipe.data(), O_CLOEXEC) != 0) std::abort();
+    const TempRoot folder; // for its settings and what it writes
+    const auto file = [&](const char* name) { return (folder.path() / name).string(); };
     const pid_t pid = ::fork();
     if (pid == 0) {
-        ::setenv("XDG_CONFIG_HOME", home.path().c_str(), 1);
+        ::setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
         ::setenv("LC_ALL", "C.UTF-8", 1);
         ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
-        ::dup2(out < 0 ? outPipe[1] : out, STDOUT_FILENO);
-        ::dup2(errPipe[1], STDERR_FILENO);
+        ::dup2(out < 0 ? ::creat(file("out").c_str(), 0600) : out, STDOUT_FILENO);
+        ::dup2(::creat(file("err").c_str(), 0600), STDERR_FILENO);
         become(arguments);
     }
-    ::close(outPipe[1]);
-    ::close(errPipe[1]);
     if (out >= 0) ::close(out);
-    Outcome outcome;
-    collect({outPipe[0], errPipe[0]}, {&outcome.out, &outcome.err});
-    waitFor(pid, outcome);
+    Outcome outcome = endOf(pid);
+    outcome.out = readFile(file("out"));
+    outcome.err = readFile(file("err"));
     return outcome;
+}
+
+std::string outputOf(const std::vector<std::string>& arguments) {
+    const Outcome outcome = runProgram(arguments);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    return outcome.out;
 }
 
 TerminalProgram::TerminalProgram(const std::vector<std::string>& arguments, const char* term) {
@@ -138,8 +124,7 @@ bool TerminalProgram::waitFor(std::string_view text) {
 }
 
 Outcome TerminalProgram::finish() {
-    Outcome outcome;
-    testing::waitFor(pid_, outcome);
+    Outcome outcome = endOf(pid_);
     pid_ = -1;
     for (pollfd polled{terminal_, POLLIN, 0}; ::poll(&polled, 1, 0) == 1 && readMore();) {
     }

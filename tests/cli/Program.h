@@ -20,6 +20,8 @@ struct Outcome {
 Outcome runProgram(const std::vector<std::string>& arguments);
 /// The same with its standard output connected to `out` (closed here), which is not collected.
 Outcome runProgram(const std::vector<std::string>& arguments, int out);
+/// Runs it where it must succeed without a complaint, and answers what it printed.
+std::string outputOf(const std::vector<std::string>& arguments);
 
 /// The program at work in a terminal of its own.
 class TerminalProgram {

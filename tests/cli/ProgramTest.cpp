@@ -1,12 +1,11 @@
 // The built program, run for real.
 #include "cli/Program.h"
+#include "support/Contains.h"
 #include "support/TempRoot.h"
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <unistd.h>
 
@@ -14,7 +13,6 @@ namespace quarn::testing {
 namespace {
 
 using nlohmann::json;
-using Arguments = std::vector<std::string>;
 
 bool isOneLine(const std::string& text) {
     return text.ends_with('\n') && std::count(text.begin(), text.end(), '\n') == 1;
@@ -22,11 +20,7 @@ bool isOneLine(const std::string& text) {
 
 TEST(Program, WrongUsageIsOneLineAndStatusTwo) {
     const TempRoot empty;
-    struct Case {
-        Arguments arguments;
-        std::string_view says;
-    };
-    const std::vector<Case> cases{
+    const std::pair<std::vector<std::string>, std::string_view> cases[]{
         {{"frobnicate"}, "unknown command 'frobnicate'"},
         {{"--frobnicate"}, "unknown option '--frobnicate'"},
         {{"snapshot", "--count", "3"}, "unknown option '--count'"},
@@ -47,64 +41,56 @@ TEST(Program, WrongUsageIsOneLineAndStatusTwo) {
         {{"--root", empty.path().string(), "volumes"}, "holds neither proc nor sys"},
         {{"\x1b[31m\nred"}, "unknown command '\uFFFD[31m\uFFFDred'"},
     };
-    for (const Case& c : cases) {
-        const Outcome outcome = runProgram(c.arguments);
-        EXPECT_EQ(outcome.status, 2) << c.says;
+    for (const auto& [arguments, says] : cases) {
+        const Outcome outcome = runProgram(arguments);
+        EXPECT_EQ(outcome.status, 2) << says;
         EXPECT_EQ(outcome.out, "");
         EXPECT_TRUE(isOneLine(outcome.err)) << outcome.err;
         EXPECT_TRUE(outcome.err.starts_with("quarn: ")) << outcome.err;
-        EXPECT_NE(outcome.err.find(c.says), std::string::npos) << outcome.err;
+        EXPECT_TRUE(contains(outcome.err, says));
     }
 }
 
 TEST(Program, HelpNamesEveryCommandAndGivesExamples) {
-    const Outcome help = runProgram({"--help"});
-    EXPECT_EQ(help.status, 0);
-    EXPECT_EQ(help.err, "");
+    const std::string help = outputOf({"--help"});
     for (const std::string command : {"snapshot", "stream", "processes", "disks", "volumes", "sensors"}) {
-        EXPECT_NE(help.out.find("\n  " + command + " "), std::string::npos) << command;
-        const Outcome own = runProgram({command, "--help"});
-        EXPECT_EQ(runProgram({"help", command}).out, own.out);
-        EXPECT_EQ(own.status, 0);
-        EXPECT_NE(own.out.find("Example:\n  quarn " + command), std::string::npos) << own.out;
+        const std::string own = outputOf({command, "--help"});
+        EXPECT_TRUE(contains(help, "\n  " + command + " "));
+        EXPECT_TRUE(contains(own, "Example:\n  quarn " + command));
+        EXPECT_EQ(outputOf({"help", command}), own);
     }
-    EXPECT_TRUE(runProgram({"--version"}).out.starts_with("quarn "));
+    EXPECT_TRUE(outputOf({"--version"}).starts_with("quarn "));
 }
 
 TEST(Program, SnapshotReadsThisMachine) {
-    const Outcome outcome = runProgram({"snapshot", "--json", "--interval", "0.05"});
-    ASSERT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_TRUE(isOneLine(outcome.out));
-    const json document = json::parse(outcome.out);
+    const std::string line = outputOf({"snapshot", "--json", "--interval", "0.05"});
+    EXPECT_TRUE(isOneLine(line));
+    const json document = json::parse(line);
     EXPECT_GE(document["cpu"]["total"].get<double>(), 0);
     EXPECT_GT(document["mem"]["total"].get<uint64_t>(), 0u);
     EXPECT_GT(document["uptime"].get<double>(), 0);
     EXPECT_EQ(document["generation"], 2);
     EXPECT_EQ(document["processGeneration"], 2);
     const auto& processes = document["processes"];
-    const bool sawItself = std::any_of(processes.begin(), processes.end(),
-                                       [](const json& process) { return process["name"] == "quarn"; });
-    EXPECT_TRUE(sawItself);
+    EXPECT_TRUE(std::any_of(processes.begin(), processes.end(),
+                            [](const json& process) { return process["name"] == "quarn"; }));
 
-    const json single = json::parse(runProgram({"snapshot", "--json", "--interval", "0"}).out);
+    const json single = json::parse(outputOf({"snapshot", "--json", "--interval", "0"}));
     EXPECT_TRUE(single["cpu"]["total"].is_null()) << "one sample has no rates";
     EXPECT_GT(single["mem"]["used"].get<uint64_t>(), 0u);
 }
 
 TEST(Program, WithoutATerminalItPrintsAPlainSnapshot) {
-    const Outcome outcome = runProgram({});
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_NE(outcome.out.find("\nMemory "), std::string::npos);
-    EXPECT_NE(outcome.out.find("PID  Name"), std::string::npos);
-    EXPECT_EQ(outcome.out.find('\x1b'), std::string::npos);
+    const std::string text = outputOf({});
+    EXPECT_TRUE(contains(text, "\nMemory "));
+    EXPECT_TRUE(contains(text, "PID  Name"));
+    EXPECT_FALSE(contains(text, "\x1b"));
 }
 
 TEST(Program, StreamWritesADocumentALine) {
     const auto begin = std::chrono::steady_clock::now();
-    const Outcome outcome = runProgram({"stream", "--json", "--count", "3", "--interval", "0.02"});
+    std::istringstream lines(outputOf({"stream", "--json", "--count", "3", "--interval", "0.02"}));
     EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(60));
-    ASSERT_EQ(outcome.status, 0) << outcome.err;
-    std::istringstream lines(outcome.out);
     std::vector<json> documents;
     for (std::string line; std::getline(lines, line);) documents.push_back(json::parse(line));
     ASSERT_EQ(documents.size(), 3u);
@@ -128,12 +114,12 @@ TEST(Program, AFullDeviceIsAFailure) {
 }
 
 TEST(Program, ProcessesAreSortedAndLimited) {
-    const json list = json::parse(
-        runProgram({"processes", "--json", "--sort", "memory", "--limit", "3", "--interval", "0"}).out);
+    const json list =
+        json::parse(outputOf({"processes", "--json", "--sort", "memory", "--limit", "3", "--interval", "0"}));
     ASSERT_EQ(list.size(), 3u);
     EXPECT_GE(list[0]["memBytes"].get<uint64_t>(), list[1]["memBytes"].get<uint64_t>());
-    const Outcome text = runProgram({"processes", "--sort", "pid", "--limit", "2", "--interval", "0"});
-    EXPECT_EQ(std::count(text.out.begin(), text.out.end(), '\n'), 3) << text.out;
+    const std::string text = outputOf({"processes", "--sort", "pid", "--limit", "2", "--interval", "0"});
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3) << text;
 }
 
 TEST(Program, ACapturedMachineShowsOnlyWhatItHolds) {
@@ -141,8 +127,7 @@ TEST(Program, ACapturedMachineShowsOnlyWhatItHolds) {
     captured.write("proc/meminfo", "MemTotal:  1000 kB\nMemFree:  400 kB\nBuffers: 0 kB\nCached: 100 kB\n");
     captured.write("proc/7/stat", "7 (evil\x1b[31m) S 1 7 7 0 -1 0 0 0 0 0 5 5 0 0 20 0 1 0 50 0 25 0\n");
     const std::string root = captured.path().string();
-    const json document =
-        json::parse(runProgram({"--root", root, "snapshot", "--json", "--interval", "0.01"}).out);
+    const json document = json::parse(outputOf({"--root", root, "snapshot", "--json", "--interval", "0.01"}));
     EXPECT_EQ(document["mem"]["total"], 1'024'000);
     EXPECT_TRUE(document["cpu"]["total"].is_null());
     EXPECT_TRUE(document["net"]["rxBytes"].is_null());
@@ -150,8 +135,7 @@ TEST(Program, ACapturedMachineShowsOnlyWhatItHolds) {
     EXPECT_EQ(document["loadAvg"], json::array());
     ASSERT_EQ(document["processes"].size(), 1u);
     EXPECT_EQ(document["processes"][0]["name"], "evil\x1b[31m");
-    EXPECT_EQ(runProgram({"processes", "--root", root, "--interval", "0"}).out.find('\x1b'),
-              std::string::npos);
+    EXPECT_FALSE(contains(outputOf({"processes", "--root", root, "--interval", "0"}), "\x1b"));
 }
 
 // ---- The live view in a terminal
@@ -162,29 +146,24 @@ constexpr std::string_view left = "\x1b[?25h\x1b[?1049l";
 bool echoes(const termios& modes) { return (modes.c_lflag & ECHO) != 0 && (modes.c_lflag & ICANON) != 0; }
 
 TEST(LiveView, GivesTheTerminalBackHoweverItEnds) {
-    struct Ending {
-        std::string_view keys;
-        int signal; ///< sent when there are no keys
-        int status;
-        int endedBy;
-    };
-    for (const Ending& ending :
-         {Ending{"q", 0, 0, 0}, Ending{"\x03", 0, 0, 0}, Ending{"", SIGTERM, -1, SIGTERM},
-          Ending{"", SIGHUP, -1, SIGHUP}, Ending{"", SIGSEGV, -1, SIGSEGV}}) {
+    const std::pair<std::string_view, int> endings[]{// keys or a signal
+                                                     {"q", 0},
+                                                     {"\x03", 0},
+                                                     {"", SIGTERM},
+                                                     {"", SIGHUP},
+                                                     {"", SIGSEGV}};
+    for (const auto& [keys, signal] : endings) {
         TerminalProgram program({});
         ASSERT_TRUE(program.waitFor(entered));
         ASSERT_TRUE(program.waitFor("quit"));
         EXPECT_FALSE(echoes(program.modes()));
-        if (ending.keys.empty()) {
-            ::kill(program.pid(), ending.signal);
-        } else {
-            program.type(ending.keys);
-        }
+        program.type(keys);
+        if (signal != 0) ::kill(program.pid(), signal);
         const Outcome outcome = program.finish();
-        EXPECT_EQ(outcome.status, ending.status) << ending.signal;
-        EXPECT_EQ(outcome.signal, ending.endedBy);
-        EXPECT_TRUE(outcome.out.ends_with(left)) << ending.signal;
-        EXPECT_TRUE(echoes(program.modes())) << ending.signal;
+        EXPECT_EQ(outcome.status, signal == 0 ? 0 : -1) << signal;
+        EXPECT_EQ(outcome.signal, signal);
+        EXPECT_TRUE(outcome.out.ends_with(left)) << signal;
+        EXPECT_TRUE(echoes(program.modes())) << signal;
     }
 }
 
@@ -207,7 +186,7 @@ TEST(LiveView, ATerminalThatCannotBeDrawnOnGetsText) {
     EXPECT_TRUE(program.waitFor("PID  Name"));
     const Outcome outcome = program.finish();
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.out.find('\x1b'), std::string::npos);
+    EXPECT_FALSE(contains(outcome.out, "\x1b"));
 }
 
 } // namespace

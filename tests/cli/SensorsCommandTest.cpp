@@ -1,14 +1,15 @@
 #include "cli/SensorsCommand.h"
 
 #include "core/SMC.h"
+#include "support/Contains.h"
 #include "support/TempRoot.h"
 
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 namespace {
 
 using namespace quarn::cli;
+using quarn::testing::contains;
 using quarn::testing::TempRoot;
 using sysinfo::SMC;
 using sysinfo::SystemRoot;
@@ -54,8 +55,8 @@ TEST(SensorsCommand, ASleepingDeviceIsListedWithTheReason) {
     SMC smc(root.root());
     const auto report = readSensorReport(smc);
     const auto text = sensorText(report, Charset::utf8);
-    EXPECT_NE(text.find("GPU edge (amdgpu)      —  "), std::string::npos) << text;
-    EXPECT_NE(text.find("asleep, and not woken for a reading"), std::string::npos) << text;
+    EXPECT_TRUE(contains(text, "GPU edge (amdgpu)      —  "));
+    EXPECT_TRUE(contains(text, "asleep, and not woken for a reading"));
 
     JsonWriter json;
     writeSensors(json, report);

@@ -1,8 +1,6 @@
 #include "cli/TerminalText.h"
 #include "cli/TextTable.h"
 
-#include <gtest/gtest.h>
-
 namespace quarn::cli {
 namespace {
 
