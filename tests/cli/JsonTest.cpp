@@ -32,14 +32,8 @@ std::string nullsIn(const Parsed& object) {
     return keys;
 }
 
-TEST(Json, SnapshotKeepsTheNamesAndOrderOfItsFields) {
+TEST(Json, SnapshotCarriesItsFigures) {
     const Parsed document = reparsed(sampleSnapshot());
-    EXPECT_EQ(
-        keysOf(document),
-        "cpu power powerStale powerSource freq dcInWatts temps powerKeys voltageKeys currentKeys fanKeys mem "
-        "disk disks disksGeneration interfaces interfacesGeneration rates net gpu battery processes "
-        "totalThreads loadAvg uptime generation processGeneration timestamp thermalState isAppleSilicon ");
-    EXPECT_EQ(keysOf(document["cpu"]), "total user system idle perCore perCoreSystem ");
     EXPECT_EQ(document["cpu"]["perCore"].size(), 8u);
     EXPECT_EQ(document["processes"].size(), 40u);
     EXPECT_EQ(document["processes"][2]["name"], "postgres");

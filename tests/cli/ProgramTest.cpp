@@ -129,9 +129,7 @@ TEST(Program, ACapturedMachineShowsOnlyWhatItHolds) {
     const std::string root = captured.path().string();
     const json document = json::parse(outputOf({"--root", root, "snapshot", "--json", "--interval", "0.01"}));
     EXPECT_EQ(document["mem"]["total"], 1'024'000);
-    EXPECT_TRUE(document["cpu"]["total"].is_null());
     EXPECT_TRUE(document["net"]["rxBytes"].is_null());
-    EXPECT_TRUE(document["uptime"].is_null());
     EXPECT_EQ(document["loadAvg"], json::array());
     ASSERT_EQ(document["processes"].size(), 1u);
     EXPECT_EQ(document["processes"][0]["name"], "evil\x1b[31m");

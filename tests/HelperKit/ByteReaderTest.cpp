@@ -1,22 +1,10 @@
 #include "HelperKit/ByteReader.h"
-#include "HelperKit/ByteWriter.h"
 
 #include <limits>
-#include <sys/mman.h>
 
 namespace {
 
 using namespace quarn;
-
-TEST(ByteWriterDeathTest, TextBeyondItsLengthFieldEndsTheProgram) {
-    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
-    constexpr size_t length = size_t{1} << 32;
-    void* const space = mmap(nullptr, length, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    ASSERT_NE(space, MAP_FAILED);
-    ByteWriter writer;
-    EXPECT_DEATH(writer.string({static_cast<const char*>(space), length}), "4294967295");
-    munmap(space, length);
-}
 
 TEST(ByteReader, WhatIsMissingIsAbsentAndMovesNothing) {
     const Data data{0x80, 0xFF, 0x01};
