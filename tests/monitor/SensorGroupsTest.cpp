@@ -15,8 +15,8 @@ std::string maxima(const std::vector<Sensor>& sensors, SensorNaming naming) {
 }
 
 TEST(SensorGroups, TheHottestOfEachSlot) {
-    const std::vector<Sensor> sensors{{"TC01", 50}, {"Tm0P", 30},  {"TC02", 71},           {"TG01", 44},
-                                      {"Tp01", 60}, {"Tp02", -20}, {"TCxx", std::nan("")}, {"XC01", 99}};
+    const std::vector<Sensor> sensors{{"TCxx", std::nan("")}, {"TC01", 50}, {"Tm0P", 30},  {"TC02", 71},
+                                      {"TG01", 44},           {"Tp01", 60}, {"Tp02", -20}, {"XC01", 99}};
     EXPECT_EQ(maxima(sensors, SensorNaming::intel), "TC 71, TG 44, Tm 30, ");
     EXPECT_EQ(maxima(sensors, SensorNaming::appleSilicon), "Tp 60, Tm 30, ");
     EXPECT_EQ(maxima({{"TB0T", -3}}, SensorNaming::intel), "TB -3, ") << "below zero is a maximum too";
