@@ -1,5 +1,7 @@
 #include "monitor/SamplingPlan.h"
 
+#include "ui/settings/PrefTypes.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -54,10 +56,8 @@ std::optional<SamplingProfile> profileFromText(std::string_view text) {
 }
 
 std::optional<SamplingProfile> migratedFromLegacyInterval(double seconds) {
-    if (!std::isfinite(seconds) || seconds <= 0) return {};
-    if (seconds <= 1) return SamplingProfile::diagnostic;
-    if (seconds <= 2) return SamplingProfile::normal;
-    return SamplingProfile::powerSaving;
+    const auto text = samplingProfileForInterval(seconds);
+    return text ? profileFromText(*text) : std::nullopt;
 }
 
 std::string cadenceSummary() {

@@ -108,7 +108,8 @@ TEST(KeyReader, OnlyPlainKeysGetThrough) {
         {"\x1b[<0;10;5Mq", "q"},         // the mouse
         {"\x1b]11;rgb:1/2/3\x07q", "q"}, // an answer
         {"\x1b]11;rgb:1/2/3\x1b\\q", "q"},
-        {"\x1bP+q\x1b\\m", "m"},
+        {"\x1b]q", "q"}, // Alt+] and then a key
+        {"\x1bPm", "m"}, // Alt+P
         {"\x1b\x1b[Bq", "q"},
     };
     for (const auto& [bytes, expected] : cases) {

@@ -8,6 +8,8 @@ namespace {
 constexpr char escape = '\x1b';
 constexpr char bell = '\x07';
 constexpr size_t longestAnswer = 64;
+/// All that the terminal's answer consists of. Anything else was typed: Alt+] sends the same beginning.
+constexpr std::string_view answerCharacters = "0123456789abcdefABCDEFrg:;/";
 
 /// A channel of one to four hexadecimal digits as a share of its largest value; nullopt for anything else.
 std::optional<double> channel(std::string_view digits) {
@@ -35,10 +37,10 @@ void KeyReader::take(char c) {
     case State::escape: // what follows tells the kind of sequence
         text_.clear();
         if (c == escape) return;
-        state_ = c == '['                                       ? State::control
-                 : c == 'O'                                     ? State::oneMore
-                 : c == ']' || c == 'P' || c == '_' || c == '^' ? State::text
-                                                                : State::plain;
+        state_ = c == '['   ? State::control
+                 : c == 'O' ? State::oneMore
+                 : c == ']' ? State::text
+                            : State::plain;
         return;
     case State::control:
         if (c >= 0x40 && c <= 0x7E) state_ = State::plain;
@@ -51,8 +53,16 @@ void KeyReader::take(char c) {
 
 void KeyReader::takeText(char c) {
     if (c == bell || (state_ == State::textEscape && c == '\\')) return finishText();
-    state_ = c == escape ? State::textEscape : State::text;
-    if (c != escape && text_.size() < longestAnswer) text_ += c;
+    const bool belongs =
+        state_ == State::text && (c == escape || answerCharacters.find(c) != std::string::npos);
+    if (!belongs || text_.size() == longestAnswer) {
+        state_ = State::plain;
+        return take(c);
+    }
+    if (c == escape)
+        state_ = State::textEscape;
+    else
+        text_ += c;
 }
 
 void KeyReader::finishText() {

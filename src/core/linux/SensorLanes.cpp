@@ -94,6 +94,16 @@ void SensorLanes::stop(const std::shared_ptr<Lane>& lane) {
 }
 
 void SensorLanes::refresh(std::vector<Job> jobs) {
+    // First of all, while no new job makes their lanes look busy.
+    std::vector<std::shared_ptr<Lane>> recovered;
+    std::erase_if(own_, [&](const auto& entry) {
+        const std::lock_guard lock(entry.second->mutex);
+        if (!entry.second->isIdle() || entry.second->prompt < promptToReturn) return false;
+        recovered.push_back(entry.second);
+        return true;
+    });
+    for (const auto& lane : recovered) stop(lane);
+
     std::vector<Job> together;
     for (Job& job : jobs) {
         const auto slow = own_.find(job.chip.get());
@@ -104,15 +114,6 @@ void SensorLanes::refresh(std::vector<Job> jobs) {
         }
     }
     refreshTogether(std::move(together));
-
-    std::vector<std::shared_ptr<Lane>> recovered;
-    std::erase_if(own_, [&](const auto& entry) {
-        const std::lock_guard lock(entry.second->mutex);
-        if (!entry.second->isIdle() || entry.second->prompt < promptToReturn) return false;
-        recovered.push_back(entry.second);
-        return true;
-    });
-    for (const auto& lane : recovered) stop(lane);
 }
 
 // A chip that takes long is asked the less often.
