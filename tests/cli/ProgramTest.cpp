@@ -53,10 +53,12 @@ TEST(Program, WrongUsageIsOneLineAndStatusTwo) {
 
 TEST(Program, HelpNamesEveryCommandAndGivesExamples) {
     const std::string help = outputOf({"--help"});
-    for (const std::string command : {"snapshot", "stream", "processes", "disks", "volumes", "sensors"}) {
+    for (const std::string command :
+         {"snapshot", "stream", "processes", "disks", "volumes", "sensors", "connections", "interfaces",
+          "power", "battery", "gpu", "hardware", "settings"}) {
         const std::string own = outputOf({command, "--help"});
         EXPECT_TRUE(contains(help, "\n  " + command + " "));
-        EXPECT_TRUE(contains(own, "Example:\n  quarn " + command));
+        EXPECT_TRUE(contains(own, "Example:\n  ") && contains(own, "quarn " + command)) << own;
         EXPECT_EQ(outputOf({"help", command}), own);
     }
     EXPECT_TRUE(outputOf({"--version"}).starts_with("quarn "));
