@@ -6,8 +6,6 @@
 #include "core/linux/Memory.h"
 #include "support/TempRoot.h"
 
-#include <cmath>
-
 namespace {
 
 using namespace sysinfo;
@@ -33,33 +31,26 @@ TEST(CapturedCpu, SharesOfAnIntervalAsPublished) {
 }
 
 TEST(CapturedCpu, EveryShapeOfTheFileIsRead) {
-    struct Case {
-        std::string text;
+    const struct {
+        const char *lesson, *text;
         std::vector<uint32_t> ids;
         std::vector<uint64_t> first; ///< of the first CPU: user, system, idle, nice
-        const char* lesson;
+    } cases[] = {
+        {"8 columns", "cpu 9\ncpu0 1 2 3 4 5 6 7 8\n", {0}, {1, 3 + 6 + 7 + 8, 4 + 5, 2}},
+        {"9 columns: guest time is in user already", "cpu0 1 2 3 4 5 6 7 8 9\n", {0}, {1, 24, 9, 2}},
+        {"10 columns", "cpu0 1 2 3 4 5 6 7 8 9 10\nintr 5\n", {0}, {1, 24, 9, 2}},
+        {"the first kernels had 4, no line feed at the end", "cpu0 1 2 3 4", {0}, {1, 3, 4, 2}},
+        {"CPU 0 is offline, others are missing", "cpu1 1 2 3 4\ncpu7 1 2 3 4\n", {1, 7}, {1, 3, 4, 2}},
+        {"an empty file", "", {}, {}},
+        {"no CPU of its own", "cpu 1 2 3 4\nctxt 5\n", {}, {}},
+        {"words in the place of numbers", "cpuX 1 2\ncpu0 a b c 4\n", {0}, {0, 0, 4, 0}},
     };
-    for (const auto& c : {
-             Case{"cpu 9\ncpu0 1 2 3 4 5 6 7 8\n", {0}, {1, 3 + 6 + 7 + 8, 4 + 5, 2}, "8 columns"},
-             Case{"cpu0 1 2 3 4 5 6 7 8 9\n", {0}, {1, 24, 9, 2}, "9 columns: guest time is in user already"},
-             Case{"cpu0 1 2 3 4 5 6 7 8 9 10\nintr 5\n", {0}, {1, 24, 9, 2}, "10 columns"},
-             Case{"cpu0 1 2 3 4", {0}, {1, 3, 4, 2}, "the first kernels had 4, no line feed at the end"},
-             Case{"cpu1 1 2 3 4\ncpu7 1 2 3 4\n",
-                  {1, 7},
-                  {1, 3, 4, 2},
-                  "CPU 0 is offline, others are missing"},
-             Case{"", {}, {}, "an empty file"},
-             Case{"cpu 1 2 3 4\nctxt 5\n", {}, {}, "no CPU of its own"},
-             Case{"cpuX 1 2\ncpu0 a b c 4\n", {0}, {0, 0, 4, 0}, "words in the place of numbers"},
-         }) {
+    for (const auto& c : cases) {
         platform::CpuTicks ticks;
         EXPECT_EQ(platform::parseCpuTicks(c.text, ticks), !c.ids.empty()) << c.lesson;
         EXPECT_EQ(ticks.ids, c.ids) << c.lesson;
-        if (!c.first.empty()) {
-            ASSERT_GE(ticks.ticks.size(), 4u);
-            EXPECT_EQ(std::vector<uint64_t>(ticks.ticks.begin(), ticks.ticks.begin() + 4), c.first)
-                << c.lesson;
-        }
+        if (!c.ids.empty()) ticks.ticks.resize(4);
+        EXPECT_EQ(ticks.ticks, c.first) << c.lesson;
     }
 }
 
@@ -71,19 +62,53 @@ TEST(CapturedCpu, ManyCpusAndAnEmptyFile) {
     }
 
     TempRoot machine;
-    std::string thousand = "cpu  0 0 0 0\n";
-    for (int i = 0; i < 1000; ++i) thousand += "cpu" + std::to_string(i) + " 50 0 0 50 0 0 0 0 0 0\n";
-    machine.write("proc/stat", thousand);
+    const auto thousandCpus = [](const std::string& ticks) {
+        std::string text = "cpu  0 0 0 0\n";
+        for (int i = 0; i < 1000; ++i) text += "cpu" + std::to_string(i) + ticks + " 0 0 0 0 0 0\n";
+        return text;
+    };
+    machine.write("proc/stat", thousandCpus(" 50 0 0 50"));
     const auto readers = platform::openReaders(machine.root());
     CpuSampler sampler;
     EXPECT_EQ(sampler.sample(*readers).perCore.size(), 1000u);
     machine.write("proc/stat", ""); // the kernel could not answer: nothing is known, the baseline stays
     EXPECT_TRUE(sampler.sample(*readers).perCore.empty());
-    std::string later = thousand;
-    for (size_t at = 0; (at = later.find(" 50 0 0 50", at)) != std::string::npos; ++at)
-        later.replace(at, 10, " 80 0 0 60");
-    machine.write("proc/stat", later);
+    machine.write("proc/stat", thousandCpus(" 80 0 0 60"));
     EXPECT_DOUBLE_EQ(sampler.sample(*readers).total, 75);
+}
+
+CpuStats between(platform::CpuTicks before, platform::CpuTicks after) {
+    CpuSampler sampler;
+    sampler.advance(before);
+    return sampler.advance(after);
+}
+
+TEST(CpuSampler, SharesOfTheInterval) {
+    // CPU 0: user 20, system 10, idle 60, nice 10. CPU 1 did not move at all.
+    const auto stats =
+        between({{0, 1}, {100, 100, 100, 100, 5, 5, 5, 5}}, {{0, 1}, {120, 110, 160, 110, 5, 5, 5, 5}});
+    EXPECT_DOUBLE_EQ(stats.user, 30);
+    EXPECT_DOUBLE_EQ(stats.system, 10);
+    EXPECT_DOUBLE_EQ(stats.idle, 60);
+    EXPECT_DOUBLE_EQ(stats.total, 40);
+    EXPECT_EQ(stats.perCore, (std::vector<double>{40, 0}));
+    EXPECT_EQ(stats.perCoreSystem, (std::vector<double>{10, 0}));
+}
+
+TEST(CpuSampler, WrapAndFallOfACounter) {
+    EXPECT_EQ(tickIncrement(0xffff'fff0, 0x10), 0x20u) << "a 32-bit counter that wrapped";
+    EXPECT_EQ(tickIncrement(0xffff'fff0, 0x1'0000'0010), 0x20u) << "a 64-bit counter past 2^32";
+    EXPECT_EQ(tickIncrement(5000, 4990), 0u) << "idle time that fell";
+    // A falling idle counter must not turn the whole interval into idle time.
+    EXPECT_DOUBLE_EQ(between({{0}, {0, 0, 5000, 0}}, {{0}, {10, 0, 4990, 0}}).total, 100);
+}
+
+TEST(CpuSampler, AnotherSetOfCpusPrimesAgain) {
+    const auto fewer = between({{0, 1}, {1, 1, 1, 1, 1, 1, 1, 1}}, {{0}, {900, 1, 1, 1}});
+    EXPECT_EQ(fewer.idle, 100);
+    EXPECT_EQ(fewer.perCore, std::vector<double>{0});
+    const auto swapped = between({{0, 1}, {1, 1, 1, 1, 1, 1, 1, 1}}, {{0, 2}, {9, 1, 1, 1, 900, 1, 1, 1}});
+    EXPECT_EQ(swapped.idle, 100) << "CPU 1 went and CPU 2 came: their counters must not be compared";
 }
 
 TEST(CapturedMemory, UsedIsWithinATenthOfThePlainFormula) {
@@ -91,10 +116,9 @@ TEST(CapturedMemory, UsedIsWithinATenthOfThePlainFormula) {
         const auto text = quarn::testing::fixture(std::string("hosts/") + machine + "/proc/meminfo");
         platform::MemInfo info;
         ASSERT_TRUE(platform::parseMemInfo(text, info)) << machine;
-        const double plain = static_cast<double>(info.memTotal) - static_cast<double>(info.memFree) -
-                             static_cast<double>(info.buffers) -
-                             static_cast<double>(info.cached - info.shmem) -
-                             static_cast<double>(info.kReclaimable.value_or(info.sReclaimable));
+        const auto plain =
+            static_cast<double>(info.memTotal - info.memFree - info.buffers - (info.cached - info.shmem) -
+                                info.kReclaimable.value_or(info.sReclaimable));
         const SCMem mem = readMemStats(*readersOf(machine));
         const auto total = static_cast<double>(mem.total);
         EXPECT_NEAR(static_cast<double>(mem.used), plain, total / 10) << machine;
@@ -149,6 +173,8 @@ TEST(CapturedProcesses, NumbersAsPublished) {
     EXPECT_EQ(list[0].pid, 584);
     EXPECT_EQ(list[0].name, "(a b ) ( c d) ") << "a name of blanks and brackets";
     EXPECT_EQ(list[0].state, "Running");
+    EXPECT_EQ(list[2].name, "ata_sff");
+    EXPECT_FALSE(list[2].ioKnown);
 
     const auto& vim = list[1];
     EXPECT_EQ(vim.name, "vim");
@@ -163,9 +189,6 @@ TEST(CapturedProcesses, NumbersAsPublished) {
     EXPECT_EQ(vim.diskRead, 1024u);
     EXPECT_EQ(vim.diskWrite, 2048u);
     EXPECT_TRUE(vim.ioKnown);
-
-    EXPECT_EQ(list[2].name, "ata_sff");
-    EXPECT_FALSE(list[2].ioKnown);
 
     double load[3];
     EXPECT_EQ(platform::loadAverage(*readers, load), 3);

@@ -9,21 +9,16 @@ using namespace sysinfo::platform;
 using quarn::testing::TempRoot;
 
 TEST(MachineModel, AsPeopleCallIt) {
-    struct Case {
-        DmiTexts dmi;
-        const char* model;
+    const std::pair<DmiTexts, const char*> cases[] = {
+        {{"Apple Inc.", "MacBookAir7,2", "1.0", "MacBook Air", "", ""}, "MacBookAir7,2"},
+        {{"LENOVO", "20L5CTO1WW", "ThinkPad T480", "ThinkPad T480", "", ""}, "Lenovo ThinkPad T480"},
+        {{"Dell Inc.", "XPS 13 9310", "", "XPS", "", ""}, "Dell XPS 13 9310"},
+        {{"HP", "HP EliteBook 840", "", "", "", ""}, "HP EliteBook 840"},
+        {{"Micro-Star International Co., Ltd.", "MS-7C02", "", "", "", ""}, "Micro-Star MS-7C02"},
+        {{"", "", "", "", "ASUSTeK COMPUTER INC.", "PRIME B450M-A"}, "ASUSTeK COMPUTER PRIME B450M-A"},
+        {{"", "", "", "", "", ""}, ""},
     };
-    for (const auto& c : {
-             Case{{"Apple Inc.", "MacBookAir7,2", "1.0", "MacBook Air", "", ""}, "MacBookAir7,2"},
-             Case{{"LENOVO", "20L5CTO1WW", "ThinkPad T480", "ThinkPad T480", "", ""}, "Lenovo ThinkPad T480"},
-             Case{{"Dell Inc.", "XPS 13 9310", "", "XPS", "", ""}, "Dell XPS 13 9310"},
-             Case{{"HP", "HP EliteBook 840", "", "", "", ""}, "HP EliteBook 840"},
-             Case{{"Micro-Star International Co., Ltd.", "MS-7C02", "", "", "", ""}, "Micro-Star MS-7C02"},
-             Case{{"", "", "", "", "ASUSTeK COMPUTER INC.", "PRIME B450M-A"},
-                  "ASUSTeK COMPUTER PRIME B450M-A"},
-             Case{{"", "", "", "", "", ""}, ""},
-         })
-        EXPECT_EQ(modelOfDmi(c.dmi), c.model);
+    for (const auto& [dmi, model] : cases) EXPECT_EQ(modelOfDmi(dmi), model);
 }
 
 TEST(MachineModel, FieldsThatNobodyFilled) {
@@ -35,21 +30,20 @@ TEST(MachineModel, FieldsThatNobodyFilled) {
 }
 
 TEST(VirtualMachine, IsRecognised) {
-    struct Case {
+    const struct {
         const char *teaches, *file, *content;
         bool isVirtual;
+    } cases[] = {
+        {"the processor says so", "proc/cpuinfo", "flags\t\t: fpu vmx hypervisor\n", true},
+        {"a real one", "proc/cpuinfo", "flags\t\t: fpu vmx\n", false},
+        {"by its maker", "sys/class/dmi/id/sys_vendor", "QEMU\n", true},
+        {"by its product", "sys/class/dmi/id/product_name", "Virtual Machine\n", true},
+        {"a rented real machine", "sys/class/dmi/id/product_name", "m5.metal\n", false},
+        {"a guest of Xen", "sys/hypervisor/type", "xen\n", true},
+        {"its device tree", "proc/device-tree/hypervisor/compatible", "linux,kvm", true},
+        {"a mainframe's guest", "proc/sysinfo", "VM00 Control Program: z/VM 6.1\n", true},
     };
-    for (const auto& c : {
-             Case{"the processor says so", "proc/cpuinfo", "flags\t\t: fpu vmx hypervisor\n", true},
-             Case{"a real one", "proc/cpuinfo", "flags\t\t: fpu vmx\n", false},
-             Case{"by its maker", "sys/class/dmi/id/sys_vendor", "QEMU\n", true},
-             Case{"by its product", "sys/class/dmi/id/product_name", "Virtual Machine\n", true},
-             Case{"a rented real machine", "sys/class/dmi/id/product_name", "m5.metal\n", false},
-             Case{"a guest of Xen", "sys/hypervisor/type", "xen\n", true},
-             Case{"a device tree of a hypervisor", "proc/device-tree/hypervisor/compatible", "linux,kvm",
-                  true},
-             Case{"a mainframe's guest", "proc/sysinfo", "VM00 Control Program: z/VM 6.1\n", true},
-         }) {
+    for (const auto& c : cases) {
         TempRoot root;
         root.write(c.file, c.content);
         EXPECT_EQ(identifyMachine(root.root()).virtualMachine, c.isVirtual) << c.teaches;
@@ -63,9 +57,8 @@ TEST(MachineIdentity, NamesFromTheirFiles) {
     TempRoot root;
     root.write("proc/device-tree/model", std::string("Raspberry Pi 4 Model B Rev 1.4\0", 31))
         .write("usr/lib/os-release", "NAME=x\nPRETTY_NAME=\"Debian \\\"12\\\"\"\nBUILD_ID='rolling'\n")
-        .write("proc/sys/kernel/osrelease", "6.1.21-v8+\n")
-        .write("proc/sys/kernel/arch", "aarch64\n")
-        .write("etc/hostname", "berry\n")
+        .files("proc/sys/kernel", "osrelease=6.1.21-v8+;arch=aarch64")
+        .files("etc", "hostname=berry")
         .write("proc/cpuinfo", "processor: 0\nCPU implementer: 0x41\nCPU part: 0xd46\n"
                                "processor: 1\nCPU implementer: 0x41\nCPU part: 0xd4e\n");
     const auto machine = identifyMachine(root.root());
@@ -87,15 +80,14 @@ TEST(MachineIdentity, NamesFromTheirFiles) {
 }
 
 TEST(CpuInfo, NamesOfManyArchitectures) {
-    for (const auto& [text, name] : std::vector<std::pair<const char*, const char*>>{
-             {"cpu\t\t: POWER7 (architected), altivec supported\n",
-              "POWER7 (architected), altivec supported"},
-             {"uarch\t\t: sifive,u74-mc\nisa\t: rv64imafdc\n", "sifive,u74-mc"},
-             {"model name\t: AMD   Ryzen 7\nmodel name\t: other\n", "AMD Ryzen 7"},
-             {"CPU implementer: 0x99\nCPU part: 0x1\nmodel name: ARMv8\n", "ARMv8"},
-             {"no colon at all", ""},
-         })
-        EXPECT_EQ(processorName(parseCpuInfo(text)), name);
+    const char* const names[][2] = {
+        {"cpu\t\t: POWER7 (architected), altivec supported\n", "POWER7 (architected), altivec supported"},
+        {"uarch\t\t: sifive,u74-mc\nisa\t: rv64imafdc\n", "sifive,u74-mc"},
+        {"model name\t: AMD   Ryzen 7\nmodel name\t: other\n", "AMD Ryzen 7"},
+        {"CPU implementer: 0x99\nCPU part: 0x1\nmodel name: ARMv8\n", "ARMv8"},
+        {"no colon at all", ""},
+    };
+    for (const auto& [text, name] : names) EXPECT_EQ(processorName(parseCpuInfo(text)), name);
     EXPECT_EQ(clockOfName("Xeon @ 3.00GHz"), 3'000'000'000u);
     EXPECT_EQ(clockOfName("Atom @ 800MHz"), 800'000'000u);
     for (const char* name : {"Ryzen", "x @ GHz", "x @ -1GHz", "x @ nanGHz", "@"})

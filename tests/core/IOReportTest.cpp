@@ -8,42 +8,37 @@ namespace {
 
 using namespace sysinfo;
 
-SCPower split(std::vector<EnergyChannel> gained, double seconds) { return splitPower(gained, seconds); }
-
 TEST(PowerSplit, Units) {
-    struct Case {
+    const struct {
         const char* unit;
         int64_t energy;
         double seconds, watts;
-    };
-    for (const auto& c :
-         {Case{"mJ", 500, 0.5, 1}, Case{"nJ", 2'000'000'000, 2, 1}, Case{"uJ", 3'000'000, 1, 3},
-          Case{"µJ", 3'000'000, 1, 3}, Case{"J", 5, 1, 5}, Case{"", 5, 1, 5}})
-        EXPECT_DOUBLE_EQ(split({{"1", "CPU Energy", c.unit, c.energy}}, c.seconds).cpuWatts, c.watts)
-            << c.unit;
+    } cases[] = {{"mJ", 500, 0.5, 1},     {"nJ", 2'000'000'000, 2, 1},
+                 {"uJ", 3'000'000, 1, 3}, {"µJ", 3'000'000, 1, 3},
+                 {"J", 5, 1, 5},          {"", 5, 1, 5}};
+    for (const auto& c : cases)
+        EXPECT_DOUBLE_EQ(channelWatts({"1", "CPU Energy", c.unit, c.energy}, c.seconds), c.watts) << c.unit;
 }
 
 TEST(PowerSplit, ChannelsAndWhatTheyMark) {
-    struct Case {
+    const auto split = [](const EnergySample& gained) { return splitPower(gained, 2); };
+    const struct {
         const char* channel;
         double SCPower::*field;
         bool marks;
-    };
-    for (const auto& c : {Case{"CPU Energy", &SCPower::cpuWatts, true}, Case{"GPU", &SCPower::gpuWatts, true},
-                          Case{"ANE", &SCPower::aneWatts, true}, Case{"DRAM", &SCPower::dramWatts, true},
-                          Case{"ISP", &SCPower::ispWatts, false}, Case{"DISP", &SCPower::displayWatts, false},
-                          Case{"DISPEXT", &SCPower::displayWatts, false}}) {
-        const auto power = split({{"1", c.channel, "J", 2}, {"2", c.channel, "J", 3}}, 1);
+    } cases[] = {{"CPU Energy", &SCPower::cpuWatts, true},  {"GPU", &SCPower::gpuWatts, true},
+                 {"ANE", &SCPower::aneWatts, true},         {"DRAM", &SCPower::dramWatts, true},
+                 {"ISP", &SCPower::ispWatts, false},        {"DISP", &SCPower::displayWatts, false},
+                 {"AVE", &SCPower::encoderWatts, false},    {"VDEC", &SCPower::decoderWatts, false},
+                 {"DISPEXT", &SCPower::displayWatts, false}};
+    for (const auto& c : cases) {
+        const auto power = split({{"1", c.channel, "J", 4}, {"2", c.channel, "J", 6}});
         EXPECT_EQ(power.*c.field, 5) << c.channel << ": channels of one name add up";
-        EXPECT_EQ(power.available, c.marks) << c.channel;
+        EXPECT_EQ(power.available, c.marks) << c.channel << ": the four main domains must not all rest";
     }
-    const auto media = split({{"1", "AVE", "J", 2}, {"2", "VDEC", "J", 1}}, 1);
-    EXPECT_EQ(media.encoderWatts, 2);
-    EXPECT_EQ(media.decoderWatts, 1);
-    EXPECT_FALSE(media.available) << "the four main domains rest at 0";
-    EXPECT_TRUE(split({{"1", "AVE", "J", 2}, {"2", "GPU", "J", 1}}, 1).available);
-    EXPECT_FALSE(split({{"1", "CPU Energy", "J", 0}, {"2", "GPU", "J", 0}}, 1).available);
-    EXPECT_FALSE(split({{"1", "cpu energy", "J", 9}, {"2", "psys", "J", 9}}, 1).available) << "unknown names";
+    EXPECT_TRUE(split({{"1", "AVE", "J", 2}, {"2", "GPU", "J", 1}}).available);
+    EXPECT_FALSE(split({{"1", "CPU Energy", "J", 0}, {"2", "GPU", "J", 0}}).available);
+    EXPECT_FALSE(split({{"1", "cpu energy", "J", 9}, {"2", "psys", "J", 9}}).available) << "unknown names";
 }
 
 TEST(EnergyBetween, OnlyWhatCanBeCompared) {
@@ -55,105 +50,81 @@ TEST(EnergyBetween, OnlyWhatCanBeCompared) {
     EXPECT_EQ(gained[0].energy, 4);
 }
 
-/// Plays back samples, one a call, against a clock that the test moves.
-struct Machine {
+/// A report over samples that are played back, one a call, on a clock that the test moves.
+class Report {
+public:
+    explicit Report(std::deque<std::optional<EnergySample>> script)
+        : report_(
+              std::make_unique<Source>(std::move(script)), [this] { return now_; },
+              [this] { return total_; }) {}
+
+    bool ready() const { return report_.ready(); }
+    SCPower at(uint64_t seconds, double systemWatts = 30) {
+        now_ = seconds * 1'000'000'000;
+        total_ = systemWatts;
+        return report_.sample();
+    }
+
+private:
     struct Source final : EnergySource {
-        std::deque<std::optional<EnergySample>>* script = nullptr;
+        explicit Source(std::deque<std::optional<EnergySample>> samples) : script(std::move(samples)) {}
         std::optional<EnergySample> sample() override {
-            auto next = script->empty() ? std::nullopt : script->front();
-            if (!script->empty()) script->pop_front();
+            auto next = script.front();
+            script.pop_front();
             return next;
         }
+        std::deque<std::optional<EnergySample>> script;
     };
 
-    std::deque<std::optional<EnergySample>> script;
-    uint64_t now = 0;
-    double total = 30;
-
-    IOReport open() {
-        auto source = std::make_unique<Source>();
-        source->script = &script;
-        return {std::move(source), [this] { return now; }, [this] { return total; }};
-    }
+    uint64_t now_ = 0;
+    double total_ = 0;
+    IOReport report_;
 };
 
 EnergySample cpu(int64_t joules) { return {{"p0", "CPU Energy", "J", joules}}; }
-constexpr uint64_t second = 1'000'000'000;
 
-TEST(IOReport, AveragesSinceTheCallBefore) {
-    Machine machine;
-    machine.script = {cpu(100), cpu(110), cpu(150)};
-    auto report = machine.open();
+TEST(IOReport, AveragesSinceTheReadingBefore) {
+    Report report({cpu(100), cpu(110), cpu(150), {}, cpu(180), cpu(190), cpu(195), EnergySample{}, cpu(200)});
     EXPECT_TRUE(report.ready());
-    machine.now = 2 * second;
-    auto power = report.sample();
-    EXPECT_EQ(power.cpuWatts, 5) << "the first call measures from construction";
-    EXPECT_EQ(power.sysWatts, 30);
-    EXPECT_TRUE(power.available);
-    machine.now = 4 * second;
-    machine.total = NAN;
-    power = report.sample();
-    EXPECT_EQ(power.cpuWatts, 20);
-    EXPECT_EQ(power.sysWatts, 0);
-}
+    const struct {
+        uint64_t seconds;
+        double systemWatts, cpu, system;
+        bool available;
+        const char* teaches;
+    } calls[] = {
+        {2, 30, 5, 30, true, "the first call measures from construction"},
+        {4, NAN, 20, 0, true, "nothing tells the power of the whole"},
+        {5, 30, 0, 0, false, "a reading that failed"},
+        {7, 30, 10, 30, true, "over all of the three seconds"},
+        {7, 30, 0, 0, false, "no time went by"},
+        {8, 30, 5, 30, true, "the sample that gave nothing was the new baseline"},
+        {9, 30, 0, 30, false, "the counters may no longer be read"},
+        {10, 30, 0, 30, false, "and are back: nothing to compare with yet"},
+    };
+    for (const auto& call : calls) {
+        const auto power = report.at(call.seconds, call.systemWatts);
+        EXPECT_EQ(power.cpuWatts, call.cpu) << call.teaches;
+        EXPECT_EQ(power.sysWatts, call.system) << call.teaches;
+        EXPECT_EQ(power.available, call.available) << call.teaches;
+    }
 
-TEST(IOReport, NoTimeNoFigures) {
-    Machine machine;
-    machine.script = {cpu(100), cpu(110), cpu(115)};
-    auto report = machine.open();
-    const auto power = report.sample();
-    EXPECT_EQ(power.cpuWatts, 0);
-    EXPECT_EQ(power.sysWatts, 0);
-    EXPECT_FALSE(power.available);
-    machine.now = second;
-    EXPECT_EQ(report.sample().cpuWatts, 5) << "the sample that gave nothing was the new baseline";
-}
-
-TEST(IOReport, FailedReadings) {
-    Machine none;
-    none.script = {std::nullopt, cpu(1)};
-    auto notReady = none.open();
-    none.now = second;
+    Report notReady({{}, cpu(1), cpu(9)});
     EXPECT_FALSE(notReady.ready());
-    EXPECT_EQ(notReady.sample().sysWatts, 0) << "not ready, and it stays so";
-
-    Machine machine;
-    machine.script = {cpu(100), std::nullopt, cpu(130), EnergySample{}, cpu(200)};
-    auto report = machine.open();
-    machine.now = second;
-    EXPECT_EQ(report.sample().cpuWatts, 0);
-    machine.now = 3 * second;
-    EXPECT_EQ(report.sample().cpuWatts, 10) << "over all of the three seconds";
-    machine.now = 4 * second;
-    auto power = report.sample();
-    EXPECT_FALSE(power.available) << "the counters may no longer be read";
-    EXPECT_EQ(power.sysWatts, 30);
-    machine.now = 5 * second;
-    EXPECT_FALSE(report.sample().available) << "and are back: nothing to compare with yet";
+    EXPECT_EQ(notReady.at(1).sysWatts, 0) << "not ready, and it stays so";
 }
 
 TEST(IOReport, DebugLines) {
-    ::setenv("SC_DEBUG", "", 1);
-    Machine machine;
-    machine.script = {cpu(100), cpu(103), EnergySample{}};
-    auto report = machine.open();
-    ::unsetenv("SC_DEBUG");
-    ::testing::internal::CaptureStderr();
-    machine.now = 2 * second;
-    report.sample();
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "delta CPU Energy = 3 (1.5 W)\n");
-    ::testing::internal::CaptureStderr();
-    machine.now = 3 * second;
-    report.sample();
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "delta has no IOReportChannels\n");
-
-    Machine quiet;
-    quiet.script = {cpu(100), cpu(103)};
-    auto silent = quiet.open();
-    ::testing::internal::CaptureStderr();
-    quiet.now = second;
-    silent.sample();
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    for (const bool wanted : {true, false}) {
+        if (wanted) ::setenv("SC_DEBUG", "", 1);
+        Report report({cpu(100), cpu(103), EnergySample{}});
+        ::unsetenv("SC_DEBUG");
+        for (const auto& [second, line] :
+             {std::pair{2, "delta CPU Energy = 3 (1.5 W)\n"}, {3, "delta has no IOReportChannels\n"}}) {
+            ::testing::internal::CaptureStderr();
+            report.at(static_cast<uint64_t>(second));
+            EXPECT_EQ(::testing::internal::GetCapturedStderr(), wanted ? line : "");
+        }
+    }
 }
 
 } // namespace

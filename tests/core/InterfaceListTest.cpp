@@ -21,39 +21,35 @@ using platform::LinkSettings;
 using platform::Media;
 
 TEST(Media, TextsOfPorts) {
-    constexpr bool on = true, off = false;
-    struct Case {
+    constexpr uint32_t unknown = static_cast<uint32_t>(SPEED_UNKNOWN);
+    constexpr uint8_t half = DUPLEX_HALF, full = DUPLEX_FULL, no = DUPLEX_UNKNOWN, on = AUTONEG_ENABLE;
+    const struct {
         LinkSettings settings;
         bool active;
         const char* text;
         uint32_t speed;
+    } cases[] = {
+        {{10, half, PORT_TP, on}, true, "10baseT half-duplex", 10},
+        {{100, full, PORT_TP, on}, true, "100baseTX full-duplex", 100},
+        {{1000, full, PORT_TP, on}, true, "1000baseT full-duplex", 1000},
+        {{5000, full, PORT_TP, AUTONEG_DISABLE}, true, "5000baseT full-duplex", 5000},
+        {{10000, full, PORT_TP, on}, true, "10GbaseT full-duplex", 10000},
+        {{10000, full, PORT_FIBRE, AUTONEG_DISABLE}, true, "full-duplex", 10000},
+        {{40000, full, PORT_DA, AUTONEG_DISABLE}, true, "full-duplex", 40000},
+        {{25000, no, PORT_TP, AUTONEG_DISABLE}, true, "", 25000},
+        {{unknown, no, PORT_TP, on}, false, "auto (no link)", 0},
+        {{unknown, no, PORT_OTHER, AUTONEG_DISABLE}, true, "", 0},
+        {{unknown, no, PORT_OTHER, AUTONEG_DISABLE}, false, "no link", 0},
+        {{unknown, full, PORT_TP, AUTONEG_DISABLE}, false, "full-duplex (no link)", 0},
     };
-    constexpr uint32_t unknown = static_cast<uint32_t>(SPEED_UNKNOWN);
-    for (const auto& c : {
-             Case{{10, DUPLEX_HALF, PORT_TP, AUTONEG_ENABLE}, on, "10baseT half-duplex", 10},
-             Case{{100, DUPLEX_FULL, PORT_TP, AUTONEG_ENABLE}, on, "100baseTX full-duplex", 100},
-             Case{{1000, DUPLEX_FULL, PORT_TP, AUTONEG_ENABLE}, on, "1000baseT full-duplex", 1000},
-             Case{{2500, DUPLEX_FULL, PORT_TP, AUTONEG_ENABLE}, on, "2500baseT full-duplex", 2500},
-             Case{{5000, DUPLEX_FULL, PORT_TP, AUTONEG_DISABLE}, on, "5000baseT full-duplex", 5000},
-             Case{{10000, DUPLEX_FULL, PORT_TP, AUTONEG_ENABLE}, on, "10GbaseT full-duplex", 10000},
-             Case{{10000, DUPLEX_FULL, PORT_FIBRE, AUTONEG_DISABLE}, on, "full-duplex", 10000},
-             Case{{40000, DUPLEX_FULL, PORT_DA, AUTONEG_DISABLE}, on, "full-duplex", 40000},
-             Case{{25000, DUPLEX_UNKNOWN, PORT_TP, AUTONEG_DISABLE}, on, "", 25000},
-             Case{{unknown, DUPLEX_UNKNOWN, PORT_TP, AUTONEG_ENABLE}, off, "auto (no link)", 0},
-             Case{{unknown, DUPLEX_UNKNOWN, PORT_OTHER, AUTONEG_DISABLE}, on, "", 0},
-             Case{{unknown, DUPLEX_UNKNOWN, PORT_OTHER, AUTONEG_DISABLE}, off, "no link", 0},
-             Case{{unknown, DUPLEX_FULL, PORT_TP, AUTONEG_DISABLE}, off, "full-duplex (no link)", 0},
-         }) {
+    for (const auto& c : cases) {
         const Media media = platform::wiredMedia(c.settings, c.active);
         EXPECT_EQ(mediaText(media), c.text);
         EXPECT_EQ(media.speedMbps, c.speed) << c.text;
     }
-    Media media;
-    EXPECT_EQ(mediaText(media), "");
-    media.kind = Media::Kind::wireless;
-    EXPECT_EQ(mediaText(media), "IEEE 802.11 (no link)");
-    media.active = true;
-    EXPECT_EQ(mediaText(media), "IEEE 802.11");
+    EXPECT_EQ(mediaText({}), "");
+    EXPECT_EQ(mediaText({.kind = Media::Kind::wireless}), "IEEE 802.11 (no link)");
+    EXPECT_EQ(mediaText({.kind = Media::Kind::wireless, .active = true}), "IEEE 802.11");
 }
 
 InterfaceAddress address(int family, const char* text, uint8_t prefixLength) {
@@ -78,10 +74,9 @@ TEST(Interface, AddressesInTheirOrder) {
     source.flags = platform::linkPointToPoint;
     EXPECT_EQ(describeInterface(source).broadcast, "");
 
-    for (const auto& [length, mask] : {std::pair<uint8_t, const char*>{0, "0.0.0.0"},
-                                       {1, "128.0.0.0"},
-                                       {32, "255.255.255.255"},
-                                       {200, "255.255.255.255"}}) {
+    const std::pair<uint8_t, const char*> masks[] = {
+        {0, "0.0.0.0"}, {1, "128.0.0.0"}, {32, "255.255.255.255"}, {200, "255.255.255.255"}};
+    for (const auto& [length, mask] : masks) {
         source.addresses = {address(AF_INET, "1.2.3.4", length)};
         EXPECT_EQ(describeInterface(source).netmask, mask);
     }
@@ -91,24 +86,20 @@ TEST(Interface, AddressesInTheirOrder) {
 TEST(Interface, HardwareAddressAndFlags) {
     using Address = std::optional<platform::Interface::HardwareAddress>;
     const Address own{{0x52, 0x54, 0, 0, 0xab, 1}}, placeholder{{2, 0, 0, 0, 0, 0}}, real{{4, 5, 6, 7, 8, 9}};
-    struct Case {
+    const struct {
         Address current, permanent;
         const char* mac;
+    } cases[] = {
+        {own, {}, "52:54:00:00:ab:01"},           {own, real, "52:54:00:00:ab:01"},
+        {placeholder, real, "04:05:06:07:08:09"}, {placeholder, {}, "02:00:00:00:00:00"},
+        {{}, real, "04:05:06:07:08:09"},          {{}, {}, ""},
     };
-    for (const auto& c : {
-             Case{own, {}, "52:54:00:00:ab:01"},
-             Case{own, real, "52:54:00:00:ab:01"},
-             Case{placeholder, real, "04:05:06:07:08:09"},
-             Case{placeholder, {}, "02:00:00:00:00:00"},
-             Case{{}, real, "04:05:06:07:08:09"},
-             Case{{}, {}, ""},
-         }) {
-        platform::Interface source;
+    platform::Interface source;
+    for (const auto& c : cases) {
         source.hardwareAddress = c.current;
         source.permanentAddress = c.permanent;
         EXPECT_EQ(describeInterface(source).mac, c.mac);
     }
-    platform::Interface source;
     source.flags = platform::linkUp | platform::linkMulticast;
     EXPECT_FALSE(describeInterface(source).up) << "switched on, but nothing plugged in";
     EXPECT_TRUE(describeInterface(source).multicastCapable);
@@ -126,29 +117,29 @@ std::string addressMessage(uint8_t family, uint8_t prefixLength, const std::stri
 
 TEST(AddressMessages, OwnAndPeerAndRubbish) {
     const std::string own("\x0a\0\0\1", 4), peer("\x0a\0\0\2", 4), longAddress(16, 'x');
-    struct Case {
-        std::string bytes;
-        size_t count;
-        uint8_t last;
+    const auto plain = attribute(IFA_ADDRESS, own);
+    const struct {
         const char* lesson;
+        std::string bytes;
+        std::string found; ///< the address, if any
+    } cases[] = {
+        {"plain", addressMessage(AF_INET, 24, plain), own},
+        {"the other end comes first",
+         addressMessage(AF_INET, 32, attribute(IFA_ADDRESS, peer) + attribute(IFA_LOCAL, own)), own},
+        {"of another family", addressMessage(AF_INET, 24, attribute(IFA_LOCAL, longAddress)), ""},
+        {"too short", addressMessage(AF_INET6, 24, plain), ""},
+        {"no internet address", addressMessage(AF_UNIX, 24, plain), ""},
+        {"no address", addressMessage(AF_INET, 24, ""), ""},
+        {"no room for a header", message(RTM_NEWADDR, 0, 1, "abc"), ""},
     };
-    for (const auto& c : {
-             Case{addressMessage(AF_INET, 24, attribute(IFA_ADDRESS, own)), 1, 1, "plain"},
-             Case{addressMessage(AF_INET, 32, attribute(IFA_ADDRESS, peer) + attribute(IFA_LOCAL, own)), 1, 1,
-                  "the other end comes first"},
-             Case{addressMessage(AF_INET, 24, attribute(IFA_LOCAL, longAddress)), 0, 0, "of another family"},
-             Case{addressMessage(AF_INET6, 24, attribute(IFA_ADDRESS, own)), 0, 0, "too short"},
-             Case{addressMessage(AF_UNIX, 24, attribute(IFA_ADDRESS, own)), 0, 0, "no internet address"},
-             Case{addressMessage(AF_INET, 24, ""), 0, 0, "no address"},
-             Case{message(RTM_NEWADDR, 0, 1, "abc"), 0, 0, "no room for a header"},
-         }) {
+    for (const auto& c : cases) {
         platform::AnswerProgress progress;
         std::vector<platform::LinkAddress> addresses;
         platform::parseAddresses(c.bytes, 1, progress, addresses);
-        ASSERT_EQ(addresses.size(), c.count) << c.lesson;
-        if (c.count == 0) continue;
+        ASSERT_EQ(addresses.size(), c.found.empty() ? 0u : 1u) << c.lesson;
+        if (c.found.empty()) continue;
         EXPECT_EQ(addresses[0].index, 3u);
-        EXPECT_EQ(addresses[0].address.bytes[3], c.last) << c.lesson;
+        EXPECT_TRUE(std::equal(own.begin(), own.end(), addresses[0].address.bytes.begin())) << c.lesson;
     }
 }
 
@@ -174,40 +165,24 @@ TEST(CapturedInterfaces, AGigabitPort) {
 
 TEST(CapturedInterfaces, UnpluggedWirelessAndIdle) {
     TempRoot machine;
-    const auto port = [&](const std::string& name) {
-        const std::string folder = "sys/class/net/" + name + "/";
-        machine.write(folder + "type", "1\n").write(folder + "flags", "0x1003\n").folder(folder + "device");
-        return folder;
-    };
-    const std::string unplugged = port("eno2"), wireless = port("wlan0"), bond = "sys/class/net/bond0/";
-    machine.write(unplugged + "speed", "-1\n")
-        .write(unplugged + "duplex", "unknown\n")
-        .write(unplugged + "carrier", "0\n")
-        .write(unplugged + "operstate", "down\n")
-        .write(unplugged + "address", "not an address\n")
-        .write(wireless + "operstate", "down\n")
-        .write(wireless + "uevent", "DEVTYPE=wlan\nINTERFACE=wlan0\n")
-        .write(bond + "speed", "2000\n")
-        .write(bond + "duplex", "full\n")
-        .write(bond + "operstate", "up\n")
-        .folder(bond + "bonding");
-    const auto line = [](const std::string& name, int bytes, int drops) {
-        return name + ": " + std::to_string(bytes) + " 2 3 " + std::to_string(drops) +
-               " 0 0 0 0 9 8 7 0 0 6 0 0\n";
-    };
-    machine.write("proc/net/dev", line("wlan0", 5, 4) + line("lo", 99, 0) + line("eno2", 1, 0) +
-                                      line("bond0", 1, 0) + "idle0: 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n");
+    machine
+        .files("sys/class/net/eno2", "type=1;flags=0x1003;speed=-1;duplex=unknown;carrier=0;operstate=down;"
+                                     "address=not an address;device/vendor=0x8086")
+        .files("sys/class/net/wlan0", "type=1;flags=0x1003;operstate=down;device/vendor=0x8086;"
+                                      "uevent=DEVTYPE=wlan\nINTERFACE=wlan0")
+        .files("sys/class/net/bond0", "speed=2000;duplex=full;operstate=up;bonding/mode=balance-rr 0")
+        .write("proc/net/dev", "wlan0: 5 2 3 4 0 0 0 0 9 8 7 0 0 6 0 0\n"
+                               "lo: 99 2 0 0 0 0 0 0 9 8 0 0 0 0 0 0\n"
+                               "eno2: 1 2 0 0 0 0 0 0 9 8 0 0 0 0 0 0\n"
+                               "bond0: 1 2 0 0 0 0 0 0 9 8 0 0 0 0 0 0\n"
+                               "idle0: 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n");
     const auto list = readInterfaces(machine.root());
-    ASSERT_EQ(list.size(), 3u) << "neither the loopback nor what never carried a byte";
-    EXPECT_EQ(list[0].name, "bond0");
-    EXPECT_EQ(list[0].linkSpeedMbps, 2000);
-    EXPECT_EQ(list[1].name, "eno2");
-    EXPECT_EQ(list[1].media, "no link");
-    EXPECT_EQ(list[1].linkSpeedMbps, 0) << "−1 is unknown";
-    EXPECT_EQ(list[1].mac, "");
-    EXPECT_FALSE(list[1].up);
-    EXPECT_EQ(list[2].name, "wlan0");
-    EXPECT_EQ(list[2].media, "IEEE 802.11 (no link)");
+    std::string seen;
+    for (const auto& one : list)
+        seen += one.name + '|' + one.media + '|' + std::to_string(one.linkSpeedMbps) + '|' + one.mac +
+                (one.up ? "|up\n" : "|\n");
+    EXPECT_EQ(seen, "bond0|full-duplex|2000||up\neno2|no link|0||\nwlan0|IEEE 802.11 (no link)|0||\n")
+        << "neither the loopback nor what never carried a byte; a speed of −1 is unknown";
     EXPECT_EQ(list[2].rxErrors, 3u);
     EXPECT_EQ(list[2].drops, 4u);
     EXPECT_EQ(list[2].txErrors, 7u);
@@ -218,16 +193,13 @@ TEST(CapturedInterfaces, UnpluggedWirelessAndIdle) {
 TEST(Interfaces, AddressesAgreeWithTheSystemLibrary) {
     ifaddrs* first = nullptr;
     ASSERT_EQ(::getifaddrs(&first), 0);
-    std::set<std::string> expected;
+    std::set<std::string> expected, listed;
     for (const ifaddrs* each = first; each; each = each->ifa_next) {
         if (!each->ifa_addr || each->ifa_addr->sa_family != AF_INET || each->ifa_flags & IFF_LOOPBACK)
             continue;
-        sockaddr_in socketAddress{};
-        std::memcpy(&socketAddress, each->ifa_addr, sizeof socketAddress);
-        expected.insert(ntop(AF_INET, &socketAddress.sin_addr));
+        expected.insert(ntop(AF_INET, &reinterpret_cast<const sockaddr_in*>(each->ifa_addr)->sin_addr));
     }
     ::freeifaddrs(first);
-    std::set<std::string> listed;
     for (const auto& interface : readInterfaces(SystemRoot::host()))
         for (const auto& text : interface.addrs)
             if (text.find(':') == std::string::npos) listed.insert(text);

@@ -34,40 +34,38 @@ TEST(Nvml, ReadsThroughALibraryLoadedAtRunTime) {
         EXPECT_FALSE(gpus[1].energyMillijoules);
     }
     EXPECT_EQ(sessions(), 0) << "an open session keeps every GPU awake";
+    EXPECT_EQ(slotOfBusId("00010000:01:00.0"), "10000:01:00.0") << "many domains";
+    EXPECT_EQ(slotOfBusId(""), "");
     EXPECT_FALSE(Nvml::open("libquarn-no-such-library.so"));
     EXPECT_FALSE(Nvml::open("libc.so.6")) << "a library without these functions";
 }
 
-TEST(Nvml, BusIds) {
-    EXPECT_EQ(slotOfBusId("00000000:B1:00.0"), "0000:b1:00.0");
-    EXPECT_EQ(slotOfBusId("00010000:01:00.0"), "10000:01:00.0");
-    EXPECT_EQ(slotOfBusId(""), "");
-}
-
 TEST(NvidiaGate, LetsIdleGpusSleep) {
-    const NvidiaGate::State awake{false, true}, asleep{true, true};
+    const struct {
+        double second;
+        bool isAsleep, mayOpen, isBusy;
+        const char* teaches;
+    } steps[] = {
+        {0, true, false, false, "asleep"},
+        {1, false, true, true, "at work"},
+        {10, false, true, false, "at rest since then"},
+        {15, false, true, false, "for less than six seconds"},
+        {16, false, false, false, "for six seconds"},
+        {35, false, false, false, "left alone, so that it can fall asleep"},
+        {36, false, true, false, "another program keeps it awake"},
+        {43, false, false, false, "at rest again"},
+        {44, true, false, false, "asleep at last"},
+        {46, false, true, false, "woken by somebody who has work for it"},
+    };
     NvidiaGate gate;
-    EXPECT_FALSE(gate.mayOpen(0, asleep));
-    EXPECT_TRUE(gate.mayOpen(1, awake));
-    gate.saw(1, true);
-    EXPECT_TRUE(gate.mayOpen(10, awake));
-    gate.saw(10, false);
-    EXPECT_TRUE(gate.mayOpen(15, awake));
-    gate.saw(15, false);
-    EXPECT_FALSE(gate.mayOpen(16, awake)) << "idle for six seconds";
-    EXPECT_FALSE(gate.mayOpen(35, awake));
-    EXPECT_TRUE(gate.mayOpen(36, awake)) << "another program keeps it awake";
-    gate.saw(36, false);
-    EXPECT_FALSE(gate.mayOpen(43, awake));
-    EXPECT_FALSE(gate.mayOpen(44, asleep));
-    EXPECT_TRUE(gate.mayOpen(46, awake)) << "woken by somebody who has work for it";
-}
-
-TEST(NvidiaGate, StaysOpenWhereNothingCanSleep) {
-    NvidiaGate gate;
+    for (const auto& step : steps) {
+        EXPECT_EQ(gate.mayOpen(step.second, {step.isAsleep, true}), step.mayOpen) << step.teaches;
+        if (step.mayOpen) gate.saw(step.second, step.isBusy);
+    }
+    NvidiaGate open;
     for (double now = 0; now < 100; now += 2) {
-        EXPECT_TRUE(gate.mayOpen(now, {false, false}));
-        gate.saw(now, false);
+        EXPECT_TRUE(open.mayOpen(now, {false, false})) << "nothing here can sleep";
+        open.saw(now, false);
     }
 }
 

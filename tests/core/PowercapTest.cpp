@@ -8,14 +8,12 @@ using namespace sysinfo;
 using namespace sysinfo::platform;
 using quarn::testing::TempRoot;
 
-constexpr uint64_t second = 1'000'000'000;
+constexpr uint64_t range = 262'143'328'850; // µJ, of a real processor
 
 /// A small machine with power-capping zones, whose counters a test moves.
 struct Zones : TempRoot {
-    Zones& zone(const std::string& id, const std::string& name, uint64_t energy,
-                uint64_t range = 262'143'328'850) {
-        write(path(id) + "name", name + '\n');
-        write(path(id) + "max_energy_range_uj", std::to_string(range) + '\n');
+    Zones& zone(const std::string& id, const std::string& name, uint64_t energy, uint64_t wrapsAt = range) {
+        files(path(id), "name=" + name + ";max_energy_range_uj=" + std::to_string(wrapsAt));
         return set(id, std::to_string(energy));
     }
     Zones& set(const std::string& id, const std::string& energy) {
@@ -37,24 +35,23 @@ EnergySample sampleAt(Powercap& powercap, double seconds) {
 }
 
 TEST(EnergyCounter, WrapsAndResets) {
-    struct Case {
+    const struct {
         const char* teaches;
         uint64_t before, after, range;
         double seconds;
         uint64_t total;
         uint32_t epoch;
+    } cases[] = {
+        {"counts", 1000, 1500, range, 1, 500, 0},
+        {"wraps", range - 20'000'000, 30'000'000, range, 1, 50'000'000, 0},
+        {"was set back: 100 kW would be no wrap", range / 2, 0, range, 1, 0, 1},
+        {"was left so long that it may have wrapped unseen", 1000, 5000, range, 600, 0, 1},
+        {"was left long, but has a long range", 1000, 5000, 262'143'328'850'000, 600, 4000, 0},
+        {"falls without a range", 1000, 500, 0, 1, 0, 1},
+        {"exceeds its own range", 2000, 500, 1000, 1, 0, 1},
+        {"never wraps", 1000, 1500, 0, 1e6, 500, 0},
     };
-    const uint64_t range = 262'143'328'850; // µJ, of a real processor
-    for (const auto& c : {
-             Case{"counts", 1000, 1500, range, 1, 500, 0},
-             Case{"wraps", range - 20'000'000, 30'000'000, range, 1, 50'000'000, 0},
-             Case{"was set back: 100 kW would be no wrap", range / 2, 0, range, 1, 0, 1},
-             Case{"was left so long that it may have wrapped unseen", 1000, 5000, range, 600, 0, 1},
-             Case{"was left long, but has a long range", 1000, 5000, 262'143'328'850'000, 600, 4000, 0},
-             Case{"falls without a range", 1000, 500, 0, 1, 0, 1},
-             Case{"exceeds its own range", 2000, 500, 1000, 1, 0, 1},
-             Case{"never wraps", 1000, 1500, 0, 1e6, 500, 0},
-         }) {
+    for (const auto& c : cases) {
         EnergyCounter counter;
         EXPECT_EQ(counter.advance(c.before, c.range, 1e9), 0u) << "the first reading is the start";
         EXPECT_EQ(counter.advance(c.after, c.range, c.seconds), c.total) << c.teaches;
@@ -62,49 +59,48 @@ TEST(EnergyCounter, WrapsAndResets) {
     }
 }
 
+std::string channelsOf(const SystemRoot& root) {
+    Powercap powercap(root);
+    std::string names;
+    for (const auto& channel : sampleAt(powercap, 1)) names += channel.name + ' ';
+    return names;
+}
+
 TEST(Powercap, CapturedMachines) {
-    struct Case {
-        const char *machine, *teaches;
-        std::vector<std::string> channels;
+    const auto captured = [](const char* name) {
+        return channelsOf(SystemRoot(QUARN_FIXTURES "/power/" + std::string(name)));
     };
-    for (const auto& c : {
-             Case{"two-packages",
-                  "two packages, one of a letter; the part \"core\" is not added to them",
-                  {"CPU Energy", "CPU Energy"}},
-             Case{"package-and-core", "one package", {"CPU Energy"}},
-         }) {
-        SCOPED_TRACE(c.teaches);
-        Powercap powercap(SystemRoot(std::string(QUARN_FIXTURES) + "/power/" + c.machine));
-        std::vector<std::string> names;
-        for (const auto& channel : sampleAt(powercap, 1)) names.push_back(channel.name);
-        EXPECT_EQ(names, c.channels);
-    }
+    EXPECT_EQ(captured("two-packages"), "CPU Energy CPU Energy ") << "one of a letter; \"core\" is a part";
+    EXPECT_EQ(captured("package-and-core"), "CPU Energy ");
+    const auto laptop = quarn::testing::outsideCapture("pcp/denki/Thinkpad_L480_bat_busy");
+    const auto server = quarn::testing::outsideCapture("pcp-xeon40");
+    if (!laptop || !server) GTEST_SKIP() << "no captures beside the repository";
+    EXPECT_EQ(channelsOf(SystemRoot(laptop->string())), "GPU CPU Energy DRAM ")
+        << "nested folders, files padded with NULs; psys gives none";
+    EXPECT_EQ(listPowercapZones(SystemRoot(server->string())).size(), 2u);
 }
 
 TEST(Powercap, NoEnergyIsCountedTwice) {
     Zones machine;
-    machine.zone("intel-rapl:0", "package-0", 1'000'000)
-        .zone("intel-rapl:0:0", "core", 500'000)
-        .zone("intel-rapl:0:1", "uncore", 200'000)
-        .zone("intel-rapl:0:2", "dram", 300'000)
-        .zone("intel-rapl:1", "psys", 9'000'000)
-        .zone("intel-rapl-mmio:0", "package-0", 1'000'000)
-        .zone("intel-rapl-mmio:0:0", "dram", 300'000);
-    machine.write("sys/class/powercap/intel-rapl/enabled", "1\n");
+    machine.files(Zones::path("intel-rapl"), "enabled=1");
+    const struct {
+        const char *id, *name;
+        uint64_t before, after;
+    } zones[] = {{"intel-rapl:0", "package-0", 1'000'000, 11'000'000},
+                 {"intel-rapl:0:0", "core", 500'000, 6'000'000},
+                 {"intel-rapl:0:1", "uncore", 200'000, 3'200'000},
+                 {"intel-rapl:0:2", "dram", 300'000, 2'300'000},
+                 {"intel-rapl:1", "psys", 9'000'000, 59'000'000},
+                 {"intel-rapl-mmio:0", "package-0", 1'000'000, 11'000'000},
+                 {"intel-rapl-mmio:0:0", "dram", 300'000, 2'300'000}};
+    for (const auto& zone : zones) machine.zone(zone.id, zone.name, zone.before);
     Powercap powercap(machine.root());
     const auto first = sampleAt(powercap, 0);
-    machine.set("intel-rapl:0", "11000000")
-        .set("intel-rapl:0:0", "6000000")
-        .set("intel-rapl:0:1", "3200000")
-        .set("intel-rapl:0:2", "2300000")
-        .set("intel-rapl:1", "59000000")
-        .set("intel-rapl-mmio:0", "11000000")
-        .set("intel-rapl-mmio:0:0", "2300000");
+    for (const auto& zone : zones) machine.set(zone.id, std::to_string(zone.after));
     const auto power = splitPower(energyBetween(first, sampleAt(powercap, 1)), 1);
     EXPECT_DOUBLE_EQ(power.cpuWatts, 7) << "the package less the GPU on it";
     EXPECT_DOUBLE_EQ(power.gpuWatts, 3);
     EXPECT_DOUBLE_EQ(power.dramWatts, 2);
-    EXPECT_DOUBLE_EQ(power.cpuWatts + power.gpuWatts, 10) << "as much as the package spent";
 }
 
 TEST(Powercap, AWrapGoesUnnoticed) {
@@ -165,17 +161,6 @@ TEST(Powercap, TheDifferenceOfTwoCountersNeverFalls) {
     const auto gained = energyBetween(second1, sampleAt(powercap, 2));
     ASSERT_EQ(gained.size(), 2u);
     for (const auto& channel : gained) EXPECT_EQ(channel.energy, channel.name == "GPU" ? 500 : 0);
-}
-
-TEST(PowercapCaptures, NestedFoldersAndFilesPaddedWithNuls) {
-    const auto laptop = quarn::testing::outsideCapture("pcp/denki/Thinkpad_L480_bat_busy");
-    const auto server = quarn::testing::outsideCapture("pcp-xeon40");
-    if (!laptop || !server) GTEST_SKIP() << "no captures beside the repository";
-    Powercap powercap{SystemRoot(laptop->string())};
-    std::vector<std::string> names;
-    for (const auto& channel : sampleAt(powercap, 1)) names.push_back(channel.name);
-    EXPECT_EQ(names, (std::vector<std::string>{"GPU", "CPU Energy", "DRAM"})) << "psys gives none";
-    EXPECT_EQ(listPowercapZones(SystemRoot(server->string())).size(), 2u);
 }
 
 } // namespace

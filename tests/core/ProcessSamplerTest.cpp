@@ -52,20 +52,17 @@ TEST(ProcessSampler, ShareOfEachCase) {
 }
 
 TEST(ProcessSampler, NameRule) {
-    struct Case {
-        const char *shortName, *path, *expected, *rule;
+    const char* const cases[][4] = {
+        {"a cut name", "gnome-terminal-", "/usr/libexec/gnome-terminal-server", "gnome-terminal-server"},
+        {"a shorter file name never replaces", "Web Content", "/usr/lib/firefox", "Web Content"},
+        {"equal", "bash", "/bin/bash", "bash"},
+        {"longer than the kernel keeps whole", "exactly16bytes_x", "/bin/sh", "sh"},
+        {"no executable", "kworker/0:1", "", "kworker/0:1"},
+        {"no last component", "x", "/usr/bin/", "x"},
+        {"a path of one component", "x", "python3", "python3"},
     };
-    for (const auto& c : {
-             Case{"gnome-terminal-", "/usr/libexec/gnome-terminal-server", "gnome-terminal-server",
-                  "a cut name"},
-             Case{"Web Content", "/usr/lib/firefox", "Web Content", "a shorter file name never replaces"},
-             Case{"bash", "/bin/bash", "bash", "equal"},
-             Case{"exactly16bytes_x", "/bin/sh", "sh", "longer than the kernel keeps whole"},
-             Case{"kworker/0:1", "", "kworker/0:1", "no executable"},
-             Case{"x", "/usr/bin/", "x", "no last component"},
-             Case{"x", "python3", "python3", "a path of one component"},
-         })
-        EXPECT_EQ(displayName(c.shortName, c.path), c.expected) << c.rule;
+    for (const auto& [rule, shortName, path, expected] : cases)
+        EXPECT_EQ(displayName(shortName, path), expected) << rule;
 }
 
 TEST(ProcessSampler, StatesAndUsers) {

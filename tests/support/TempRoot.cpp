@@ -28,6 +28,15 @@ TempRoot& TempRoot::write(std::string_view relative, std::string_view content) {
     return *this;
 }
 
+TempRoot& TempRoot::files(std::string_view folder, std::string_view listing) {
+    std::istringstream entries{std::string(listing)};
+    for (std::string entry; std::getline(entries, entry, ';');) {
+        const size_t equals = entry.find('=');
+        write(std::string(folder) + '/' + entry.substr(0, equals), entry.substr(equals + 1) + '\n');
+    }
+    return *this;
+}
+
 TempRoot& TempRoot::link(std::string_view relative, std::string_view target) {
     const fs::path file = path_ / relative;
     fs::create_directories(file.parent_path());

@@ -22,6 +22,8 @@ public:
 
     /// Writes `relative` ("proc/stat") with its folders, replacing a former content.
     TempRoot& write(std::string_view relative, std::string_view content);
+    /// Writes files of one line each into `folder`: "speed=-1;duplex=unknown".
+    TempRoot& files(std::string_view folder, std::string_view listing);
     TempRoot& link(std::string_view relative, std::string_view target);
     TempRoot& folder(std::string_view relative);
     TempRoot& remove(std::string_view relative);
