@@ -1,5 +1,5 @@
 #include "core/Battery.h"
-#include "core/linux/PowerSupply.h"
+#include "SupplyText.h"
 #include "support/TempRoot.h"
 
 #include <nlohmann/json.hpp>
@@ -10,31 +10,11 @@ namespace {
 
 using namespace sysinfo;
 using nlohmann::json;
-using quarn::testing::TempRoot;
+using namespace quarn::testing;
 
-/// A battery whose driver offers `attributes` ("status=Full;charge_now=9") before the usual ones.
-PowerSupply battery(const std::string& attributes) {
-    const std::string all = ';' + attributes + ";type=Battery;present=1;";
-    return platform::describePowerSupply("BAT0", [&](std::string_view key) {
-        const std::string start = ';' + std::string(key) + '=';
-        const size_t at = all.find(start);
-        if (at == all.npos) return std::string();
-        const size_t value = at + start.size();
-        return all.substr(value, all.find(';', value) - value);
-    });
-}
+PowerSupply battery(const std::string& attributes) { return supply(attributes + ";type=Battery;present=1"); }
 
-BatteryInfo derived(const std::string& attributes) {
-    const std::vector<PowerSupply> supplies{battery(attributes)};
-    return deriveBattery(supplies);
-}
-
-PowerSupply mains(bool online) {
-    PowerSupply supply;
-    supply.kind = PowerSupply::Kind::external;
-    supply.online = online;
-    return supply;
-}
+BatteryInfo derived(const std::string& attributes) { return deriveBattery(std::vector{battery(attributes)}); }
 
 TEST(Battery, CapturedMachines) {
     const struct {
@@ -132,17 +112,17 @@ TEST(Battery, Times) {
 }
 
 TEST(Battery, ExternalPower) {
-    PowerSupply receiver = mains(true);
-    receiver.peripheral = true;
+    const auto plugged = supply("type=Mains;online=1"), unplugged = supply("type=Mains;online=0");
+    const auto receiver = supply("type=Mains;online=1;scope=Device");
     const struct {
         const char *teaches, *status;
         std::vector<PowerSupply> sources;
         bool onAC;
     } cases[] = {
-        {"the mains beside a draining battery", "Discharging", {mains(true)}, true},
-        {"one of two USB-C ports", "Charging", {mains(false), mains(true)}, true},
-        {"just unplugged", "Full", {mains(false)}, false},
-        {"a port that does not show itself", "Charging", {mains(false)}, true},
+        {"the mains beside a draining battery", "Discharging", {plugged}, true},
+        {"one of two USB-C ports", "Charging", {unplugged, plugged}, true},
+        {"just unplugged", "Full", {unplugged}, false},
+        {"a port that does not show itself", "Charging", {unplugged}, true},
         {"a full battery and nothing else to go by", "Full", {}, true},
         {"nothing known", "Unknown", {}, false},
         {"a charging mouse is not the mains", "Discharging", {receiver}, false},
@@ -210,7 +190,7 @@ void compare(const BatteryInfo& battery, const json& expected) {
 }
 
 TEST(Battery, AgreesWithPublishedExpectations) {
-    const auto folder = quarn::testing::outsideCapture("upower");
+    const auto folder = outsideCapture("upower");
     if (!folder) GTEST_SKIP() << "no captures beside the repository";
     int compared = 0;
     for (const auto& machine : std::filesystem::directory_iterator(*folder)) {

@@ -11,19 +11,13 @@ const std::string folder = "sys/devices/platform/applesmc.768";
 /// The Apple SMC driver's key files: a cursor that is written, and what lies under it.
 struct AppleKeyFiles {
     struct Key {
-        std::string name;
-        std::string type;
-        std::string data;
+        std::string name, type, data;
     };
 
     AppleKeyFiles() {
-        root.write(folder + "/key_at_index", "0\n").write(folder + "/name", "applesmc\n");
-        root.write(folder + "/key_count", std::to_string(keys.size()) + "\n");
-        root.folder("sys/class/hwmon");
-        root.write("sys/class/hwmon/hwmon0/name", "applesmc\n");
-        root.write("sys/class/hwmon/hwmon0/temp1_input", "61000\n");
-        root.write("sys/class/hwmon/hwmon0/temp1_label", "TC0P\n");
-        root.write("sys/class/hwmon/hwmon0/fan1_input", "1800\n");
+        root.files(folder, "key_at_index=0;name=applesmc;key_count=" + std::to_string(keys.size()))
+            .files("sys/class/hwmon/hwmon0",
+                   "name=applesmc;temp1_input=61000;temp1_label=TC0P;fan1_input=1800");
     }
 
     SensorMachine::Hook reader() {

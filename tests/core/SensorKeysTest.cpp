@@ -38,37 +38,32 @@ TEST(SensorKeys, ManySensorsGetDifferentTemperatureKeys) {
 }
 
 TEST(SensorKeys, ADeviceKeepsItsKeyWhenOthersAreFirst) {
-    SensorKeys alone;
-    SensorKeys crowded;
-    const auto key = alone.assign(SensorKind::temperature, SensorClass::nvme, "nvme|S4X1", 1);
-    crowded.assign(SensorKind::temperature, SensorClass::nvme, "nvme|other", 1);
-    EXPECT_EQ(crowded.assign(SensorKind::temperature, SensorClass::nvme, "nvme|S4X1", 1), key);
+    const auto keyBehind = [](const std::vector<const char*>& others) {
+        SensorKeys keys;
+        for (const char* other : others) keys.assign(SensorKind::temperature, SensorClass::nvme, other, 1);
+        return keys.assign(SensorKind::temperature, SensorClass::nvme, "nvme|S4X1", 1);
+    };
+    EXPECT_EQ(keyBehind({}), keyBehind({"nvme|other"}));
 }
 
-TEST(SensorKeys, SixteenFansAndNoMore) {
+TEST(SensorKeys, SixteenFansAndEachOfTheHardwaresOwnKeysOnce) {
     SensorKeys keys;
-    std::string last;
-    for (int fan = 0; fan < 16; ++fan)
-        last = text(keys.assign(SensorKind::fan, SensorClass::board, "nct6779|a", fan));
-    EXPECT_EQ(last, "FFAc");
-    EXPECT_EQ(keys.assign(SensorKind::fan, SensorClass::board, "nct6779|a", 16), 0u);
-}
-
-TEST(SensorKeys, TheHardwaresOwnKeyIsTakenOnce) {
-    SensorKeys keys;
-    EXPECT_EQ(text(keys.assignNamed(smcCode("TC0P"), "applesmc|a", 3)), "TC0P");
-    EXPECT_EQ(text(keys.assignNamed(smcCode("TC0P"), "applesmc|a", 3)), "TC0P");
+    std::string fans;
+    for (int fan = 0; fan <= 16; ++fan)
+        fans += text(keys.assign(SensorKind::fan, SensorClass::board, "nct6779|a", fan));
+    EXPECT_EQ(fans, "F0AcF1AcF2AcF3AcF4AcF5AcF6AcF7AcF8AcF9AcFAAcFBAcFCAcFDAcFEAcFFAc")
+        << "the last has none";
+    for (int again = 0; again < 2; ++again)
+        EXPECT_EQ(text(keys.assignNamed(smcCode("TC0P"), "applesmc|a", 3)), "TC0P");
     EXPECT_EQ(keys.assignNamed(smcCode("TC0P"), "applesmc|b", 3), 0u);
 }
 
 TEST(SensorClass, WhereAChipBelongs) {
-    struct Case {
-        const char* name;
-        const char* device;
+    const struct {
+        const char *name, *device;
         uint32_t pciClass;
         SensorClass expected;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"k10temp", "", 0x060000, SensorClass::cpu},
         {"amdgpu", "/sys/devices/pci0000:00/0000:01:00.0", 0x030000, SensorClass::gpu},
         {"unheard_of", "/sys/devices/pci0000:00/0000:01:00.0", 0x030000, SensorClass::gpu},
@@ -81,7 +76,7 @@ TEST(SensorClass, WhereAChipBelongs) {
         {"nct6779", "/sys/devices/platform/nct6775.656", 0, SensorClass::board},
         {"", "", 0, SensorClass::board},
     };
-    for (const Case& one : cases)
+    for (const auto& one : cases)
         EXPECT_EQ(classOfChip(one.name, one.device, one.pciClass), one.expected) << one.name << one.device;
 
     EXPECT_EQ(classOfSensor(SensorClass::board, "CPUTIN"), SensorClass::cpu);
@@ -92,13 +87,12 @@ TEST(SensorClass, WhereAChipBelongs) {
 
 TEST(SensorClass, AttributeNames) {
     using Item = HwmonAttribute::Item;
-    struct Case {
+    const struct {
         const char* name;
         int number;
         SensorKind kind;
         Item item;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"temp12_input", 12, SensorKind::temperature, Item::input},
         {"in0_input", 0, SensorKind::voltage, Item::input},
         {"power1_average", 1, SensorKind::power, Item::average},
@@ -107,20 +101,16 @@ TEST(SensorClass, AttributeNames) {
         {"temp1_crit_alarm", 1, SensorKind::temperature, Item::other},
         {"power1_average_interval", 1, SensorKind::power, Item::other},
         {"temp1", 1, SensorKind::temperature, Item::other},
-        {"intrusion0_alarm", -1, {}, Item::other},
-        {"in-1_input", -1, {}, Item::other},
-        {"temp99999999_input", -1, {}, Item::other},
-        {"temp_input", -1, {}, Item::other},
-        {"freq1_input", -1, {}, Item::other},
-        {"", -1, {}, Item::other},
     };
-    for (const Case& one : cases) {
+    for (const auto& one : cases) {
         const auto attribute = parseHwmonAttribute(one.name);
         EXPECT_EQ(attribute.number, one.number) << one.name;
-        if (one.number < 0) continue;
         EXPECT_EQ(attribute.kind, one.kind) << one.name;
         EXPECT_EQ(attribute.item, one.item) << one.name;
     }
+    for (const char* name :
+         {"intrusion0_alarm", "in-1_input", "temp99999999_input", "temp_input", "freq1_input", ""})
+        EXPECT_EQ(parseHwmonAttribute(name).number, -1) << name;
 }
 
 TEST(SensorClass, LimitsThatAreNone) {

@@ -1,48 +1,31 @@
 #include "core/linux/SensorSupply.h"
 
 #include "SensorSupport.h"
+#include "SupplyText.h"
 
 #include <cmath>
 
 namespace {
 
+using namespace quarn::testing;
 using namespace sysinfo::platform;
-using quarn::testing::SensorMachine;
-using quarn::testing::TempRoot;
-using sysinfo::PowerSupply;
 
 TEST(SensorSupply, WhatTheMachineDraws) {
-    struct Case {
+    const std::string all = "type=Battery;status=Discharging;power_now=12000000;voltage_now=11500000;"
+                            "current_now=900000";
+    const auto battery = supply(all), signedPower = supply("power_now=-12000000;" + all),
+               byCurrent = supply("power_now=0;current_now=-1000000;" + all),
+               silent = supply("power_now=;current_now=;" + all), charging = supply("status=Charging;" + all),
+               mouse = supply("scope=Device;" + all), unplugged = supply("type=Mains;online=0"),
+               plugged = supply("type=Mains;online=1"),
+               usb = supply("type=USB;online=1;voltage_now=20000000;current_now=2250000");
+    const struct {
         const char* what;
-        std::vector<PowerSupply> supplies;
-        std::optional<double> draw;
-        std::optional<double> input;
-    };
-    PowerSupply battery;
-    battery.kind = PowerSupply::Kind::battery;
-    battery.status = PowerSupply::Status::discharging;
-    battery.powerNow = 12'000'000;
-    battery.voltageNow = 11'500'000;
-    battery.currentNow = 900'000;
-    PowerSupply negative = battery, byCurrent = battery, silent = battery, charging = battery,
-                mouse = battery;
-    negative.powerNow = -12'000'000;
-    byCurrent.powerNow = 0;
-    byCurrent.currentNow = -1'000'000;
-    silent.powerNow = silent.currentNow = {};
-    charging.status = PowerSupply::Status::charging;
-    mouse.peripheral = true;
-    PowerSupply unplugged;
-    unplugged.kind = PowerSupply::Kind::external;
-    unplugged.online = false;
-    PowerSupply plugged = unplugged;
-    plugged.online = true;
-    PowerSupply usb = plugged;
-    usb.voltageNow = 20'000'000;
-    usb.currentNow = 2'250'000;
-    const Case cases[] = {
+        std::vector<sysinfo::PowerSupply> supplies;
+        std::optional<double> draw, input;
+    } cases[] = {
         {"a battery", {battery, unplugged}, 12, {}},
-        {"a driver that signs its power", {negative}, 12, {}},
+        {"a driver that signs its power", {signedPower}, 12, {}},
         {"power 0 beside a current", {byCurrent}, 11.5, {}},
         {"two batteries", {battery, byCurrent}, 23.5, {}},
         {"neither power nor current", {silent}, {}, {}},
@@ -52,7 +35,7 @@ TEST(SensorSupply, WhatTheMachineDraws) {
         {"a mouse", {mouse}, {}, {}},
         {"nothing", {}, {}, {}},
     };
-    for (const Case& one : cases) {
+    for (const auto& one : cases) {
         EXPECT_EQ(batteryDraw(one.supplies), one.draw) << one.what;
         EXPECT_EQ(adapterInput(one.supplies), one.input) << one.what;
     }
@@ -65,9 +48,8 @@ TEST(SensorSupply, PlatformEnergyOverTime) {
 
     TempRoot root;
     const std::string zone = "sys/class/powercap/intel-rapl:1";
-    root.write("sys/class/powercap/intel-rapl:0/name", "package-0\n");
-    root.write(zone + "/name", "psys\n").write(zone + "/energy_uj", "5000000\n");
-    root.write(zone + "/max_energy_range_uj", "262143328850\n");
+    root.files("sys/class/powercap/intel-rapl:0", "name=package-0");
+    root.files(zone, "name=psys;energy_uj=5000000;max_energy_range_uj=262143328850");
     SensorMachine machine(root.root());
     EXPECT_TRUE(std::isnan(machine.sensors.value("PSTR"))) << "one reading is no power";
     machine.pass(2);

@@ -1,5 +1,6 @@
 // Real loopback sockets of this process and of a child, as the listing shows them.
 #include "core/SocketList.h"
+#include "ListedSockets.h"
 #include "core/linux/SocketDiag.h"
 #include "support/Child.h"
 #include "support/TempRoot.h"
@@ -16,7 +17,7 @@
 namespace {
 
 using namespace sysinfo;
-using quarn::testing::Child;
+using namespace quarn::testing;
 using scutil::UniqueFd;
 
 constexpr int listenState = 1, establishedState = 4, closeWaitState = 5;
@@ -27,16 +28,13 @@ union Address {
     sockaddr_in6 v6;
 };
 
-Address address(int family, const char* host, uint16_t port = 0) {
+Address address(const std::string& host, uint16_t port = 0) {
     Address result{};
-    result.plain.sa_family = static_cast<sa_family_t>(family);
-    if (family == AF_INET) {
-        result.v4.sin_port = htons(port);
-        EXPECT_EQ(::inet_pton(family, host, &result.v4.sin_addr), 1);
-    } else {
-        result.v6.sin6_port = htons(port);
-        EXPECT_EQ(::inet_pton(family, host, &result.v6.sin6_addr), 1);
-    }
+    const bool isIPv6 = host.find(':') != std::string::npos;
+    result.plain.sa_family = isIPv6 ? AF_INET6 : AF_INET;
+    (isIPv6 ? result.v6.sin6_port : result.v4.sin_port) = htons(port);
+    void* bytes = isIPv6 ? static_cast<void*>(&result.v6.sin6_addr) : &result.v4.sin_addr;
+    EXPECT_EQ(::inet_pton(result.plain.sa_family, host.c_str(), bytes), 1);
     return result;
 }
 
@@ -59,8 +57,8 @@ UniqueFd bound(int type, const Address& to, bool onlyIPv6 = false) {
     return socket;
 }
 
-UniqueFd connected(int type, const Address& to, int family) {
-    UniqueFd socket(::socket(family, type | SOCK_CLOEXEC, 0));
+UniqueFd connected(int type, const Address& to) {
+    UniqueFd socket(::socket(to.plain.sa_family, type | SOCK_CLOEXEC, 0));
     EXPECT_EQ(::connect(socket.get(), &to.plain, size(to)), 0) << std::strerror(errno);
     return socket;
 }
@@ -76,26 +74,14 @@ std::vector<SCSocket> ofPort(const std::vector<SCSocket>& all, uint16_t port, in
     return result;
 }
 
-std::vector<SCSocket> listed(SocketLister& lister, SocketScope scope = SocketScope::inspectable) {
-    std::vector<SCSocket> result;
-    const auto sockets = lister.list(scope).value();
-    for (const auto* socket : sockets) result.push_back(flatSocket(*socket));
-    return result;
-}
-
-std::vector<SCSocket> listed(SocketScope scope = SocketScope::inspectable) {
-    SocketLister lister(SystemRoot::host());
-    return listed(lister, scope);
-}
-
 bool hasIPv6() { return bool(std::ifstream("/proc/net/if_inet6").get() != EOF); }
 
 TEST(SocketList, ShowsEachKindOfSocketAsItIs) {
-    const auto any = bound(SOCK_STREAM, address(AF_INET, "0.0.0.0"));
-    const auto client = connected(SOCK_STREAM, address(AF_INET, "127.0.0.1", portOf(any)), AF_INET);
+    const auto any = bound(SOCK_STREAM, address("0.0.0.0"));
+    const auto client = connected(SOCK_STREAM, address("127.0.0.1", portOf(any)));
     const auto server = accepted(any);
-    const auto udp = bound(SOCK_DGRAM, address(AF_INET, "127.0.0.1"));
-    const auto udpClient = connected(SOCK_DGRAM, address(AF_INET, "127.0.0.1", portOf(udp)), AF_INET);
+    const auto udp = bound(SOCK_DGRAM, address("127.0.0.1"));
+    const auto udpClient = connected(SOCK_DGRAM, address("127.0.0.1", portOf(udp)));
 
     uint32_t count = 99;
     SCSocket* flat = sc_read_sockets(&count);
@@ -134,12 +120,11 @@ TEST(SocketList, ShowsEachKindOfSocketAsItIs) {
 
 TEST(SocketList, ShowsIPv4TextsWhereADualStackSocketSpeaksIPv4) {
     if (!hasIPv6()) GTEST_SKIP() << "this kernel has no IPv6";
-    const auto dual = bound(SOCK_STREAM, address(AF_INET6, "::"));
-    const auto only = bound(SOCK_STREAM, address(AF_INET6, "::1"), true);
-    const auto v4Client =
-        connected(SOCK_STREAM, address(AF_INET6, "::ffff:127.0.0.1", portOf(dual)), AF_INET6);
+    const auto dual = bound(SOCK_STREAM, address("::"));
+    const auto only = bound(SOCK_STREAM, address("::1"), true);
+    const auto v4Client = connected(SOCK_STREAM, address("::ffff:127.0.0.1", portOf(dual)));
     const auto fromV4 = accepted(dual);
-    const auto v6Client = connected(SOCK_STREAM, address(AF_INET6, "::1", portOf(only)), AF_INET6);
+    const auto v6Client = connected(SOCK_STREAM, address("::1", portOf(only)));
     const auto fromV6 = accepted(only);
 
     const auto all = listed();
@@ -159,7 +144,7 @@ TEST(SocketList, ShowsIPv4TextsWhereADualStackSocketSpeaksIPv4) {
 }
 
 TEST(SocketList, ListsAnInheritedSocketOnceUnderTheLowestPid) {
-    const auto shared = bound(SOCK_STREAM, address(AF_INET, "127.0.0.1"));
+    const auto shared = bound(SOCK_STREAM, address("127.0.0.1"));
     const UniqueFd twice(::dup(shared.get()));
     const Child child;
     const auto found = ofPort(listed(), portOf(shared));
@@ -168,8 +153,8 @@ TEST(SocketList, ListsAnInheritedSocketOnceUnderTheLowestPid) {
 }
 
 TEST(SocketList, ShowsSocketsThatNoProcessHoldsOnlyOnRequest) {
-    const auto listening = bound(SOCK_STREAM, address(AF_INET, "127.0.0.1"));
-    auto client = connected(SOCK_STREAM, address(AF_INET, "127.0.0.1", portOf(listening)), AF_INET);
+    const auto listening = bound(SOCK_STREAM, address("127.0.0.1"));
+    auto client = connected(SOCK_STREAM, address("127.0.0.1", portOf(listening)));
     const auto server = accepted(listening);
     const uint16_t port = portOf(client);
     client.reset(); // the kernel keeps its end until the server closes too
@@ -189,7 +174,7 @@ TEST(SocketList, ShowsSocketsThatNoProcessHoldsOnlyOnRequest) {
 /// A child that opens and closes a listening socket and changes its name on command.
 void obey(char letter) {
     static UniqueFd socket;
-    if (letter == 'o') socket = bound(SOCK_STREAM, address(AF_INET, "127.0.0.9"));
+    if (letter == 'o') socket = bound(SOCK_STREAM, address("127.0.0.9"));
     if (letter == 'c') socket.reset();
     if (letter == 'n') std::ofstream("/proc/self/comm") << "renamed-process";
 }
@@ -225,7 +210,7 @@ TEST(SocketList, KeepsWhatSleepsAndSeesWhatRan) {
 }
 
 TEST(SocketList, FindsSocketsBehindGapsInTheDescriptors) {
-    auto socket = bound(SOCK_STREAM, address(AF_INET, "127.0.0.1"));
+    auto socket = bound(SOCK_STREAM, address("127.0.0.1"));
     const UniqueFd far(::fcntl(socket.get(), F_DUPFD_CLOEXEC, 900));
     ASSERT_GE(far.get(), 900);
     socket.reset();
@@ -234,7 +219,7 @@ TEST(SocketList, FindsSocketsBehindGapsInTheDescriptors) {
 
 TEST(SocketList, ShowsASocketThatIsBoundAndNotUsed) {
     const UniqueFd idle(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    const auto where = address(AF_INET, "127.0.0.1");
+    const auto where = address("127.0.0.1");
     ASSERT_EQ(::bind(idle.get(), &where.plain, size(where)), 0);
     const auto found = ofPort(listed(), portOf(idle));
     if (found.empty()) GTEST_SKIP() << "kernels before 6.8 do not tell of such sockets";
@@ -244,10 +229,10 @@ TEST(SocketList, ShowsASocketThatIsBoundAndNotUsed) {
 
 /// The messages and the text of the running kernel must tell the same.
 TEST(SocketList, AgreesWithTheTablesAsText) {
-    const auto listening = bound(SOCK_STREAM, address(AF_INET, "127.0.0.1"));
-    const auto client = connected(SOCK_STREAM, address(AF_INET, "127.0.0.1", portOf(listening)), AF_INET);
+    const auto listening = bound(SOCK_STREAM, address("127.0.0.1"));
+    const auto client = connected(SOCK_STREAM, address("127.0.0.1", portOf(listening)));
     const auto server = accepted(listening);
-    const auto udp = bound(SOCK_DGRAM, address(AF_INET, "127.0.0.1"));
+    const auto udp = bound(SOCK_DGRAM, address("127.0.0.1"));
     const auto own = [&](const std::vector<platform::SocketEntry>& entries) {
         std::map<uint32_t, platform::KernelSocket> result;
         for (auto entry : entries) {
