@@ -1,14 +1,18 @@
 #include "core/GpuStats.h"
 #include "core/NeuralEngine.h"
+#include "core/linux/GpuClients.h"
 #include "core/linux/GpuDevices.h"
 #include "core/linux/GpuEnergy.h"
 #include "core/linux/GpuNames.h"
 #include "core/linux/NvidiaGpus.h"
 #include "support/TempRoot.h"
 
+#include <sstream>
+
 namespace {
 
 using namespace sysinfo;
+using namespace sysinfo::platform;
 using quarn::testing::TempRoot;
 
 SystemRoot captured(std::string_view machine) {
@@ -84,7 +88,7 @@ TEST(Gpu, ASleepingOneIsNotRead) {
     EXPECT_FALSE(gpus[0].memUsed || gpus[0].watts);
     EXPECT_EQ(gpus[0].device.name, "AMD GPU 67df");
     EnergySample energy;
-    platform::GpuEnergy(machine.root(), nullptr).sample(1, energy);
+    GpuEnergy(machine.root(), nullptr).sample(1, energy);
     EXPECT_TRUE(energy.empty());
 }
 
@@ -101,7 +105,7 @@ TEST(Gpu, ListsWhatTheBusHas) {
                                       "0000:03:00.0/device=0x2000")
         .files("proc/driver/nvidia/gpus/0000:01:00.0", "information=Model: \t\t NVIDIA GeForce GTX 1650 Ti");
     std::vector<std::string> names;
-    for (const auto& gpu : platform::listGpus(machine.root())) names.push_back(gpu.slot + '=' + gpu.name);
+    for (const auto& gpu : listGpus(machine.root())) names.push_back(gpu.slot + '=' + gpu.name);
     EXPECT_EQ(names, (std::vector<std::string>{"=Arm Mali", "0000:01:00.0=NVIDIA GeForce GTX 1650 Ti",
                                                "0000:03:00.0=GPU 2000"}))
         << "by card number; connectors, mere screens, a network port and the second listing of one are none";
@@ -114,27 +118,27 @@ TEST(GpuNames, FromTheTablesOfIds) {
         "\t744c  Navi 31 [Radeon RX 7900 XT/7900 XTX]\n\t\t1da2 e471  NITRO+\n"
         "1a03  ASPEED Technology, Inc.\n\t2000  ASPEED Graphics Family\n"
         "8086  Intel Corporation\n\t9a49  TigerLake-LP GT2 [Iris Xe Graphics]\nC 03  Display controller\n";
-    EXPECT_EQ(platform::nameInPciIds(pci, 0x8086, 0x9a49), "Intel Iris Xe Graphics");
-    EXPECT_EQ(platform::nameInPciIds(pci, 0x1a03, 0x2000), "ASPEED Technology, Inc. ASPEED Graphics Family");
+    EXPECT_EQ(nameInPciIds(pci, 0x8086, 0x9a49), "Intel Iris Xe Graphics");
+    EXPECT_EQ(nameInPciIds(pci, 0x1a03, 0x2000), "ASPEED Technology, Inc. ASPEED Graphics Family");
     for (const auto& [vendor, device] : {std::pair{0x8086, 0x744c}, {0x1002, 0xe471}, {0x9999, 0x9a49}})
-        EXPECT_EQ(platform::nameInPciIds(pci, vendor, device), "") << "another's, a variant, no maker";
+        EXPECT_EQ(nameInPciIds(pci, vendor, device), "") << "another's, a variant, no maker";
 
     constexpr std::string_view amd =
         "# List of AMDGPU IDs\n1.0.0\n"
         "744C,\tC8,\tAMD Radeon RX 7900 XTX\n744C,\tCC,\tAMD Radeon RX 7900 XT\n";
-    EXPECT_EQ(platform::nameInAmdgpuIds(amd, 0x744c, 0xcc), "AMD Radeon RX 7900 XT");
-    EXPECT_EQ(platform::nameInAmdgpuIds(amd, 0x744c, 0x00), "");
+    EXPECT_EQ(nameInAmdgpuIds(amd, 0x744c, 0xcc), "AMD Radeon RX 7900 XT");
+    EXPECT_EQ(nameInAmdgpuIds(amd, 0x744c, 0x00), "");
 
     TempRoot machine;
     machine.copyFixture("gpu/rx7900xtx").write("usr/share/misc/pci.ids", pci);
-    EXPECT_EQ(platform::listGpus(machine.root())[0].name, "AMD Radeon RX 7900 XT/7900 XTX");
+    EXPECT_EQ(listGpus(machine.root())[0].name, "AMD Radeon RX 7900 XT/7900 XTX");
     machine.write("usr/share/libdrm/amdgpu.ids", amd).write("sys/class/drm/card0/device/revision", "0xc8\n");
-    EXPECT_EQ(platform::listGpus(machine.root())[0].name, "AMD Radeon RX 7900 XTX");
+    EXPECT_EQ(listGpus(machine.root())[0].name, "AMD Radeon RX 7900 XTX");
     machine.write("sys/class/drm/card0/device/product_name", "Radeon PRO W7900\n");
-    EXPECT_EQ(platform::listGpus(machine.root())[0].name, "AMD Radeon PRO W7900");
+    EXPECT_EQ(listGpus(machine.root())[0].name, "AMD Radeon PRO W7900");
 }
 
-EnergySample energyAt(platform::GpuEnergy& gpus, uint64_t seconds) {
+EnergySample energyAt(GpuEnergy& gpus, uint64_t seconds) {
     EnergySample channels;
     gpus.sample(seconds * 1'000'000'000, channels);
     return channels;
@@ -142,21 +146,21 @@ EnergySample energyAt(platform::GpuEnergy& gpus, uint64_t seconds) {
 
 TEST(NeuralEngine, ByItsDriver) {
     TempRoot machine;
-    EXPECT_FALSE(platform::findNeuralEngine(machine.root()));
+    EXPECT_FALSE(findNeuralEngine(machine.root()));
     machine.folder("sys/class/accel/accel0")
         .write("sys/class/accel/accel1/device/uevent", "DRIVER=amdxdna\n");
-    EXPECT_EQ(platform::findNeuralEngine(machine.root())->arch, "AMD XDNA") << "the first that has a driver";
+    EXPECT_EQ(findNeuralEngine(machine.root())->arch, "AMD XDNA") << "the first that has a driver";
     machine.write("sys/class/accel/accel0/device/uevent", "DRIVER=something\n");
-    EXPECT_EQ(platform::findNeuralEngine(machine.root())->arch, "something");
+    EXPECT_EQ(findNeuralEngine(machine.root())->arch, "something");
 }
 
 TEST(GpuEnergy, OfDedicatedGpusOnly) {
-    platform::GpuEnergy intel(captured("a380"), nullptr);
+    GpuEnergy intel(captured("a380"), nullptr);
     const auto counted = energyAt(intel, 1);
     ASSERT_EQ(counted.size(), 1u);
     EXPECT_EQ(counted[0].energy, 25637161804);
     for (const char* inProcessor : {"phoenix", "vangogh"})
-        EXPECT_TRUE(platform::GpuEnergy(captured(inProcessor), nullptr).empty())
+        EXPECT_TRUE(GpuEnergy(captured(inProcessor), nullptr).empty())
             << "the processor's counters have it already";
 }
 
@@ -164,7 +168,7 @@ TEST(GpuEnergy, PowerIsAddedUpButNotOverSleep) {
     TempRoot machine;
     machine.copyFixture("gpu/rx580");
     const std::string status = "sys/class/drm/card0/device/power/runtime_status";
-    platform::GpuEnergy gpus(machine.root(), nullptr);
+    GpuEnergy gpus(machine.root(), nullptr);
     const auto before = energyAt(gpus, 10);
     machine.write(status, "suspended\n");
     EXPECT_TRUE(energyAt(gpus, 20).empty());
@@ -172,6 +176,159 @@ TEST(GpuEnergy, PowerIsAddedUpButNotOverSleep) {
     const auto after = energyAt(gpus, 1000);
     EXPECT_EQ(energyBetween(before, after)[0].energy, 0);
     EXPECT_EQ(energyBetween(after, energyAt(gpus, 1001))[0].energy, 41'045'000);
+}
+
+TEST(DrmUsage, ReadsEveryKindOfLine) {
+    const auto usage = parseDrmUsage("pos:\t0\nflags:\t02400002\ndrm-driver:\txe\ndrm-pdev:\t0000:00:02.0\n"
+                                     "drm-client-id:\t42\ndrm-cycles-rcs:\t28257900\n"
+                                     "drm-total-cycles-rcs:\t7655183225\ndrm-engine-video:\t1234 ns\n"
+                                     "drm-engine-capacity-video:\t2\ndrm-maxfreq-video:\t5 Hz\n"
+                                     "drm-resident-vram0:\t2 MiB\ndrm-resident-system:\t1 KiB\n"
+                                     "drm-total-system:\t12\ndrm-memory-system:\t99 MiB\n");
+    ASSERT_TRUE(usage);
+    EXPECT_EQ(usage->driver, "xe");
+    EXPECT_EQ(usage->slot, "0000:00:02.0");
+    EXPECT_EQ(usage->clientId, 42u);
+    ASSERT_EQ(usage->engines.size(), 2u);
+    EXPECT_EQ(usage->engines[0].cycles, 28257900u);
+    EXPECT_EQ(usage->engines[0].totalCycles, 7655183225u) << "\"total-cycles-\" is no memory region";
+    EXPECT_FALSE(usage->engines[0].busyNs);
+    EXPECT_EQ(usage->engines[1].busyNs, 1234u);
+    EXPECT_EQ(usage->engines[1].capacity, 2u);
+    EXPECT_EQ(usage->residentBytes, (2u << 20) + 1024u);
+    EXPECT_EQ(usage->totalBytes, 12u) << "without a unit: bytes";
+}
+
+TEST(DrmUsage, OddText) {
+    EXPECT_FALSE(parseDrmUsage(""));
+    EXPECT_FALSE(parseDrmUsage("pos: 0\nflags: 02\neventfd-count: 0\n"));
+    const auto odd =
+        parseDrmUsage("drm-driver: i915\ndrm-client-id: x\ndrm-engine-render: -5 ns\n"
+                      "drm-engine-capacity-render: 0\ndrm-memory-local: 99999999999999999999 KiB\n"
+                      "drm-memory-system: 18446744073709551615 GiB\ndrm-engine-\n");
+    ASSERT_TRUE(odd);
+    EXPECT_FALSE(odd->clientId);
+    EXPECT_FALSE(odd->engines[0].busyNs);
+    EXPECT_EQ(odd->engines[0].capacity, 1u) << "never a division by 0";
+    EXPECT_FALSE(odd->residentBytes) << "more than 64 bits";
+    EXPECT_EQ(parseDrmUsage("drm-driver: i915\ndrm-memory-system: 3 KiB\n")->residentBytes, 3072u)
+        << "the older name";
+}
+
+/// Clients of GPUs: "1 engine-render:5 engine-video:0|2 engine-render:7" are two, with their numbers.
+std::vector<DrmUsage> clients(const std::string& text) {
+    std::vector<DrmUsage> usages;
+    std::istringstream all(text);
+    for (std::string client; std::getline(all, client, '|');) {
+        std::istringstream words(client);
+        std::string fdinfo = "drm-driver:i915\ndrm-pdev:0000:00:02.0", word;
+        for (std::string key = "\ndrm-client-id:"; words >> word; key = "\ndrm-") fdinfo += key + word;
+        usages.push_back(parseDrmUsage(fdinfo).value());
+    }
+    return usages;
+}
+
+TEST(DrmLoads, Shares) {
+    const struct {
+        const char *teaches, *before, *after;
+        double busy, renderer, tiler; ///< -1 for none
+    } cases[] = {
+        {"time over time", "1 engine-render:0", "1 engine-render:1000000000", 50, 50, -1},
+        {"two video engines of one name", "1 engine-video:0",
+         "1 engine-video:1000000000 engine-capacity-video:2", 25, -1, -1},
+        {"the busiest engine counts, clients of one engine add up",
+         "1 engine-copy:0 engine-video:0|2 engine-video:0",
+         "1 engine-copy:1000000000 engine-video:1000000000|2 engine-video:500000000", 75, -1, -1},
+        {"cycles over cycles", "1 cycles-rcs:100 total-cycles-rcs:1000",
+         "1 cycles-rcs:200 total-cycles-rcs:1400", 25, 25, -1},
+        {"cycles over the highest clock", "1 cycles-rcs:0", "1 cycles-rcs:500 maxfreq-rcs:1000", 25, 25, -1},
+        {"cycles and nothing to compare them with", "1 cycles-rcs:0", "1 cycles-rcs:500", -1, -1, -1},
+        {"one client, many descriptors: the largest figure", "1 engine-render:0|1 engine-render:0",
+         "1 engine-render:1000000000|1 engine-render:500000000", 50, 50, -1},
+        {"a counter that falls", "1 engine-render:1000", "1 engine-render:500", 0, 0, -1},
+        {"a client that came may be old", "1 engine-render:0", "1 engine-render:0|2 engine-render:1000000000",
+         0, 0, -1},
+        {"more than all of the time", "1 engine-render:0", "1 engine-render:9000000000", 100, 100, -1},
+        {"geometry sorted apart", "1 engine-vertex-tiler:0 engine-fragment:0",
+         "1 engine-vertex-tiler:1000000000 engine-fragment:500000000", 50, 25, 50},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.teaches);
+        DrmLoads loads;
+        EXPECT_FALSE(loads.advance(clients(c.before), 0).at(0).busy) << "nothing to compare with yet";
+        const auto next = loads.advance(clients(c.after), 2);
+        ASSERT_EQ(next.size(), 1u);
+        EXPECT_EQ(next[0].busy.value_or(-1), c.busy);
+        EXPECT_EQ(next[0].renderer.value_or(-1), c.renderer);
+        EXPECT_EQ(next[0].tiler.value_or(-1), c.tiler);
+    }
+}
+
+TEST(DrmLoads, AFallenCounterCountsOnFromWhereItStood) {
+    DrmLoads loads;
+    loads.advance(clients("1 engine-render:1000"), 0);
+    loads.advance(clients("1 engine-render:400"), 1);
+    const auto load = loads.advance(clients("1 engine-render:1200"), 1);
+    EXPECT_DOUBLE_EQ(load[0].busy.value(), 200 * 100 / 1e9) << "not 800: those were counted before";
+}
+
+TEST(DrmLoads, GpusApart) {
+    DrmLoads loads;
+    loads.advance(clients("1 engine-render:0|1 pdev:0000:03:00.0 engine-render:0"), 0);
+    const auto next =
+        loads.advance(clients("1 engine-render:0|1 pdev:0000:03:00.0 engine-render:500000000"), 1);
+    ASSERT_EQ(next.size(), 2u);
+    EXPECT_EQ(next[0].busy, 0);
+    EXPECT_EQ(next[1].busy, 50);
+}
+
+std::string fdinfo(uint64_t client, uint64_t ns) {
+    return "drm-driver:\ti915\ndrm-pdev:\t0000:00:02.0\ndrm-client-id:\t" + std::to_string(client) +
+           "\ndrm-engine-render:\t" + std::to_string(ns) + " ns\ndrm-total-system:\t8 MiB\n";
+}
+
+TEST(DrmDescriptors, FindsKeepsAndForgets) {
+    TempRoot machine;
+    for (int pid = 100; pid < 130; ++pid) machine.link("proc/" + std::to_string(pid) + "/fd/0", "/dev/null");
+    machine.link("proc/105/fd/7", "/dev/dri/renderD128").write("proc/105/fdinfo/7", fdinfo(1, 10));
+    machine.link("proc/105/fd/8", "/dev/dri/card0").write("proc/105/fdinfo/8", fdinfo(2, 10));
+    machine.folder("proc/bus").write("proc/uptime", "1 1\n");
+
+    DrmDescriptors descriptors(machine.root());
+    descriptors.update();
+    EXPECT_EQ(descriptors.read().size(), 2u) << "the first call looks at all";
+
+    machine.write("proc/105/fdinfo/8", "pos: 0\n"); // closed, and the number used anew
+    EXPECT_EQ(descriptors.read().size(), 1u);
+    machine.link("proc/120/fd/3", "/dev/dri/renderD128").write("proc/120/fdinfo/3", fdinfo(3, 10));
+    int calls = 0;
+    for (; descriptors.read().size() < 2 && calls < 40; ++calls) descriptors.update();
+    EXPECT_GT(calls, 1) << "a newcomer is found in its turn";
+    EXPECT_LE(calls, 17);
+    machine.remove("proc/105");
+    EXPECT_EQ(descriptors.read().size(), 1u) << "a process that ended between two samples";
+}
+
+TEST(Gpu, LoadFromItsClients) {
+    TempRoot machine;
+    machine.write("sys/class/drm/card1/device/uevent", "DRIVER=i915\nPCI_SLOT_NAME=0000:00:02.0\n");
+    machine.link("proc/9/fd/7", "/dev/dri/renderD128").write("proc/9/fdinfo/7", fdinfo(1, 0));
+    const auto readers = openGpuReaders(machine.root());
+    std::vector<GpuReading> gpus;
+    readGpus(*readers, 1'000'000'000, gpus);
+    EXPECT_FALSE(gpus.at(0).busy);
+    EXPECT_EQ(gpus[0].memAlloc, 8u << 20);
+    machine.write("proc/9/fdinfo/7", fdinfo(1, 1'500'000'000));
+    readGpus(*readers, 3'000'000'000, gpus);
+    EXPECT_EQ(gpus.at(0).busy, 75);
+    EXPECT_EQ(gpus[0].renderer, 75);
+    EXPECT_FALSE(gpus[0].ownProcessesOnly);
+    machine.remove("proc/9/fdinfo/7");
+    readGpus(*readers, 5'000'000'000, gpus);
+    EXPECT_EQ(gpus.at(0).busy, 0) << "its only client is gone";
+    machine.remove("sys/class/drm/card1");
+    readGpus(*readers, 7'000'000'000, gpus);
+    EXPECT_TRUE(gpus.empty()) << "unplugged";
 }
 
 } // namespace

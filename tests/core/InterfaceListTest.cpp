@@ -5,7 +5,6 @@
 #include "core/linux/LinkMedia.h"
 #include "support/TempRoot.h"
 
-#include <algorithm>
 #include <arpa/inet.h>
 #include <ifaddrs.h>
 #include <linux/ethtool.h>
@@ -21,32 +20,25 @@ using platform::LinkSettings;
 using platform::Media;
 
 TEST(Media, TextsOfPorts) {
+    constexpr uint8_t half = DUPLEX_HALF, full = DUPLEX_FULL, none = DUPLEX_UNKNOWN;
+    constexpr uint8_t on = AUTONEG_ENABLE, off = AUTONEG_DISABLE;
     constexpr uint32_t unknown = static_cast<uint32_t>(SPEED_UNKNOWN);
-    constexpr uint8_t half = DUPLEX_HALF, full = DUPLEX_FULL, no = DUPLEX_UNKNOWN, on = AUTONEG_ENABLE;
-    const struct {
-        LinkSettings settings;
-        bool active;
-        const char* text;
-        uint32_t speed;
-    } cases[] = {
-        {{10, half, PORT_TP, on}, true, "10baseT half-duplex", 10},
-        {{100, full, PORT_TP, on}, true, "100baseTX full-duplex", 100},
-        {{1000, full, PORT_TP, on}, true, "1000baseT full-duplex", 1000},
-        {{5000, full, PORT_TP, AUTONEG_DISABLE}, true, "5000baseT full-duplex", 5000},
-        {{10000, full, PORT_TP, on}, true, "10GbaseT full-duplex", 10000},
-        {{10000, full, PORT_FIBRE, AUTONEG_DISABLE}, true, "full-duplex", 10000},
-        {{40000, full, PORT_DA, AUTONEG_DISABLE}, true, "full-duplex", 40000},
-        {{25000, no, PORT_TP, AUTONEG_DISABLE}, true, "", 25000},
-        {{unknown, no, PORT_TP, on}, false, "auto (no link)", 0},
-        {{unknown, no, PORT_OTHER, AUTONEG_DISABLE}, true, "", 0},
-        {{unknown, no, PORT_OTHER, AUTONEG_DISABLE}, false, "no link", 0},
-        {{unknown, full, PORT_TP, AUTONEG_DISABLE}, false, "full-duplex (no link)", 0},
+    const auto text = [](const LinkSettings& settings, bool active = true) {
+        const Media media = platform::wiredMedia(settings, active);
+        return mediaText(media) + " " + std::to_string(media.speedMbps);
     };
-    for (const auto& c : cases) {
-        const Media media = platform::wiredMedia(c.settings, c.active);
-        EXPECT_EQ(mediaText(media), c.text);
-        EXPECT_EQ(media.speedMbps, c.speed) << c.text;
-    }
+    EXPECT_EQ(text({10, half, PORT_TP, on}), "10baseT half-duplex 10");
+    EXPECT_EQ(text({100, full, PORT_TP, on}), "100baseTX full-duplex 100");
+    EXPECT_EQ(text({1000, full, PORT_TP, on}), "1000baseT full-duplex 1000");
+    EXPECT_EQ(text({5000, full, PORT_TP, off}), "5000baseT full-duplex 5000");
+    EXPECT_EQ(text({10000, full, PORT_TP, on}), "10GbaseT full-duplex 10000");
+    EXPECT_EQ(text({10000, full, PORT_FIBRE, off}), "full-duplex 10000");
+    EXPECT_EQ(text({40000, full, PORT_DA, off}), "full-duplex 40000");
+    EXPECT_EQ(text({25000, none, PORT_TP, off}), " 25000");
+    EXPECT_EQ(text({unknown, none, PORT_TP, on}, false), "auto (no link) 0");
+    EXPECT_EQ(text({unknown, none, PORT_OTHER, off}), " 0");
+    EXPECT_EQ(text({unknown, none, PORT_OTHER, off}, false), "no link 0");
+    EXPECT_EQ(text({unknown, full, PORT_TP, off}, false), "full-duplex (no link) 0");
     EXPECT_EQ(mediaText({}), "");
     EXPECT_EQ(mediaText({.kind = Media::Kind::wireless}), "IEEE 802.11 (no link)");
     EXPECT_EQ(mediaText({.kind = Media::Kind::wireless, .active = true}), "IEEE 802.11");
@@ -86,20 +78,18 @@ TEST(Interface, AddressesInTheirOrder) {
 TEST(Interface, HardwareAddressAndFlags) {
     using Address = std::optional<platform::Interface::HardwareAddress>;
     const Address own{{0x52, 0x54, 0, 0, 0xab, 1}}, placeholder{{2, 0, 0, 0, 0, 0}}, real{{4, 5, 6, 7, 8, 9}};
-    const struct {
-        Address current, permanent;
-        const char* mac;
-    } cases[] = {
-        {own, {}, "52:54:00:00:ab:01"},           {own, real, "52:54:00:00:ab:01"},
-        {placeholder, real, "04:05:06:07:08:09"}, {placeholder, {}, "02:00:00:00:00:00"},
-        {{}, real, "04:05:06:07:08:09"},          {{}, {}, ""},
-    };
     platform::Interface source;
-    for (const auto& c : cases) {
-        source.hardwareAddress = c.current;
-        source.permanentAddress = c.permanent;
-        EXPECT_EQ(describeInterface(source).mac, c.mac);
-    }
+    const auto mac = [&](const Address& current, const Address& permanent) {
+        source.hardwareAddress = current;
+        source.permanentAddress = permanent;
+        return describeInterface(source).mac;
+    };
+    EXPECT_EQ(mac(own, {}), "52:54:00:00:ab:01");
+    EXPECT_EQ(mac(own, real), "52:54:00:00:ab:01");
+    EXPECT_EQ(mac(placeholder, real), "04:05:06:07:08:09");
+    EXPECT_EQ(mac(placeholder, {}), "02:00:00:00:00:00");
+    EXPECT_EQ(mac({}, real), "04:05:06:07:08:09");
+    EXPECT_EQ(mac({}, {}), "");
     source.flags = platform::linkUp | platform::linkMulticast;
     EXPECT_FALSE(describeInterface(source).up) << "switched on, but nothing plugged in";
     EXPECT_TRUE(describeInterface(source).multicastCapable);
@@ -107,60 +97,52 @@ TEST(Interface, HardwareAddressAndFlags) {
     EXPECT_TRUE(describeInterface(source).up);
 }
 
-std::string addressMessage(uint8_t family, uint8_t prefixLength, const std::string& attributes) {
-    ifaddrmsg header{};
-    header.ifa_family = family;
-    header.ifa_prefixlen = prefixLength;
-    header.ifa_index = 3;
-    return message(RTM_NEWADDR, 0, 1, bytesOf(header) + attributes);
-}
-
 TEST(AddressMessages, OwnAndPeerAndRubbish) {
-    const std::string own("\x0a\0\0\1", 4), peer("\x0a\0\0\2", 4), longAddress(16, 'x');
-    const auto plain = attribute(IFA_ADDRESS, own);
-    const struct {
-        const char* lesson;
-        std::string bytes;
-        std::string found; ///< the address, if any
-    } cases[] = {
-        {"plain", addressMessage(AF_INET, 24, plain), own},
-        {"the other end comes first",
-         addressMessage(AF_INET, 32, attribute(IFA_ADDRESS, peer) + attribute(IFA_LOCAL, own)), own},
-        {"of another family", addressMessage(AF_INET, 24, attribute(IFA_LOCAL, longAddress)), ""},
-        {"too short", addressMessage(AF_INET6, 24, plain), ""},
-        {"no internet address", addressMessage(AF_UNIX, 24, plain), ""},
-        {"no address", addressMessage(AF_INET, 24, ""), ""},
-        {"no room for a header", message(RTM_NEWADDR, 0, 1, "abc"), ""},
-    };
-    for (const auto& c : cases) {
+    const auto found = [](uint8_t family, const std::string& attributes) {
+        ifaddrmsg header{};
+        header.ifa_family = family;
+        header.ifa_index = 3;
         platform::AnswerProgress progress;
         std::vector<platform::LinkAddress> addresses;
-        platform::parseAddresses(c.bytes, 1, progress, addresses);
-        ASSERT_EQ(addresses.size(), c.found.empty() ? 0u : 1u) << c.lesson;
-        if (c.found.empty()) continue;
-        EXPECT_EQ(addresses[0].index, 3u);
-        EXPECT_TRUE(std::equal(own.begin(), own.end(), addresses[0].address.bytes.begin())) << c.lesson;
-    }
+        platform::parseAddresses(message(RTM_NEWADDR, 0, 1, bytesOf(header) + attributes), 1, progress,
+                                 addresses);
+        std::string text;
+        for (const auto& [index, address] : addresses)
+            text += std::to_string(index) + ' ' + ntop(address.family, address.bytes.data());
+        return text;
+    };
+    const auto own = attribute(IFA_ADDRESS, {"\x0a\0\0\1", 4}),
+               local = attribute(IFA_LOCAL, {"\x0a\0\0\1", 4});
+    EXPECT_EQ(found(AF_INET, own), "3 10.0.0.1");
+    EXPECT_EQ(found(AF_INET, attribute(IFA_ADDRESS, {"\x0a\0\0\2", 4}) + local), "3 10.0.0.1")
+        << "the other end comes first";
+    EXPECT_EQ(found(AF_INET, attribute(IFA_LOCAL, std::string(16, 'x'))), "") << "of another family";
+    EXPECT_EQ(found(AF_INET6, own), "") << "too short";
+    EXPECT_EQ(found(AF_UNIX, own), "") << "no internet address";
+    EXPECT_EQ(found(AF_INET, ""), "");
 }
 
-const NetInterface* find(const std::vector<NetInterface>& list, const std::string& name) {
-    const auto found =
-        std::find_if(list.begin(), list.end(), [&](const auto& interface) { return interface.name == name; });
-    return found == list.end() ? nullptr : &*found;
+/// "eth0|1000baseT full-duplex|1000|01:01:01:01:01:01|10.0.0.1 |up" of each.
+std::string shown(const std::vector<NetInterface>& list) {
+    std::string text;
+    for (const auto& one : list) {
+        text += one.name + '|' + one.media + '|' + std::to_string(one.linkSpeedMbps) + '|' + one.mac + '|';
+        for (const auto& address : one.addrs) text += address + ' ';
+        text += one.up ? "|up\n" : "|\n";
+    }
+    return text;
 }
 
 TEST(CapturedInterfaces, AGigabitPort) {
     const auto list = readInterfaces(SystemRoot(QUARN_FIXTURES "/hosts/one-editor"));
-    ASSERT_EQ(list.size(), 3u) << "without the loopback";
-    const auto* port = find(list, "eth0");
-    ASSERT_TRUE(port);
-    EXPECT_EQ(port->media, "1000baseT full-duplex");
-    EXPECT_EQ(port->linkSpeedMbps, 1000);
-    EXPECT_EQ(port->mac, "01:01:01:01:01:01");
-    EXPECT_EQ(port->mtu, 1500);
-    EXPECT_TRUE(port->up && port->multicastCapable && !port->loopback);
-    EXPECT_EQ(port->rxBytes, 874354587u);
-    EXPECT_EQ(port->txPackets, 732147u);
+    EXPECT_EQ(shown(list), "docker0||0|||up\neth0|1000baseT full-duplex|1000|01:01:01:01:01:01||up\n"
+                           "vethf345468||0|||up\n")
+        << "without the loopback";
+    const auto& port = list.at(1);
+    EXPECT_EQ(port.mtu, 1500);
+    EXPECT_TRUE(port.multicastCapable && !port.loopback);
+    EXPECT_EQ(port.rxBytes, 874354587u);
+    EXPECT_EQ(port.txPackets, 732147u);
 }
 
 TEST(CapturedInterfaces, UnpluggedWirelessAndIdle) {
@@ -177,11 +159,8 @@ TEST(CapturedInterfaces, UnpluggedWirelessAndIdle) {
                                "bond0: 1 2 0 0 0 0 0 0 9 8 0 0 0 0 0 0\n"
                                "idle0: 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n");
     const auto list = readInterfaces(machine.root());
-    std::string seen;
-    for (const auto& one : list)
-        seen += one.name + '|' + one.media + '|' + std::to_string(one.linkSpeedMbps) + '|' + one.mac +
-                (one.up ? "|up\n" : "|\n");
-    EXPECT_EQ(seen, "bond0|full-duplex|2000||up\neno2|no link|0||\nwlan0|IEEE 802.11 (no link)|0||\n")
+    EXPECT_EQ(shown(list),
+              "bond0|full-duplex|2000|||up\neno2|no link|0|||\nwlan0|IEEE 802.11 (no link)|0|||\n")
         << "neither the loopback nor what never carried a byte; a speed of −1 is unknown";
     EXPECT_EQ(list[2].rxErrors, 3u);
     EXPECT_EQ(list[2].drops, 4u);
@@ -216,36 +195,30 @@ bool changeAddress(uint16_t type, unsigned index, std::array<char, 4> bytes) {
                          bytesOf(header) + attribute(IFA_LOCAL, value) + attribute(IFA_ADDRESS, value));
 }
 
-void followAddressesThatChange() {
-    if (!addBridge("quarn0")) GTEST_SKIP() << "this kernel makes no bridges";
-    const unsigned index = ::if_nametoindex("quarn0");
-    const auto readers = platform::openReaders(SystemRoot::host());
-    InterfaceList list;
-    EXPECT_FALSE(find(list.sample(*readers), "quarn0")) << "no address, no traffic";
-
-    ASSERT_TRUE(changeAddress(RTM_NEWADDR, index, {10, 1, 16, 3}));
-    const auto* bridge = find(list.sample(*readers), "quarn0");
-    ASSERT_TRUE(bridge);
-    EXPECT_EQ(bridge->addrs, std::vector<std::string>{"10.1.16.3"});
-    EXPECT_EQ(bridge->netmask, "255.255.240.0");
-    EXPECT_EQ(bridge->mac.size(), 17u);
-    EXPECT_EQ(bridge->media, "") << "a bridge is plugged into nothing";
-    EXPECT_FALSE(bridge->up);
-
-    ASSERT_TRUE(switchOn(index));
-    ASSERT_TRUE(changeAddress(RTM_NEWADDR, index, {10, 2, 0, 4}));
-    bridge = find(list.sample(*readers), "quarn0");
-    ASSERT_TRUE(bridge);
-    EXPECT_EQ(bridge->addrs, (std::vector<std::string>{"10.2.0.4", "10.1.16.3"})) << "the later first";
-
-    ASSERT_TRUE(changeAddress(RTM_DELADDR, index, {10, 2, 0, 4}));
-    ASSERT_TRUE(changeAddress(RTM_DELADDR, index, {10, 1, 16, 3}));
-    bridge = find(list.sample(*readers), "quarn0");
-    EXPECT_TRUE(!bridge || bridge->addrs.empty());
-}
-
 TEST(Interfaces, FollowAddressesThatChange) {
-    if (!inOwnNetwork(followAddressesThatChange)) GTEST_SKIP() << "a network namespace needs root";
+    inOwnNetwork([] {
+        if (!addBridge("quarn0")) GTEST_SKIP() << "this kernel makes no bridges";
+        const unsigned index = ::if_nametoindex("quarn0");
+        const auto readers = platform::openReaders(SystemRoot::host());
+        InterfaceList list;
+        EXPECT_EQ(shown(list.sample(*readers)), "") << "no address, no traffic";
+
+        ASSERT_TRUE(changeAddress(RTM_NEWADDR, index, {10, 1, 16, 3}));
+        const auto& bridge = list.sample(*readers).at(0);
+        const std::string mac = bridge.mac;
+        EXPECT_EQ(mac.size(), 17u);
+        EXPECT_EQ(bridge.netmask, "255.255.240.0");
+        EXPECT_EQ(shown(list.sample(*readers)), "quarn0||0|" + mac + "|10.1.16.3 |\n");
+
+        ASSERT_TRUE(switchOn(index));
+        ASSERT_TRUE(changeAddress(RTM_NEWADDR, index, {10, 2, 0, 4}));
+        EXPECT_EQ(list.sample(*readers).at(0).addrs, (std::vector<std::string>{"10.2.0.4", "10.1.16.3"}))
+            << "the later first";
+
+        ASSERT_TRUE(changeAddress(RTM_DELADDR, index, {10, 2, 0, 4}));
+        ASSERT_TRUE(changeAddress(RTM_DELADDR, index, {10, 1, 16, 3}));
+        for (const auto& left : list.sample(*readers)) EXPECT_TRUE(left.addrs.empty());
+    });
 }
 
 } // namespace

@@ -1,6 +1,7 @@
-// Network links: the kernel's messages, what counts as hardware, and the kernel itself.
+// Network links: the kernel's messages, what counts as hardware, the kernel itself, and the traffic.
 #include "OwnNetwork.h"
 #include "core/InterfaceTotals.h"
+#include "core/NetSampler.h"
 #include "core/linux/Files.h"
 #include "core/linux/LinkMessages.h"
 #include "core/linux/LinkSocket.h"
@@ -38,60 +39,47 @@ std::string statusMessage(uint16_t type, int32_t error, uint16_t flags = 0) {
     return message(type, flags, sequence, bytesOf(error));
 }
 
-TEST(LinkMessages, OneAnswer) {
-    const std::string datagram =
-        message(RTM_NEWLINK, NLM_F_MULTI, sequence, linkPayload(3, "br0", "bridge")) +
-        linkMessage(2, "eth0") + statusMessage(NLMSG_DONE, 0);
+/// What is read of a datagram: 'e'nded, 'f'ailed or 'i'nterrupted, and the links with their kinds.
+std::string outcome(const std::string& datagram) {
     AnswerProgress progress;
     std::vector<LinkIdentity> links;
     parseLinks(datagram, sequence, progress, links);
-    LinkIdentity bridge{3, "br0", IFF_UP, 0, "bridge", 0, "", "", false, 0};
-    LinkIdentity port{2, "eth0", IFF_UP, 0, "", 0, "", "", false, 0};
-    EXPECT_EQ(links, (std::vector{bridge, port}));
-    EXPECT_TRUE(progress.ended && !progress.failed && !progress.interrupted);
+    std::string text = progress.ended ? "e" : "";
+    text += progress.failed ? "f" : "";
+    text += progress.interrupted ? "i" : "";
+    for (const auto& link : links) {
+        EXPECT_EQ(link.interfaceFlags, unsigned{IFF_UP});
+        text += ' ' + std::to_string(link.index) + ' ' + link.name + ' ' + link.kind;
+    }
+    return text;
 }
 
-TEST(LinkMessages, WhatCanBeWrongWithAnAnswer) {
+TEST(LinkMessages, WholeAnswersAndWhatCanBeWrongWithThem) {
     const std::string eth0 = linkMessage(2, "eth0"), done = statusMessage(NLMSG_DONE, 0);
+    const std::string br0 = message(RTM_NEWLINK, NLM_F_MULTI, sequence, linkPayload(3, "br0", "bridge"));
     const auto changed = [&](size_t at, char value) {
         std::string bytes = eth0;
         bytes[at] = value;
         return bytes;
     };
-    const struct {
-        const char* lesson;
-        std::string datagram;
-        std::string outcome; ///< e, f, i for ended, failed, interrupted
-        size_t links;
-    } cases[] = {
-        {"an empty datagram", "", "", 0},
-        {"cut in the middle", eth0.substr(0, eth0.size() - 4), "f", 0},
-        {"a piece of a header follows", eth0 + "\1\2\3", "f", 1},
-        {"longer than the datagram", changed(0, '\x7f'), "f", 0},
-        {"shorter than its header", changed(0, 8), "f", 0},
-        {"an attribute beyond the message", changed(sizeof(nlmsghdr) + sizeof(ifinfomsg), '\x40'), "", 0},
-        {"an answer to another request", linkMessage(2, "eth0", sequence - 1), "", 0},
-        {"links came or went meanwhile", linkMessage(2, "eth0", sequence, NLM_F_DUMP_INTR) + done, "ei", 1},
-        {"said at the end", statusMessage(NLMSG_DONE, 0, NLM_F_DUMP_INTR), "ei", 0},
-        {"ended by an error", statusMessage(NLMSG_DONE, -5), "ef", 0},
-        {"refused", statusMessage(NLMSG_ERROR, -1), "f", 0},
-        {"an acknowledgement", statusMessage(NLMSG_ERROR, 0), "", 0},
-        {"more after the end", done + eth0, "e", 0},
-        {"no index", linkMessage(0, "eth0"), "", 0},
-        {"no name", linkMessage(2, ""), "", 0},
-        {"a name too long", linkMessage(2, std::string(IF_NAMESIZE, 'x')), "", 0},
-        {"no room for a header", message(RTM_NEWLINK, 0, sequence, "abc"), "", 0},
-    };
-    for (const auto& c : cases) {
-        AnswerProgress progress;
-        std::vector<LinkIdentity> links;
-        parseLinks(c.datagram, sequence, progress, links);
-        EXPECT_EQ(std::string(progress.ended ? "e" : "") + (progress.failed ? "f" : "") +
-                      (progress.interrupted ? "i" : ""),
-                  c.outcome)
-            << c.lesson;
-        EXPECT_EQ(links.size(), c.links) << c.lesson;
-    }
+    EXPECT_EQ(outcome(br0 + eth0 + done), "e 3 br0 bridge 2 eth0 ");
+    EXPECT_EQ(outcome(""), "");
+    EXPECT_EQ(outcome(eth0.substr(0, eth0.size() - 4)), "f") << "cut in the middle";
+    EXPECT_EQ(outcome(eth0 + "\1\2\3"), "f 2 eth0 ") << "a piece of a header follows";
+    EXPECT_EQ(outcome(changed(0, '\x7f')), "f") << "longer than the datagram";
+    EXPECT_EQ(outcome(changed(0, 8)), "f") << "shorter than its header";
+    EXPECT_EQ(outcome(changed(sizeof(nlmsghdr) + sizeof(ifinfomsg), '\x40')), "") << "a long attribute";
+    EXPECT_EQ(outcome(linkMessage(2, "eth0", sequence - 1)), "") << "an answer to another request";
+    EXPECT_EQ(outcome(linkMessage(2, "eth0", sequence, NLM_F_DUMP_INTR) + done), "ei 2 eth0 ");
+    EXPECT_EQ(outcome(statusMessage(NLMSG_DONE, 0, NLM_F_DUMP_INTR)), "ei") << "changes meanwhile";
+    EXPECT_EQ(outcome(statusMessage(NLMSG_DONE, -5)), "ef") << "ended by an error";
+    EXPECT_EQ(outcome(statusMessage(NLMSG_ERROR, -1)), "f") << "refused";
+    EXPECT_EQ(outcome(statusMessage(NLMSG_ERROR, 0)), "") << "an acknowledgement";
+    EXPECT_EQ(outcome(done + eth0), "e") << "more after the end";
+    EXPECT_EQ(outcome(linkMessage(0, "eth0")), "") << "no index";
+    EXPECT_EQ(outcome(linkMessage(2, "")), "") << "no name";
+    EXPECT_EQ(outcome(linkMessage(2, std::string(IF_NAMESIZE, 'x'))), "") << "a name too long";
+    EXPECT_EQ(outcome(message(RTM_NEWLINK, 0, sequence, "abc")), "") << "no room for a header";
 }
 
 TEST(LinkMessages, Counters) {
@@ -109,36 +97,30 @@ TEST(LinkMessages, Counters) {
         parseLinkCounters(message(RTM_NEWSTATS, 0, sequence, payload), sequence, progress, counters);
         return counters;
     };
-    const auto whole = counted(bytesOf(stats) + "fields of a later kernel");
-    ASSERT_EQ(whole.size(), 1u);
-    EXPECT_EQ(whole[0].index, 9u);
-    EXPECT_EQ(whole[0].rxBytes, 5'000'000'000u);
-    EXPECT_EQ(whole[0].txBytes, 4u);
-    EXPECT_EQ(whole[0].rxPackets, 1u);
-    EXPECT_EQ(whole[0].txPackets, 2u);
+    const auto whole = counted(bytesOf(stats) + "fields of a later kernel").at(0);
+    EXPECT_EQ(
+        (std::vector<uint64_t>{whole.index, whole.rxPackets, whole.txPackets, whole.rxBytes, whole.txBytes}),
+        (std::vector<uint64_t>{9, 1, 2, 5'000'000'000, 4}));
     EXPECT_EQ(counted(bytesOf(stats).substr(0, 31)).size(), 0u);
 }
 
 TEST(LinkTraits, TypesOfLinks) {
-    const struct {
-        const char* lesson;
-        LinkTraits traits;
-        uint8_t type;
-    } cases[] = {
-        {"a wired port", {ARPHRD_ETHER, "", "", true, false}, linkTypeEthernet},
-        {"a wireless port", {ARPHRD_ETHER, "", "wlan", true, false}, linkTypeEthernet},
-        {"InfiniBand", {ARPHRD_INFINIBAND, "ipoib", "", true, false}, linkTypeEthernet},
-        {"a modem", {ARPHRD_RAWIP, "", "wwan", true, false}, linkTypeCellular},
-        {"a modem by its kind", {ARPHRD_NONE, "wwan", "wwan", false, false}, linkTypeCellular},
-        {"a bridge", {ARPHRD_ETHER, "bridge", "bridge", false, false}, linkTypeOther},
-        {"made of another link", {ARPHRD_ETHER, "macvlan", "", true, false}, linkTypeOther},
-        {"no device, no kind: a tap of old", {ARPHRD_ETHER, "", "", false, false}, linkTypeOther},
-        {"a monitor of the air", {ARPHRD_IEEE80211_RADIOTAP, "", "wlan", true, false}, linkTypeOther},
-        {"a field bus", {ARPHRD_CAN, "can", "", true, false}, linkTypeOther},
-        {"a port of a switch", {ARPHRD_ETHER, "", "dsa", true, false}, linkTypeOther},
-        {"the fast half of a virtual port", {ARPHRD_ETHER, "", "", true, true}, linkTypeOther},
+    const std::pair<LinkTraits, uint8_t> cases[] = {
+        {{ARPHRD_ETHER, "", "", true, false}, linkTypeEthernet},
+        {{ARPHRD_ETHER, "", "wlan", true, false}, linkTypeEthernet},
+        {{ARPHRD_INFINIBAND, "ipoib", "", true, false}, linkTypeEthernet},
+        {{ARPHRD_RAWIP, "", "wwan", true, false}, linkTypeCellular},
+        {{ARPHRD_NONE, "wwan", "wwan", false, false}, linkTypeCellular},
+        {{ARPHRD_ETHER, "bridge", "bridge", false, false}, linkTypeOther},
+        {{ARPHRD_ETHER, "macvlan", "", true, false}, linkTypeOther}, // made of another link
+        {{ARPHRD_ETHER, "", "", false, false}, linkTypeOther},       // a tap of old
+        {{ARPHRD_IEEE80211_RADIOTAP, "", "wlan", true, false}, linkTypeOther},
+        {{ARPHRD_CAN, "can", "", true, false}, linkTypeOther},
+        {{ARPHRD_ETHER, "", "dsa", true, false}, linkTypeOther}, // a port of a switch
+        {{ARPHRD_ETHER, "", "", true, true}, linkTypeOther},     // the fast half of a virtual port
     };
-    for (const auto& c : cases) EXPECT_EQ(linkType(c.traits), c.type) << c.lesson;
+    for (const auto& [traits, type] : cases)
+        EXPECT_EQ(linkType(traits), type) << traits.hardwareType << traits.kind << traits.deviceType;
 }
 
 TEST(LinkTraits, ReadFromSysfs) {
@@ -169,33 +151,31 @@ TEST(NetDev, LinesOfTheTable) {
                                    "  eth0:5000000000 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\n"
                                    "eth0:1: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\n"
                                    "short: 1 2 3\nwords: a b c d e f g h i j k l m n o p\n: 1 2\n\n");
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[0].name, "eth0");
-    EXPECT_EQ(lines[0].rxBytes, 5'000'000'000u);
-    EXPECT_EQ(lines[0].txBytes, 9u);
-    EXPECT_EQ(lines[0].collisions, 14u);
-    EXPECT_EQ(lines[1].name, "eth0:1");
+    std::string seen;
+    for (const auto& line : lines)
+        seen += line.name + ' ' + std::to_string(line.rxBytes) + ' ' + std::to_string(line.txBytes) + ' ' +
+                std::to_string(line.collisions) + ", ";
+    EXPECT_EQ(seen, "eth0 5000000000 9 14, eth0:1 1 9 14, ");
 }
 
 TEST(CapturedLinks, OnlyThePortOfAContainerHostCounts) {
     const auto readers = openReaders(SystemRoot(QUARN_FIXTURES "/hosts/one-editor"));
     std::vector<Link> links;
     ASSERT_TRUE(listLinks(*readers, links));
-    ASSERT_EQ(links.size(), 4u);
     std::string counted;
     for (const auto& link : links)
-        if (countsInterface(link.name, link.flags, link.type)) counted += link.name;
-    EXPECT_EQ(counted, "eth0");
-    EXPECT_EQ(links[3].rxBytes, 874354587u);
-    EXPECT_EQ(links[3].txPackets, 732147u);
+        if (countsInterface(link.name, link.flags, link.type))
+            counted += link.name + ' ' + std::to_string(link.rxBytes) + ' ' + std::to_string(link.txPackets);
+    EXPECT_EQ(counted, "eth0 874354587 732147");
+    ASSERT_EQ(links.size(), 4u);
     EXPECT_EQ(links[1].flags & linkLoopback, unsigned{linkLoopback}) << "known by its name";
 }
 
-uint64_t loopbackBytes(const std::vector<LinkIdentity>& identities,
-                       const std::vector<LinkCounters>& counters) {
-    for (const auto& c : counters)
-        for (const auto& identity : identities)
-            if (identity.index == c.index && identity.name == "lo") return c.rxBytes;
+uint64_t loopbackBytes(LinkSocket& socket) {
+    EXPECT_TRUE(socket.read());
+    for (const auto& identity : socket.identities())
+        for (const auto& counters : socket.counters())
+            if (identity.index == counters.index && identity.name == "lo") return counters.rxBytes;
     return 0;
 }
 
@@ -206,76 +186,138 @@ TEST(LinkSocket, AgreesWithTheTableThatTheKernelPrints) {
         return uint64_t{0};
     };
     LinkSocket socket;
-    const uint64_t before = loopback();
-    ASSERT_TRUE(socket.read());
-    const uint64_t after = loopback();
-    const uint64_t read = loopbackBytes(socket.identities(), socket.counters());
+    const uint64_t before = loopback(), read = loopbackBytes(socket), after = loopback();
     EXPECT_GE(read, before);
     EXPECT_LE(read, after);
 }
 
-std::string namesOf(const std::vector<LinkIdentity>& identities) {
+std::string namesIn(LinkSocket& socket) {
+    EXPECT_TRUE(socket.read());
+    EXPECT_EQ(socket.counters().size(), socket.identities().size());
     std::string names;
-    for (const auto& identity : identities) names += identity.name + ' ';
+    for (const auto& identity : socket.identities()) names += identity.name + ' ' + identity.kind + ' ';
     return names;
 }
 
-void followLinksThatChange() {
-    LinkSocket socket;
-    ASSERT_TRUE(socket.read());
-    const std::string atFirst = namesOf(socket.identities());
-    const uint64_t revision = socket.revision();
-    ASSERT_TRUE(socket.read());
-    EXPECT_EQ(socket.revision(), revision) << "names are not asked again without need";
-
-    if (!addBridge("quarn0")) GTEST_SKIP() << "this kernel makes no bridges";
-    ASSERT_TRUE(socket.read());
-    EXPECT_GT(socket.revision(), revision);
-    EXPECT_EQ(namesOf(socket.identities()), atFirst + "quarn0 ");
-    EXPECT_EQ(socket.identities().back().kind, "bridge");
-    EXPECT_EQ(socket.counters().size(), socket.identities().size());
-
-    ifinfomsg link{};
-    link.ifi_index = static_cast<int>(socket.identities().back().index);
-    ASSERT_TRUE(
-        changeNetwork(RTM_NEWLINK, 0, bytesOf(link) + attribute(IFLA_IFNAME, std::string("other0") + '\0')));
-    ASSERT_TRUE(socket.read());
-    EXPECT_EQ(namesOf(socket.identities()), atFirst + "other0 ");
-
-    ASSERT_TRUE(changeNetwork(RTM_DELLINK, 0, bytesOf(link)));
-    ASSERT_TRUE(socket.read());
-    EXPECT_EQ(namesOf(socket.identities()), atFirst);
-    EXPECT_EQ(socket.counters().size(), socket.identities().size());
-}
-
-void countWhatTheLoopbackCarries() {
-    ASSERT_TRUE(switchOn(1));
-    LinkSocket socket;
-    ASSERT_TRUE(socket.read());
-    const uint64_t before = loopbackBytes(socket.identities(), socket.counters());
-
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    const scutil::UniqueFd receiver(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    ASSERT_EQ(::bind(receiver.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(::getsockname(receiver.get(), reinterpret_cast<sockaddr*>(&address), &length), 0);
-    const std::string payload(1000, 'x');
-    ASSERT_EQ(::sendto(receiver.get(), payload.data(), payload.size(), 0,
-                       reinterpret_cast<const sockaddr*>(&address), sizeof address),
-              1000);
-    ASSERT_TRUE(socket.read());
-    constexpr uint64_t headers = 20 + 8; // IP and UDP
-    EXPECT_EQ(loopbackBytes(socket.identities(), socket.counters()) - before, 1000 + headers);
-}
-
 TEST(LinkSocket, FollowsLinksThatChange) {
-    if (!inOwnNetwork(followLinksThatChange)) GTEST_SKIP() << "a network namespace needs root";
+    inOwnNetwork([] {
+        LinkSocket socket;
+        const std::string atFirst = namesIn(socket);
+        const uint64_t revision = socket.revision();
+        EXPECT_EQ(namesIn(socket), atFirst);
+        EXPECT_EQ(socket.revision(), revision) << "names are not asked again without need";
+
+        if (!addBridge("quarn0")) GTEST_SKIP() << "this kernel makes no bridges";
+        EXPECT_EQ(namesIn(socket), atFirst + "quarn0 bridge ");
+        EXPECT_GT(socket.revision(), revision);
+
+        ifinfomsg link{};
+        link.ifi_index = static_cast<int>(socket.identities().back().index);
+        const auto name = attribute(IFLA_IFNAME, std::string("other0") + '\0');
+        ASSERT_TRUE(changeNetwork(RTM_NEWLINK, 0, bytesOf(link) + name));
+        EXPECT_EQ(namesIn(socket), atFirst + "other0 bridge ");
+        ASSERT_TRUE(changeNetwork(RTM_DELLINK, 0, bytesOf(link)));
+        EXPECT_EQ(namesIn(socket), atFirst);
+    });
 }
 
 TEST(LinkSocket, CountsEveryByte) {
-    if (!inOwnNetwork(countWhatTheLoopbackCarries)) GTEST_SKIP() << "a network namespace needs root";
+    inOwnNetwork([] {
+        ASSERT_TRUE(switchOn(1));
+        LinkSocket socket;
+        const uint64_t before = loopbackBytes(socket);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(9);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        const auto* to = reinterpret_cast<const sockaddr*>(&address);
+        const scutil::UniqueFd sender(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+        const scutil::UniqueFd receiver(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+        ASSERT_EQ(::bind(receiver.get(), to, sizeof address), 0);
+        const std::string payload(1000, 'x');
+        ASSERT_EQ(::sendto(sender.get(), payload.data(), payload.size(), 0, to, sizeof address), 1000);
+        constexpr uint64_t headers = 20 + 8; // IP and UDP
+        EXPECT_EQ(loopbackBytes(socket) - before, 1000 + headers);
+    });
+}
+
+constexpr uint64_t second = 1'000'000'000;
+
+TEST(InterfaceTotals, IncrementsOfOneInterface) {
+    using Counters = std::vector<uint64_t>; ///< bytes received and sent, packets received and sent
+    const auto added = [](const Counters& before, const Counters& after) {
+        InterfaceTotals totals;
+        const auto add = [&](const Counters& counted) {
+            const auto [rx, tx, rxPackets, txPackets] =
+                totals.add({{2, "en0", counted[0], counted[1], counted[2], counted[3]}});
+            return Counters{rx, tx, rxPackets, txPackets};
+        };
+        EXPECT_EQ(add(before), before) << "the totals start at the counters";
+        auto end = add(after);
+        for (size_t i = 0; i < end.size(); ++i) end[i] -= before[i];
+        return end;
+    };
+    constexpr uint64_t below = 4'294'967'000, past = 5'000'000'000; // four GiB
+    EXPECT_EQ(added({100, 200, 3, 4}, {150, 260, 5, 5}), (Counters{50, 60, 2, 1}));
+    EXPECT_EQ(added({below, 0, 0, 0}, {500, 0, 0, 0}), (Counters{796, 0, 0, 0}))
+        << "a 32-bit counter wrapped";
+    EXPECT_EQ(added({past, 0, 9, 0}, {500, 0, 9, 0}), (Counters{0, 0, 0, 0})) << "64 bits never wrap";
+    EXPECT_EQ(added({below, 7, 10, 7}, {500, 9, 4, 9}), (Counters{500, 9, 4, 9})) << "the driver counts anew";
+    EXPECT_EQ(added({7, past, 7, 10}, {9, 500, 9, 4}), (Counters{9, 500, 9, 4})) << "the same when sending";
+    EXPECT_EQ(added({8, past, 8, 10}, {9, 500, 9, 10}), (Counters{1, 0, 1, 0})) << "only bytes fell";
+}
+
+TEST(InterfaceTotals, InterfacesThatComeAndGo) {
+    InterfaceTotals totals;
+    totals.add({{1, "a", 1000}, {2, "b", 10}});
+    EXPECT_EQ(totals.add({{1, "a", 1001}, {3, "late", 5'000'000}}).rxBytes, 1011u) << "a baseline only";
+    EXPECT_EQ(totals.add({{1, "a", 1001}, {3, "late", 5'000'007}}).rxBytes, 1018u);
+    EXPECT_EQ(totals.add({{3, "renamed", 6'000'000}}).rxBytes, 1018u) << "the same index is not the same";
+    EXPECT_EQ(totals.add({}).rxBytes, 1018u);
+    EXPECT_EQ(totals.add({{1, "a", 2000}}).rxBytes, 1018u) << "back again is new again";
+
+    InterfaceTotals lateStart;
+    lateStart.add({});
+    EXPECT_EQ(lateStart.add({{1, "a", 2000}}).rxBytes, 0u);
+}
+
+TEST(InterfaceTotals, WhichInterfacesCount) {
+    for (const char* name : {"en0", "wlp3s0"}) EXPECT_TRUE(countsInterface(name, linkUp, linkTypeEthernet));
+    for (const char* name : {"", "awdl0", "llw0", "bridge100", "ap1", "bond0", "vlan7"})
+        EXPECT_FALSE(countsInterface(name, linkUp, linkTypeEthernet)) << name;
+    EXPECT_TRUE(countsInterface("en0", 0, linkTypeEthernet)) << "switched off";
+    EXPECT_FALSE(countsInterface("lo0", linkLoopback, linkTypeEthernet));
+    EXPECT_FALSE(countsInterface("en0", linkPointToPoint, linkTypeEthernet));
+    EXPECT_FALSE(countsInterface("utun3", linkUp, linkTypeOther));
+    EXPECT_TRUE(countsInterface("bridge100", linkPointToPoint, linkTypeCellular));
+    EXPECT_FALSE(countsInterface("wwan0", linkLoopback, linkTypeCellular));
+}
+
+TEST(NetSampler, RatesOverTheTimeBetweenSamples) {
+    const auto links = [](uint64_t rx, uint64_t tx) {
+        Link counted{2, "en0", linkUp, linkTypeEthernet, rx, tx, rx / 10, 0};
+        Link tunnel{3, "tun0", linkUp, linkTypeOther, 999, 999, 9, 9};
+        return std::vector{counted, tunnel};
+    };
+    NetSampler sampler;
+    const SCNet first = sampler.advance(links(1000, 50), 5 * second);
+    EXPECT_EQ(first.rxBytes, 1000u);
+    EXPECT_EQ(first.rxRate, 0);
+    const SCNet later = sampler.advance(links(3000, 50), 5 * second + second / 2);
+    EXPECT_EQ(later.rxBytes, 3000u);
+    EXPECT_DOUBLE_EQ(later.rxRate, 4000);
+    EXPECT_DOUBLE_EQ(later.rxPacketRate, 400);
+    EXPECT_EQ(later.txRate, 0);
+    EXPECT_EQ(sampler.advance(links(9000, 50), 5 * second).rxRate, 0) << "time did not go on";
+}
+
+TEST(NetSampler, AFailedListingRepeatsTheLastSample) {
+    NetSampler sampler;
+    sampler.advance({{2, "en0", 0, linkTypeEthernet, 0, 0, 0, 0}}, second);
+    const SCNet last = sampler.advance({{2, "en0", 0, linkTypeEthernet, 700, 0, 7, 0}}, 2 * second);
+    const auto nowhere = openReaders(SystemRoot("/nonexistent"));
+    EXPECT_EQ(sampler.sample(*nowhere).rxRate, last.rxRate);
+    EXPECT_EQ(sampler.sample(*nowhere).rxBytes, 700u);
 }
 
 } // namespace

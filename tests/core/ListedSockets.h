@@ -2,6 +2,10 @@
 
 #include "core/SocketList.h"
 
+#include <algorithm>
+#include <netinet/in.h>
+#include <sstream>
+
 namespace quarn::testing {
 
 inline std::vector<SCSocket> listed(sysinfo::SocketLister& lister,
@@ -16,6 +20,27 @@ inline std::vector<SCSocket> listed(sysinfo::SocketLister& lister,
 inline std::vector<SCSocket> listed(sysinfo::SocketScope scope = sysinfo::SocketScope::inspectable) {
     sysinfo::SocketLister lister(sysinfo::SystemRoot::host());
     return listed(lister, scope);
+}
+
+/// "TCP4 127.0.0.1:5000 > 10.0.0.2:443"
+inline std::string ends(const SCSocket& socket) {
+    std::ostringstream text;
+    text << (socket.protocol == IPPROTO_TCP ? "TCP" : "UDP") << socket.ipVersion << ' ' << socket.local << ':'
+         << socket.localPort;
+    if (socket.hasRemote) text << " > " << socket.remote << ':' << socket.remotePort;
+    return text.str();
+}
+
+/// The same with " state 4 of 42 sshd, ", of each socket, sorted.
+inline std::string shown(const std::vector<SCSocket>& sockets) {
+    std::vector<std::string> texts;
+    for (const auto& socket : sockets)
+        texts.push_back(ends(socket) + " state " + std::to_string(socket.state) + " of " +
+                        std::to_string(socket.pid) + ' ' + socket.name + ", ");
+    std::sort(texts.begin(), texts.end());
+    std::string all;
+    for (const auto& text : texts) all += text;
+    return all;
 }
 
 } // namespace quarn::testing

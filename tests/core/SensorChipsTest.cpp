@@ -2,7 +2,6 @@
 #include "SensorSupport.h"
 
 #include <future>
-#include <latch>
 
 namespace {
 
@@ -18,19 +17,40 @@ std::string place(TempRoot& root, const std::string& entry, const std::string& d
     return folder;
 }
 
-/// Counts the readings of attributes whose path holds `part`.
-SensorMachine::Hook counting(int& count, const std::string& part) {
-    return [&count, part](auto& attribute, auto buffer, const auto& read) {
-        count += attribute.path.find(part) != std::string::npos ? 1 : 0;
-        return read(attribute, buffer);
-    };
-}
+/// A machine with one chip whose first temperature is watched.
+struct OneChip : ::testing::Test {
+    void open(const std::string& device, const std::string& name, const std::string& files,
+              const std::string& deviceFiles = "") {
+        place(root, "hwmon0", device, name, files);
+        folder = "sys/devices/" + device;
+        root.files(folder, deviceFiles);
+        machine.emplace(root.root(), [this](auto& attribute, auto buffer, const auto& read) -> long {
+            if (attribute.path.find("/temp1_") == std::string::npos) return read(attribute, buffer);
+            asked.push_back(static_cast<double>(*machine->now) * 1e-9);
+            onAsked();
+            return isBroken ? -1 : read(attribute, buffer);
+        });
+    }
+    size_t count() { return machine->temperatures().size(); }
+    size_t countAfter(double seconds) {
+        machine->pass(seconds);
+        return count();
+    }
+    void lookEachSecond(int seconds, size_t expected) {
+        asked.clear();
+        for (int second = 0; second < seconds; ++second) {
+            EXPECT_EQ(count(), expected) << second;
+            machine->pass(1);
+        }
+    }
 
-std::map<std::string, SensorState> states(SensorMachine& machine) {
-    std::map<std::string, SensorState> result;
-    for (const auto& sensor : machine.smc.sensors()) result[sensor.chip] = sensor.state;
-    return result;
-}
+    TempRoot root;
+    std::string folder;        ///< of the device
+    std::vector<double> asked; ///< when, in seconds
+    std::function<void()> onAsked = [] {};
+    bool isBroken = false;
+    std::optional<SensorMachine> machine;
+};
 
 TEST(SensorChips, OddAttributes) {
     TempRoot root;
@@ -53,146 +73,88 @@ TEST(SensorChips, OddAttributes) {
     EXPECT_EQ(machine.temperatures().size(), 5u);
 }
 
-TEST(SensorChips, AFailingSensorIsLeftAloneLongerAndLonger) {
-    TempRoot root;
-    place(root, "hwmon0", "platform/board.1", "board", "temp1_input=40000;temp2_input=50000");
-    int tries = 0;
-    bool broken = true;
-    SensorMachine machine(root.root(), [&](auto& attribute, auto buffer, const auto& read) -> long {
-        if (!attribute.path.ends_with("temp1_input")) return read(attribute, buffer);
-        ++tries;
-        return broken ? -1 : read(attribute, buffer);
-    });
-    for (int second = 0; second < 120; ++second) {
-        EXPECT_EQ(machine.temperatures().size(), 1u);
-        machine.pass(1);
-    }
-    EXPECT_EQ(tries, 7) << "after 0, 1, 3, 7, 15, 31 and 63 seconds";
-    broken = false;
-    machine.pass(64);
-    EXPECT_EQ(machine.temperatures().size(), 2u);
-    broken = true;
-    machine.pass(1);
-    EXPECT_EQ(machine.temperatures().size(), 1u) << "a value is not kept beyond a failure";
+TEST_F(OneChip, AFailingSensorIsLeftAloneLongerAndLonger) {
+    open("platform/board.1", "board", "temp1_input=40000;temp2_input=50000");
+    isBroken = true;
+    lookEachSecond(120, 1);
+    EXPECT_EQ(asked.size(), 7u) << "after 0, 1, 3, 7, 15, 31 and 63 seconds";
+    isBroken = false;
+    EXPECT_EQ(countAfter(64), 2u);
+    isBroken = true;
+    EXPECT_EQ(countAfter(1), 1u) << "a value is not kept beyond a failure";
 }
 
 TEST(SensorChips, OneSweepReadsEachAttributeOnce) {
     TempRoot root;
-    for (int chip = 0; chip < 3; ++chip) {
-        const auto n = std::to_string(chip);
+    for (const std::string n : {"0", "1", "2"})
         place(root, "hwmon" + n, "platform/board." + n, "board", "temp1_input=40000;in0_input=1200");
-    }
     int reads = 0;
-    SensorMachine machine(root.root(), counting(reads, ""));
-    machine.temperatures();
-    machine.of('V');
-    EXPECT_EQ(reads, 6);
-    machine.pass(1);
-    machine.temperatures();
-    machine.of('V');
-    machine.of('F');
-    EXPECT_EQ(reads, 12);
-}
-
-TEST(SensorChips, ASuspendedDeviceIsNotTouched) {
-    TempRoot root;
-    const std::string device = "pci0000:00/0000:01:00.0";
-    const std::string status = "sys/devices/" + device + "/power/runtime_status";
-    place(root, "hwmon0", device, "amdgpu", "temp1_input=60000;temp1_crit=100000");
-    root.write(status, "suspended\n");
-    int touched = 0;
-    SensorMachine machine(root.root(), counting(touched, "/temp1_"));
-    EXPECT_TRUE(machine.temperatures().empty());
-    EXPECT_EQ(states(machine), (std::map<std::string, SensorState>{{"amdgpu", SensorState::asleep}}));
-    EXPECT_EQ(touched, 0);
-
-    root.write(status, "active\n");
-    machine.pass(1);
-    EXPECT_EQ(machine.temperatures().size(), 1u) << "it was asleep when the keys were enumerated first";
-    const int before = touched;
-    root.write(status, "suspended\n");
-    machine.pass(1);
-    EXPECT_TRUE(machine.temperatures().empty());
-    EXPECT_EQ(touched, before);
-}
-
-TEST(SensorChips, ARotatingDiskIsAskedOnlyAfterItWorked) {
-    TempRoot root;
-    const std::string device = "pci0000:00/0000:00:17.0/ata1/host0/target0:0:0/0:0:0:0";
-    const std::string disk = "sys/devices/" + device + "/block/sda";
-    place(root, "hwmon0", device, "drivetemp", "temp1_input=35000");
-    root.files("sys/devices/" + device, "model=WDC WD40 ").files(disk, "queue/rotational=1;stat= 10 0 80 5");
-    int asked = 0;
     SensorMachine machine(root.root(), [&](auto& attribute, auto buffer, const auto& read) {
-        if (attribute.path.ends_with("temp1_input")) {
-            ++asked;
-            root.write(disk + "/stat", " 12 0 80 5\n"); // a kernel that counts this question too
-        }
+        ++reads;
         return read(attribute, buffer);
     });
-    EXPECT_TRUE(machine.temperatures().empty()) << "it may be in standby";
-    EXPECT_EQ(states(machine), (std::map<std::string, SensorState>{{"WDC WD40", SensorState::idle}}));
-    root.write(disk + "/stat", " 11 0 88 5\n");
-    machine.pass(1);
-    EXPECT_EQ(machine.temperatures().size(), 1u);
-    machine.pass(60);
-    EXPECT_EQ(machine.temperatures().size(), 1u) << "the last answer serves for minutes";
-    EXPECT_EQ(asked, 1) << "nothing but the question itself went to the disk";
-    machine.pass(300);
-    EXPECT_TRUE(machine.temperatures().empty());
-}
-
-TEST(SensorChips, ASolidDiskAtRestIsAskedOnceAMinute) {
-    TempRoot root;
-    const std::string device = "pci0000:00/0000:02:00.0/nvme/nvme0";
-    const std::string disk = "sys/devices/" + device + "/nvme0n1";
-    place(root, "hwmon0", device, "nvme", "temp1_input=35000");
-    root.files(disk, "queue/rotational=0;stat= 10 0 80 5");
-    int asked = 0;
-    SensorMachine machine(root.root(), counting(asked, "temp1_input"));
-    for (int second = 0; second < 120; ++second) {
-        EXPECT_EQ(machine.temperatures().size(), 1u);
+    for (const int expected : {6, 12}) {
+        machine.temperatures();
+        machine.of('V');
+        machine.of('F');
+        EXPECT_EQ(reads, expected);
         machine.pass(1);
     }
-    EXPECT_EQ(asked, 2);
-    root.write(disk + "/stat", " 11 0 88 5\n");
-    machine.temperatures();
-    EXPECT_EQ(asked, 3) << "at work";
 }
 
-TEST(SensorChips, ADeviceThatSuspendsByItselfGetsTheTimeForIt) {
-    TempRoot root;
-    const std::string device = "pci0000:00/0000:01:00.0";
-    const std::string power = "sys/devices/" + device + "/power";
-    place(root, "hwmon0", device, "amdgpu", "temp1_input=60000");
-    root.files(power, "runtime_status=active;control=auto;autosuspend_delay_ms=5000");
-    std::vector<double> asked;
-    std::shared_ptr<std::atomic<uint64_t>> clock;
-    SensorMachine machine(root.root(), [&](auto& attribute, auto buffer, const auto& read) {
-        if (attribute.path.ends_with("temp1_input")) asked.push_back(static_cast<double>(*clock) * 1e-9);
-        return read(attribute, buffer);
-    });
-    clock = machine.now;
+TEST_F(OneChip, ASuspendedDeviceIsNotTouched) {
+    open("pci0000:00/0000:01:00.0", "amdgpu", "temp1_input=60000;temp1_crit=100000",
+         "power/runtime_status=suspended");
+    EXPECT_EQ(count(), 0u);
+    EXPECT_EQ(machine->smc.sensors().at(0).state, SensorState::asleep);
+    EXPECT_TRUE(asked.empty());
+
+    root.files(folder, "power/runtime_status=active");
+    EXPECT_EQ(countAfter(1), 1u) << "it was asleep when the keys were enumerated first";
+    root.files(folder, "power/runtime_status=suspended");
+    asked.clear();
+    EXPECT_EQ(countAfter(1), 0u);
+    EXPECT_TRUE(asked.empty());
+}
+
+TEST_F(OneChip, ARotatingDiskIsAskedOnlyAfterItWorked) {
+    open("pci0000:00/0000:00:17.0/ata1/host0/target0:0:0/0:0:0:0", "drivetemp", "temp1_input=35000",
+         "model=WDC WD40 ;block/sda/queue/rotational=1;block/sda/stat= 10 0 80 5");
+    onAsked = [this] { root.files(folder, "block/sda/stat= 12 0 80 5"); }; // a kernel that counts this too
+    EXPECT_EQ(count(), 0u) << "it may be in standby";
+    EXPECT_EQ(machine->smc.sensors().at(0).state, SensorState::idle);
+    EXPECT_EQ(machine->smc.sensors().at(0).chip, "WDC WD40");
+    root.files(folder, "block/sda/stat= 11 0 88 5");
+    EXPECT_EQ(countAfter(1), 1u);
+    EXPECT_EQ(countAfter(60), 1u) << "the last answer serves for minutes";
+    EXPECT_EQ(asked.size(), 1u) << "nothing but the question itself went to the disk";
+    EXPECT_EQ(countAfter(300), 0u);
+}
+
+TEST_F(OneChip, ASolidDiskAtRestIsAskedOnceAMinute) {
+    open("pci0000:00/0000:02:00.0/nvme/nvme0", "nvme", "temp1_input=35000",
+         "nvme0n1/queue/rotational=0;nvme0n1/stat= 10 0 80 5");
+    lookEachSecond(120, 1);
+    EXPECT_EQ(asked.size(), 2u);
+    root.files(folder, "nvme0n1/stat= 11 0 88 5");
+    count();
+    EXPECT_EQ(asked.size(), 3u) << "at work";
+}
+
+TEST_F(OneChip, ADeviceThatSuspendsByItselfGetsTheTimeForIt) {
+    open("pci0000:00/0000:01:00.0", "amdgpu", "temp1_input=60000",
+         "power/runtime_status=active;power/control=auto;power/autosuspend_delay_ms=5000");
     const auto longestGap = [&] {
         double gap = 0;
         for (size_t i = 1; i < asked.size(); ++i) gap = std::max(gap, asked[i] - asked[i - 1]);
         return gap;
     };
-    for (int second = 0; second < 60; ++second) {
-        EXPECT_EQ(machine.temperatures().size(), 1u) << "the last answer bridges the pause";
-        machine.pass(1);
-    }
+    lookEachSecond(60, 1); // the last answer bridges the pause
     EXPECT_GT(longestGap(), 5);
     EXPECT_GT(asked.size(), 45u) << "a device that others use is read all the same";
-
-    root.write(power + "/control", "on\n");
-    machine.pass(30);
-    machine.temperatures();
-    asked.clear();
-    for (int second = 0; second < 60; ++second) {
-        machine.temperatures();
-        machine.pass(1);
-    }
+    root.files(folder, "power/control=on");
+    countAfter(30);
+    lookEachSecond(60, 1);
     EXPECT_LT(longestGap(), 2) << "it never suspends";
 }
 

@@ -37,15 +37,6 @@ TEST(SensorKeys, ManySensorsGetDifferentTemperatureKeys) {
     }
 }
 
-TEST(SensorKeys, ADeviceKeepsItsKeyWhenOthersAreFirst) {
-    const auto keyBehind = [](const std::vector<const char*>& others) {
-        SensorKeys keys;
-        for (const char* other : others) keys.assign(SensorKind::temperature, SensorClass::nvme, other, 1);
-        return keys.assign(SensorKind::temperature, SensorClass::nvme, "nvme|S4X1", 1);
-    };
-    EXPECT_EQ(keyBehind({}), keyBehind({"nvme|other"}));
-}
-
 TEST(SensorKeys, SixteenFansAndEachOfTheHardwaresOwnKeysOnce) {
     SensorKeys keys;
     std::string fans;
@@ -59,25 +50,18 @@ TEST(SensorKeys, SixteenFansAndEachOfTheHardwaresOwnKeysOnce) {
 }
 
 TEST(SensorClass, WhereAChipBelongs) {
-    const struct {
-        const char *name, *device;
-        uint32_t pciClass;
-        SensorClass expected;
-    } cases[] = {
-        {"k10temp", "", 0x060000, SensorClass::cpu},
-        {"amdgpu", "/sys/devices/pci0000:00/0000:01:00.0", 0x030000, SensorClass::gpu},
-        {"unheard_of", "/sys/devices/pci0000:00/0000:01:00.0", 0x030000, SensorClass::gpu},
-        {"unheard_of", "/sys/devices/pci0000:00/0000:01:00.0", 0x020000, SensorClass::network},
-        {"unheard_of", "/sys/devices/pci0000:00/0000:01:00.0", 0x010802, SensorClass::nvme},
-        {"unheard_of", "/sys/devices/platform/soc/wifi/ieee80211/phy0", 0, SensorClass::network},
-        {"mt7996_phy0_0", "", 0, SensorClass::network},
-        {"BAT0", "/sys/devices/x/power_supply/BAT0", 0, SensorClass::battery},
-        {"cpu", "/sys/devices/x/power_supply/cpu", 0, SensorClass::battery},
-        {"nct6779", "/sys/devices/platform/nct6775.656", 0, SensorClass::board},
-        {"", "", 0, SensorClass::board},
-    };
-    for (const auto& one : cases)
-        EXPECT_EQ(classOfChip(one.name, one.device, one.pciClass), one.expected) << one.name << one.device;
+    const std::string card = "/sys/devices/pci0000:00/0000:01:00.0";
+    EXPECT_EQ(classOfChip("k10temp", "", 0x060000), SensorClass::cpu);
+    EXPECT_EQ(classOfChip("amdgpu", card, 0x030000), SensorClass::gpu);
+    EXPECT_EQ(classOfChip("unheard_of", card, 0x030000), SensorClass::gpu);
+    EXPECT_EQ(classOfChip("unheard_of", card, 0x020000), SensorClass::network);
+    EXPECT_EQ(classOfChip("unheard_of", card, 0x010802), SensorClass::nvme);
+    EXPECT_EQ(classOfChip("unheard_of", "/sys/devices/wifi/ieee80211/phy0", 0), SensorClass::network);
+    EXPECT_EQ(classOfChip("mt7996_phy0_0", "", 0), SensorClass::network);
+    EXPECT_EQ(classOfChip("BAT0", "/sys/devices/x/power_supply/BAT0", 0), SensorClass::battery);
+    EXPECT_EQ(classOfChip("cpu", "/sys/devices/x/power_supply/cpu", 0), SensorClass::battery);
+    EXPECT_EQ(classOfChip("nct6779", "/sys/devices/platform/nct6775.656", 0), SensorClass::board);
+    EXPECT_EQ(classOfChip("", "", 0), SensorClass::board);
 
     EXPECT_EQ(classOfSensor(SensorClass::board, "CPUTIN"), SensorClass::cpu);
     EXPECT_EQ(classOfSensor(SensorClass::board, "SODIMM"), SensorClass::memory);
@@ -87,37 +71,21 @@ TEST(SensorClass, WhereAChipBelongs) {
 
 TEST(SensorClass, AttributeNames) {
     using Item = HwmonAttribute::Item;
-    const struct {
-        const char* name;
-        int number;
-        SensorKind kind;
-        Item item;
-    } cases[] = {
-        {"temp12_input", 12, SensorKind::temperature, Item::input},
-        {"in0_input", 0, SensorKind::voltage, Item::input},
-        {"power1_average", 1, SensorKind::power, Item::average},
-        {"curr3_crit", 3, SensorKind::current, Item::crit},
-        {"fan2_enable", 2, SensorKind::fan, Item::enable},
-        {"temp1_crit_alarm", 1, SensorKind::temperature, Item::other},
-        {"power1_average_interval", 1, SensorKind::power, Item::other},
-        {"temp1", 1, SensorKind::temperature, Item::other},
+    const auto is = [](const char* name, int number, SensorKind kind, Item item) {
+        const auto attribute = parseHwmonAttribute(name);
+        return attribute.number == number && attribute.kind == kind && attribute.item == item;
     };
-    for (const auto& one : cases) {
-        const auto attribute = parseHwmonAttribute(one.name);
-        EXPECT_EQ(attribute.number, one.number) << one.name;
-        EXPECT_EQ(attribute.kind, one.kind) << one.name;
-        EXPECT_EQ(attribute.item, one.item) << one.name;
-    }
+    EXPECT_TRUE(is("temp12_input", 12, SensorKind::temperature, Item::input));
+    EXPECT_TRUE(is("in0_input", 0, SensorKind::voltage, Item::input));
+    EXPECT_TRUE(is("power1_average", 1, SensorKind::power, Item::average));
+    EXPECT_TRUE(is("curr3_crit", 3, SensorKind::current, Item::crit));
+    EXPECT_TRUE(is("fan2_enable", 2, SensorKind::fan, Item::enable));
+    EXPECT_TRUE(is("temp1_crit_alarm", 1, SensorKind::temperature, Item::other));
+    EXPECT_TRUE(is("power1_average_interval", 1, SensorKind::power, Item::other));
+    EXPECT_TRUE(is("temp1", 1, SensorKind::temperature, Item::other));
     for (const char* name :
          {"intrusion0_alarm", "in-1_input", "temp99999999_input", "temp_input", "freq1_input", ""})
         EXPECT_EQ(parseHwmonAttribute(name).number, -1) << name;
-}
-
-TEST(SensorClass, LimitsThatAreNone) {
-    for (const double value : {-273.15, 65261.85, 0.0})
-        EXPECT_FALSE(plausibleLimit(SensorKind::temperature, value));
-    EXPECT_EQ(plausibleLimit(SensorKind::temperature, 84.85), 84.85);
-    EXPECT_EQ(plausibleLimit(SensorKind::fan, 6156), 6156);
 }
 
 } // namespace

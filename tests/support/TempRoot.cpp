@@ -77,13 +77,6 @@ TempRoot& TempRoot::unpack(std::string_view packed) {
     return *this;
 }
 
-std::optional<fs::path> outsideCapture(std::string_view relative) {
-    const char* folder = std::getenv("QUARN_CAPTURES");
-    const fs::path path =
-        (folder ? fs::path(folder) : fs::path(QUARN_SOURCE_DIR) / "build/captures") / relative;
-    return fs::exists(path) ? std::optional(path) : std::nullopt;
-}
-
 std::string readFile(const fs::path& path) {
     std::ostringstream content;
     content << std::ifstream(path, std::ios::binary).rdbuf();

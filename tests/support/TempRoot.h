@@ -3,7 +3,6 @@
 #include "core/SystemRoot.h"
 
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -36,10 +35,6 @@ public:
 private:
     std::filesystem::path path_;
 };
-
-/// A folder of captures that the repository does not hold, below build/captures or where QUARN_CAPTURES says;
-/// nullopt when it is not there: a test of such captures skips itself.
-std::optional<std::filesystem::path> outsideCapture(std::string_view relative);
 
 std::string readFile(const std::filesystem::path& path); ///< empty when it cannot be read
 /// The content of a file of tests/fixtures; fails the test when it is missing.
