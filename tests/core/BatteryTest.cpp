@@ -1,5 +1,6 @@
 #include "core/Battery.h"
 #include "SupplyText.h"
+#include "support/Joined.h"
 #include "support/TempRoot.h"
 
 namespace {
@@ -12,31 +13,22 @@ PowerSupply battery(const std::string& attributes) { return supply(attributes + 
 BatteryInfo derived(const std::string& attributes) { return deriveBattery(std::vector{battery(attributes)}); }
 
 TEST(Battery, CapturedMachines) {
-    const struct {
-        const char *machine, *teaches;
-        std::optional<int> percent;
-        bool present, onAC;
-        std::vector<int> figures; ///< minutes left, cycles, capacity by design and now, mV, mA
-    } cases[] = {
-        {"thinkpad-98", "µWh become mAh; 0 cycles", 98, true, false, {614, -1, 4400, 4635, 12229, -395}},
-        {"thinkpad-81", "unreadable characters", 81, true, false, {438, -1, 4400, 4173, 11660, -429}},
-        {"uevent-only", "without full capacity: by design", 30, true, false, {129, -1, 7800, -1, 0, -1107}},
-        {"not-charging", "holds its charge: plugged in", {}, true, true, {-1, -1, -1, -1, 0, 0}},
-        {"trackpad", "not the machine's own", {}, false, false, {-1, -1, -1, -1, 0, 0}},
+    // Present, charge, on the mains, minutes left, cycles, capacity by design and now, mV, mA.
+    const char* const cases[][3] = {
+        {"thinkpad-98", "µWh become mAh; 0 cycles are unknown", "1|1|98|0|614|-1|4400|4635|12229|-395"},
+        {"thinkpad-81", "unreadable characters", "1|1|81|0|438|-1|4400|4173|11660|-429"},
+        {"uevent-only", "without full capacity: by design", "1|1|30|0|129|-1|7800|-1|0|-1107"},
+        {"not-charging", "holds its charge: plugged in", "1|0|0|1|-1|-1|-1|-1|0|0"},
+        {"trackpad", "not the machine's own", "0|0|0|0|-1|-1|-1|-1|0|0"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.machine) + ": " + c.teaches);
-        const auto info = readBattery(SystemRoot(QUARN_FIXTURES "/battery/" + std::string(c.machine)));
-        EXPECT_EQ(info.present, c.present);
-        EXPECT_EQ(info.percentKnown, c.percent.has_value());
-        EXPECT_EQ(info.percent, c.percent.value_or(0));
-        EXPECT_EQ(info.onAC, c.onAC);
-        EXPECT_EQ((std::vector{info.timeToEmptyMin, info.cycleCount, info.designCapacity,
-                               info.nominalCapacity, info.voltage_mV, info.amperage_mA}),
-                  c.figures);
-        EXPECT_EQ(info.timeToFullMin, -1);
-        EXPECT_EQ(info.temperatureC, 0);
-        EXPECT_FALSE(info.charging);
+    for (const auto& [machine, teaches, shown] : cases) {
+        const auto info = readBattery(SystemRoot(QUARN_FIXTURES "/battery/" + std::string(machine)));
+        EXPECT_EQ(joined(info.present, info.percentKnown, info.percent, info.onAC, info.timeToEmptyMin,
+                         info.cycleCount, info.designCapacity, info.nominalCapacity, info.voltage_mV,
+                         info.amperage_mA),
+                  shown)
+            << machine << ": " << teaches;
+        EXPECT_EQ(joined(info.timeToFullMin, info.temperatureC, info.charging), "-1|0|0") << machine;
     }
     EXPECT_EQ(readBattery(SystemRoot(QUARN_FIXTURES "/battery/thinkpad-81")).model, "LNV-45N1");
 }

@@ -4,12 +4,13 @@
 #include "core/ProcessSampler.h"
 #include "core/linux/Cpu.h"
 #include "core/linux/Memory.h"
+#include "support/Joined.h"
 #include "support/TempRoot.h"
 
 namespace {
 
 using namespace sysinfo;
-using quarn::testing::TempRoot;
+using namespace quarn::testing;
 
 std::shared_ptr<platform::Readers> readersOf(std::string_view machine) {
     return platform::openReaders(SystemRoot(QUARN_FIXTURES "/hosts/" + std::string(machine)));
@@ -87,10 +88,7 @@ TEST(CpuSampler, SharesOfTheInterval) {
     // CPU 0: user 20, system 10, idle 60, nice 10. CPU 1 did not move at all.
     const auto stats =
         between({{0, 1}, {100, 100, 100, 100, 5, 5, 5, 5}}, {{0, 1}, {120, 110, 160, 110, 5, 5, 5, 5}});
-    EXPECT_DOUBLE_EQ(stats.user, 30);
-    EXPECT_DOUBLE_EQ(stats.system, 10);
-    EXPECT_DOUBLE_EQ(stats.idle, 60);
-    EXPECT_DOUBLE_EQ(stats.total, 40);
+    EXPECT_EQ(joined(stats.user, stats.system, stats.idle, stats.total), "30|10|60|40");
     EXPECT_EQ(stats.perCore, (std::vector<double>{40, 0}));
     EXPECT_EQ(stats.perCoreSystem, (std::vector<double>{10, 0}));
 }
@@ -133,20 +131,16 @@ TEST(CapturedMemory, WithoutMemAvailableAnEstimateStandsIn) {
                   "MemTotal: 1000 kB\nMemFree: 100 kB\nBuffers: 50 kB\nCached: 200 kB\nShmem: 50 kB\n"
                   "SReclaimable: 100 kB\nSwapTotal: 10 kB\nSwapFree: 4 kB\n");
     const SCMem mem = readMemStats(*platform::openReaders(machine.root()));
-    EXPECT_EQ(mem.freePercent, 40u);
-    EXPECT_EQ(mem.swapUsed, 6u * 1024);
-    EXPECT_EQ(mem.pressureLevel, 1u);
+    EXPECT_EQ(joined(mem.freePercent, mem.swapUsed, mem.pressureLevel), "40|6144|1");
     machine.remove("proc/meminfo");
     const SCMem none = readMemStats(*platform::openReaders(machine.root()));
-    EXPECT_EQ(none.total, 0u);
-    EXPECT_EQ(none.pressureLevel, 1u) << "never 0";
+    EXPECT_EQ(joined(none.total, none.pressureLevel), "0|1") << "never a level of 0";
 }
 
 TEST(CapturedMemory, PressureLevels) {
     const auto psi = platform::parseMemoryPressure("some avg10=12.50 avg60=1.00 avg300=0.1 total=7\n"
                                                    "full avg10=3.20 avg60=0.00 avg300=0.0 total=3\n");
-    EXPECT_DOUBLE_EQ(psi.someAvg10, 12.5);
-    EXPECT_DOUBLE_EQ(psi.fullAvg10, 3.2);
+    EXPECT_EQ(joined(psi.someAvg10, psi.fullAvg10), "12.5|3.2");
     EXPECT_EQ(platform::memoryPressureLevel(500, 1000, {}), 1u);
     EXPECT_EQ(platform::memoryPressureLevel(500, 1000, psi), 2u);
     EXPECT_EQ(platform::memoryPressureLevel(99, 1000, {}), 2u);
@@ -170,25 +164,15 @@ TEST(CapturedProcesses, NumbersAsPublished) {
     const auto& list = sampler.sample(*readers);
     ASSERT_EQ(list.size(), 3u);
 
-    EXPECT_EQ(list[0].pid, 584);
-    EXPECT_EQ(list[0].name, "(a b ) ( c d) ") << "a name of blanks and brackets";
-    EXPECT_EQ(list[0].state, "Running");
-    EXPECT_EQ(list[2].name, "ata_sff");
-    EXPECT_FALSE(list[2].ioKnown);
-
+    EXPECT_EQ(joined(list[0].pid, list[0].name, list[0].state), "584|(a b ) ( c d) |Running")
+        << "a name of blanks and brackets";
+    EXPECT_EQ(joined(list[2].name, list[2].ioKnown), "ata_sff|0");
     const auto& vim = list[1];
-    EXPECT_EQ(vim.name, "vim");
-    EXPECT_EQ(vim.path, "/usr/bin/vim");
-    EXPECT_EQ(vim.ppid, 5392);
-    EXPECT_EQ(vim.uid, 1000u);
-    EXPECT_EQ(vim.user, "1000") << "a captured machine without accounts shows the number";
-    EXPECT_EQ(vim.cpuTimeNs, (1677u + 44u) * uint64_t{10'000'000});
-    EXPECT_EQ(vim.startTime, 1418183276u + 823);
-    EXPECT_EQ(vim.memBytes, (2092u + 660u) * 1024);
-    EXPECT_EQ(vim.contextSwitches, 4742839u + 1727500u);
-    EXPECT_EQ(vim.diskRead, 1024u);
-    EXPECT_EQ(vim.diskWrite, 2048u);
-    EXPECT_TRUE(vim.ioKnown);
+    EXPECT_EQ(joined(vim.name, vim.path, vim.ppid, vim.uid, vim.user), "vim|/usr/bin/vim|5392|1000|1000")
+        << "a captured machine without accounts shows the number";
+    EXPECT_EQ(joined(vim.cpuTimeNs / 10'000'000, vim.startTime, vim.memBytes / 1024, vim.contextSwitches,
+                     vim.diskRead, vim.diskWrite, vim.ioKnown),
+              joined(1677 + 44, 1418183276 + 823, 2092 + 660, 4742839 + 1727500, 1024, 2048, true));
 
     double load[3];
     EXPECT_EQ(platform::loadAverage(*readers, load), 3);

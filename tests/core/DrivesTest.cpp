@@ -5,13 +5,14 @@
 #include "core/linux/DiskStats.h"
 #include "core/linux/DriveBus.h"
 #include "core/linux/UdevRecord.h"
+#include "support/Joined.h"
 #include "support/TempRoot.h"
 
 namespace {
 
 using namespace sysinfo;
 using platform::DriveCounters;
-using quarn::testing::TempRoot;
+using namespace quarn::testing;
 
 TEST(DiskStats, LinesOfAllKernelsAndNone) {
     for (const char* counters :
@@ -59,27 +60,22 @@ TEST(CapturedDrives, CountersOfAMixedTableAsPublished) {
     const auto readers = platform::openReaders(SystemRoot(QUARN_FIXTURES "/hosts/mixed-disks"));
     std::vector<platform::DriveCounters> drives;
     ASSERT_TRUE(platform::readDriveCounters(*readers, drives));
-    const struct {
-        const char* name;
-        std::vector<double> figures; ///< bytes read and written, reads and writes, seconds of both
-    } published[] = {
-        {"sda", {513713216512, 258916880384, 25354637, 28444756, 18492.372, 63877.96}},
-        {"mmcblk0", {798720, 0, 192, 0, 0.156, 0}},
-        {"vda", {16727491584, 109382369280, 1775784, 6038856, 8655.768, 2069221.364}},
-        {"nvme0n1", {2377714176, 20199236096, 47114, 1078320, 21.65, 1011.053}},
-        {"sdb", {4944782848, 1010127360, 326552, 41822, 0.084, 5.007}},
-        {"sdc", {848782848, 88527360, 126552, 11822, 0.014, 1.007}},
+    // Bytes read and written, reads and writes, seconds of both.
+    const char* const published[] = {
+        "sda|513713216512|258916880384|25354637|28444756|18492.372|63877.96",
+        "mmcblk0|798720|0|192|0|0.156|0",
+        "vda|16727491584|109382369280|1775784|6038856|8655.768|2069221.364",
+        "nvme0n1|2377714176|20199236096|47114|1078320|21.65|1011.053",
+        "sdb|4944782848|1010127360|326552|41822|0.084|5.007",
+        "sdc|848782848|88527360|126552|11822|0.014|1.007",
     };
     ASSERT_EQ(drives.size(), std::size(published));
     for (size_t i = 0; i < drives.size(); ++i) {
         const auto& [name, stats] = drives[i];
-        std::vector<double> figures;
-        for (const uint64_t count : {stats.bytesRead, stats.bytesWritten, stats.opsRead, stats.opsWritten})
-            figures.push_back(static_cast<double>(count));
-        for (const uint64_t ns : {stats.timeReadNs, stats.timeWriteNs})
-            figures.push_back(static_cast<double>(ns) / 1e9);
-        EXPECT_EQ(name, published[i].name);
-        EXPECT_EQ(figures, published[i].figures) << name;
+        const auto& s = stats;
+        EXPECT_EQ(joined(name, s.bytesRead, s.bytesWritten, s.opsRead, s.opsWritten,
+                         static_cast<double>(s.timeReadNs) / 1e9, static_cast<double>(s.timeWriteNs) / 1e9),
+                  published[i]);
     }
 }
 
@@ -103,27 +99,27 @@ TEST(Drives, TheSetOfDrivesIsFollowed) {
 
 TEST(DriveBus, PlacesInTheDeviceTree) {
     const struct {
-        const char *path, *interconnect, *architecture;
-        bool internal;
+        const char *path, *bus;
     } cases[] = {
-        {"0000:01:00.0/nvme/nvme0/nvme0n1", "NVMe", "NVMe", true},
-        {"ata1/host0/target0:0:0/0:0:0:0/block/sda", "SATA", "SATA (AHCI)", true},
-        {"usb1/1-2/1-2:1.0/host6/target6:0:0/6:0:0:0/block/sdb", "USB", "USB Mass Storage", false},
-        {"usb2/2-1/2-1:1.0/rtsx_usb_sdmmc.0/mmc_host/mmc0/mmc0:aaaa/block/mmcblk0", "Secure Digital",
-         "SD card reader", false},
-        {"virtio1/block/vda", "Virtio", "Virtio", true},
-        {"virtio2/host2/target2:0:0/2:0:0:0/block/sda", "Virtio", "Virtio", true},
-        {"host0/port-0:0/end_device-0:0/target0:0:0/0:0:0:0/block/sda", "SAS", "SAS", true},
-        {"host3/session1/target3:0:0/3:0:0:1/block/sdd", "iSCSI", "iSCSI", false},
-        {"host0/target0:2:0/0:2:0:0/block/sda", "SCSI", "SCSI", true},
-        {"somewhere/else", "", "", true},
+        {"0000:01:00.0/nvme/nvme0/nvme0n1", "NVMe|NVMe|1"},
+        {"ata1/host0/target0:0:0/0:0:0:0/block/sda", "SATA|SATA (AHCI)|1"},
+        {"usb1/1-2/1-2:1.0/host6/target6:0:0/6:0:0:0/block/sdb", "USB|USB Mass Storage|0"},
+        {"usb2/2-1/2-1:1.0/rtsx_usb_sdmmc.0/mmc_host/mmc0/mmc0:aaaa/block/mmcblk0",
+         "Secure Digital|SD card reader|0"},
+        {"virtio1/block/vda", "Virtio|Virtio|1"},
+        {"virtio2/host2/target2:0:0/2:0:0:0/block/sda", "Virtio|Virtio|1"},
+        {"host0/port-0:0/end_device-0:0/target0:0:0/0:0:0:0/block/sda", "SAS|SAS|1"},
+        {"host3/session1/target3:0:0/3:0:0:1/block/sdd", "iSCSI|iSCSI|0"},
+        {"host0/target0:2:0/0:2:0:0/block/sda", "SCSI|SCSI|1"},
+        {"somewhere/else", "||1"},
     };
     const std::string pci = "sys/devices/pci0000:00/0000:00:14.0/";
     for (const auto& c : cases) {
         const auto bus = platform::driveBus(pci + c.path);
-        EXPECT_EQ(bus.interconnect, c.interconnect) << c.path;
-        EXPECT_EQ(bus.architecture, c.architecture) << c.path;
-        EXPECT_EQ(bus.place == platform::DriveBus::Place::internal, c.internal) << c.path;
+        EXPECT_EQ(
+            joined(bus.interconnect, bus.architecture, bus.place == platform::DriveBus::Place::internal),
+            c.bus)
+            << c.path;
     }
     EXPECT_EQ(platform::pciFunction(pci + "0000:01:00.0/nvme/nvme0"), pci + "0000:01:00.0");
     EXPECT_EQ(platform::pciFunction("sys/devices/platform/soc/mmc_host/mmc0/mmc0:0001"), "");
@@ -166,8 +162,8 @@ protected:
         SCDiskDevice devices[4]{};
         EXPECT_EQ(diskDevices(machine.root(), devices, 4), 1);
         const auto& disk = devices[0];
-        return std::string(disk.name) + " | " + disk.medium + " | " + disk.architecture + " | " + disk.link +
-               (disk.internalDisk ? " | internal" : " | outside") + (disk.removable ? ", removable" : "");
+        return joined(disk.name, disk.medium, disk.architecture, disk.link,
+                      disk.internalDisk ? "internal" : "outside", disk.removable ? "removable" : "fixed");
     }
     std::string shownAfter(const std::string& path, std::string_view files) {
         machine.files("sys/devices/" + path, files);
@@ -185,11 +181,11 @@ TEST_F(DescribedDrives, NvmeWithItsLink) {
     machine.link("sys/devices/" + path + "/device", "../../nvme0");
     EXPECT_EQ(shownAfter(controller, "nvme/nvme0/model=Fast SSD 1TB            ;power/runtime_status=active;"
                                      "current_link_speed=8.0 GT/s PCIe;current_link_width=4"),
-              "Fast SSD 1TB | SSD | NVMe | PCIe 3.0 x4 | internal");
+              "Fast SSD 1TB|SSD|NVMe|PCIe 3.0 x4|internal|fixed");
     EXPECT_EQ(shownAfter(controller, "power/runtime_status=suspended"),
-              "Fast SSD 1TB | SSD | NVMe |  | internal")
+              "Fast SSD 1TB|SSD|NVMe||internal|fixed")
         << "asking for the link would wake the controller";
-    EXPECT_EQ(shownAfter(controller, "removable=removable"), "Fast SSD 1TB | SSD | NVMe |  | outside")
+    EXPECT_EQ(shownAfter(controller, "removable=removable"), "Fast SSD 1TB|SSD|NVMe||outside|fixed")
         << "behind a port for plugging in";
 }
 
@@ -202,7 +198,7 @@ TEST_F(DescribedDrives, NvmeWithSeveralControllers) {
         .link("sys/devices/" + subsystem + "/nvme0", "../../../" + controller + "/nvme/nvme0")
         .files("sys/devices/" + subsystem, "model=Shared");
     EXPECT_EQ(shownAfter(controller, "current_link_speed=16.0 GT/s PCIe;current_link_width=2"),
-              "Shared |  | NVMe | PCIe 4.0 x2 | internal");
+              "Shared||NVMe|PCIe 4.0 x2|internal|fixed");
 }
 
 TEST_F(DescribedDrives, NamesAndMedia) {
@@ -210,27 +206,27 @@ TEST_F(DescribedDrives, NamesAndMedia) {
     add("sda", ata + "/block/sda", "size=100;queue/rotational=1;dev=8:0");
     machine.link("sys/devices/" + ata + "/block/sda/device", "../..");
     EXPECT_EQ(shownAfter(ata, "vendor=ATA     ;model=Long Model Name "),
-              "Long Model Name | HDD | SATA (AHCI) |  | internal");
+              "Long Model Name|HDD|SATA (AHCI)||internal|fixed");
     machine.write("run/udev/data/b8:0", "E:ID_MODEL_ENC=Long\\x20Model\\x20Name\\x204000\n");
-    EXPECT_EQ(shown(), "Long Model Name 4000 | HDD | SATA (AHCI) |  | internal");
-    EXPECT_EQ(shownAfter(ata, "vendor=Maker"), "Maker Long Model Name | HDD | SATA (AHCI) |  | internal");
-    EXPECT_EQ(shownAfter(ata, "vendor=Model"), "Long Model Name | HDD | SATA (AHCI) |  | internal")
+    EXPECT_EQ(shown(), "Long Model Name 4000|HDD|SATA (AHCI)||internal|fixed");
+    EXPECT_EQ(shownAfter(ata, "vendor=Maker"), "Maker Long Model Name|HDD|SATA (AHCI)||internal|fixed");
+    EXPECT_EQ(shownAfter(ata, "vendor=Model"), "Long Model Name|HDD|SATA (AHCI)||internal|fixed")
         << "the maker is in the name";
-    EXPECT_EQ(shownAfter(ata, "vendor=QEMU"), "QEMU Long Model Name |  | SATA (AHCI) |  | internal")
+    EXPECT_EQ(shownAfter(ata, "vendor=QEMU"), "QEMU Long Model Name||SATA (AHCI)||internal|fixed")
         << "a virtual machine's disk does not rotate";
 }
 
 TEST_F(DescribedDrives, SticksAndCards) {
     const std::string usb = "pci0000:00/0000:00:14.0/usb1/1-2/1-2:1.0/host6/target6:0:0/6:0:0:0/block/sdb";
     add("sdb", usb, "size=100;removable=1;queue/rotational=1");
-    EXPECT_EQ(shown(), " |  | USB Mass Storage |  | outside, removable") << "sticks claim to rotate";
+    EXPECT_EQ(shown(), "||USB Mass Storage||outside|removable") << "sticks claim to rotate";
     machine.files("sys/devices/" + usb, "size=0"); // a reader without a card is no disk
     EXPECT_EQ(platform::readDriveCapacity(machine.root()).disks, 0u);
 
     const std::string eMmc = "platform/soc/mmc_host/mmc0/mmc0:0001";
     add("mmcblk0", eMmc + "/block/mmcblk0", "size=100");
     machine.link("sys/devices/" + eMmc + "/block/mmcblk0/device", "../..");
-    EXPECT_EQ(shownAfter(eMmc, "type=MMC;name=DG4064"), "DG4064 |  | eMMC |  | internal");
+    EXPECT_EQ(shownAfter(eMmc, "type=MMC;name=DG4064"), "DG4064||eMMC||internal|fixed");
 }
 
 TEST_F(DescribedDrives, AListingAsksTheHardwareOnlyWhenTheDrivesChange) {
@@ -260,25 +256,16 @@ DriveCounters drive(uint64_t bytesRead, uint64_t bytesWritten, uint64_t opsRead,
 
 TEST(DiskSampler, RatesBusyShareAndResponse) {
     DiskSampler sampler((SystemRoot("/nonexistent")));
-    const SCDisk first = sampler.advance({drive(1000, 500, 10, 0), drive(0, 0, 0, 0)}, second);
-    EXPECT_EQ(first.readBytes, 1000u);
-    EXPECT_EQ(first.readRate, 0);
-    EXPECT_EQ(first.activeFraction, 0);
-
-    // 400 ms of service in two seconds of two drives, by 20 operations.
-    const SCDisk busy =
-        sampler.advance({drive(5000, 500, 20, 100 * ms), drive(0, 0, 10, 300 * ms)}, 3 * second);
-    EXPECT_DOUBLE_EQ(busy.readRate, 2000);
-    EXPECT_EQ(busy.writeRate, 0);
-    EXPECT_DOUBLE_EQ(busy.readOpsRate, 10);
-    EXPECT_DOUBLE_EQ(busy.activeFraction, 0.1);
-    EXPECT_DOUBLE_EQ(busy.avgResponseMs, 20);
-
-    // Requests served at once add up to more time than passed.
-    const SCDisk flooded =
-        sampler.advance({drive(5000, 500, 20, 90 * second), drive(0, 0, 10, 0)}, 4 * second);
-    EXPECT_EQ(flooded.activeFraction, 1);
-    EXPECT_EQ(flooded.avgResponseMs, 0) << "no operation ended";
+    const auto shown = [&](const std::vector<DriveCounters>& drives, uint64_t seconds) {
+        const SCDisk disk = sampler.advance(drives, seconds * second);
+        return joined(disk.readBytes, disk.readRate, disk.writeRate, disk.readOpsRate, disk.activeFraction,
+                      disk.avgResponseMs);
+    };
+    EXPECT_EQ(shown({drive(1000, 500, 10, 0), drive(0, 0, 0, 0)}, 1), "1000|0|0|0|0|0");
+    EXPECT_EQ(shown({drive(5000, 500, 20, 100 * ms), drive(0, 0, 10, 300 * ms)}, 3), "5000|2000|0|10|0.1|20")
+        << "400 ms of service in two seconds of two drives, by 20 operations";
+    EXPECT_EQ(shown({drive(5000, 500, 20, 90 * second), drive(0, 0, 10, 0)}, 4), "5000|0|0|0|1|0")
+        << "requests served at once add up to more time than passed; none of them ended";
 }
 
 TEST(DiskSampler, ADriveThatWasUnpluggedOrDoesNotAnswer) {

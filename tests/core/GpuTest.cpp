@@ -5,6 +5,7 @@
 #include "core/linux/GpuEnergy.h"
 #include "core/linux/GpuNames.h"
 #include "core/linux/NvidiaGpus.h"
+#include "support/Joined.h"
 #include "support/TempRoot.h"
 
 #include <sstream>
@@ -13,7 +14,7 @@ namespace {
 
 using namespace sysinfo;
 using namespace sysinfo::platform;
-using quarn::testing::TempRoot;
+using namespace quarn::testing;
 
 SystemRoot captured(std::string_view machine) {
     return SystemRoot(std::string(QUARN_FIXTURES) + "/gpu/" + std::string(machine));
@@ -29,45 +30,33 @@ TEST(GpuStats, MaximumOfSharesAndSumOfMemories) {
     gpus[1].renderer = 12;
     gpus[1].memUsed = 1;
     const auto stats = combineGpus(gpus);
-    EXPECT_EQ(stats.device, 70);
-    EXPECT_EQ(stats.renderer, 12);
-    EXPECT_EQ(stats.tiler, -1);
-    EXPECT_EQ(stats.memUsed, 101u);
-    EXPECT_EQ(stats.memAlloc, 1000u);
+    EXPECT_EQ(joined(stats.device, stats.renderer, stats.tiler, stats.memUsed, stats.memAlloc),
+              "70|12|-1|101|1000");
 }
 
 TEST(Gpu, CapturedMachines) {
     const struct {
-        const char *machine, *name, *driver, *slot, *teaches;
-        double busy, used, total, watts; ///< -1 when absent
-        uint32_t cores;
+        const char *machine, *teaches, *shown;
     } cases[] = {
-        {"phoenix", "AMD GPU 15bf", "amdgpu", "0000:64:00.0",
-         "compute units from the compute driver, found by bus address", 0, 1272893440, 4294967296, 3.103, 12},
-        {"vangogh", "AMD GPU 163f", "amdgpu", "0000:04:00.0",
-         "no memory files in this capture: absent, not 0", 0, -1, -1, 3.218, 8},
-        {"rx580", "AMD GPU 67df", "amdgpu", "0000:09:00.0", "an empty product_name", 11, 536870912,
-         4294967296, 41.045, 0},
-        {"rx7900xtx", "AMD GPU 744c", "amdgpu", "0000:03:00.0", "a hwmon of its own", 3, -1, -1, 68, 0},
-        {"hd7870", "AMD GPU 6818", "radeon", "0000:01:00.0", "measures nothing", -1, -1, -1, -1, 0},
-        {"a380", "Intel GPU 56a5", "i915", "0000:0b:00.0", "known from the second sample on", -1, -1, -1, -1,
-         0},
-        {"tigerlake", "Intel GPU 9a49", "xe", "0000:00:02.0", "the same", -1, -1, -1, -1, 0},
+        {"phoenix", "compute units from the compute driver, found by bus address",
+         "AMD GPU 15bf|amdgpu|0000:64:00.0|12|0|1272893440|4294967296|3.103|0"},
+        {"vangogh", "no memory files in this capture: absent, not 0",
+         "AMD GPU 163f|amdgpu|0000:04:00.0|8|0|-|-|3.218|0"},
+        {"rx580", "an empty product_name",
+         "AMD GPU 67df|amdgpu|0000:09:00.0|0|11|536870912|4294967296|41.045|0"},
+        {"rx7900xtx", "a hwmon of its own", "AMD GPU 744c|amdgpu|0000:03:00.0|0|3|-|-|68|0"},
+        {"hd7870", "measures nothing", "AMD GPU 6818|radeon|0000:01:00.0|0|-|-|-|-|0"},
+        {"a380", "known from the second sample on", "Intel GPU 56a5|i915|0000:0b:00.0|0|-|-|-|-|0"},
+        {"tigerlake", "the same", "Intel GPU 9a49|xe|0000:00:02.0|0|-|-|-|-|0"},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.machine) + ": " + c.teaches);
         const auto gpus = GpuSampler(captured(c.machine)).sample();
-        ASSERT_EQ(gpus.size(), 1u);
-        const auto& gpu = gpus[0];
-        EXPECT_EQ(gpu.device.name, c.name);
-        EXPECT_EQ(gpu.device.driver, c.driver);
-        EXPECT_EQ(gpu.device.slot, c.slot);
-        EXPECT_EQ(gpu.device.cores, c.cores);
-        EXPECT_EQ(gpu.busy.value_or(-1), c.busy);
-        EXPECT_EQ(gpu.memUsed ? static_cast<double>(*gpu.memUsed) : -1, c.used);
-        EXPECT_EQ(gpu.memAlloc ? static_cast<double>(*gpu.memAlloc) : -1, c.total);
-        EXPECT_EQ(gpu.watts.value_or(-1), c.watts);
-        EXPECT_FALSE(gpu.asleep);
+        ASSERT_EQ(gpus.size(), 1u) << c.machine;
+        const auto& [name, driver, slot, folder, vendor, number, revision, cores] = gpus[0].device;
+        EXPECT_EQ(joined(name, driver, slot, cores, gpus[0].busy, gpus[0].memUsed, gpus[0].memAlloc,
+                         gpus[0].watts, gpus[0].asleep),
+                  c.shown)
+            << c.machine << ": " << c.teaches;
     }
     GpuSampler two(captured("vega-and-intel"));
     two.sample();
@@ -83,10 +72,9 @@ TEST(Gpu, ASleepingOneIsNotRead) {
     machine.write("sys/class/drm/card0/device/power/runtime_status", "suspended\n");
     const auto gpus = GpuSampler(machine.root()).sample();
     ASSERT_EQ(gpus.size(), 1u);
-    EXPECT_TRUE(gpus[0].asleep);
-    EXPECT_EQ(gpus[0].busy, 0) << "the file says 11, and reading it would have woken the GPU";
-    EXPECT_FALSE(gpus[0].memUsed || gpus[0].watts);
-    EXPECT_EQ(gpus[0].device.name, "AMD GPU 67df");
+    EXPECT_EQ(joined(gpus[0].device.name, gpus[0].asleep, gpus[0].busy, gpus[0].memUsed, gpus[0].watts),
+              "AMD GPU 67df|1|0|-|-")
+        << "the file says that it is busy, and reading it would have woken the GPU";
     EnergySample energy;
     GpuEnergy(machine.root(), nullptr).sample(1, energy);
     EXPECT_TRUE(energy.empty());
@@ -104,10 +92,9 @@ TEST(Gpu, ListsWhatTheBusHas) {
                                       "0000:03:00.0/class=0x030200;0000:03:00.0/vendor=0x1a03;"
                                       "0000:03:00.0/device=0x2000")
         .files("proc/driver/nvidia/gpus/0000:01:00.0", "information=Model: \t\t NVIDIA GeForce GTX 1650 Ti");
-    std::vector<std::string> names;
-    for (const auto& gpu : listGpus(machine.root())) names.push_back(gpu.slot + '=' + gpu.name);
-    EXPECT_EQ(names, (std::vector<std::string>{"=Arm Mali", "0000:01:00.0=NVIDIA GeForce GTX 1650 Ti",
-                                               "0000:03:00.0=GPU 2000"}))
+    std::string names;
+    for (const auto& gpu : listGpus(machine.root())) names += joined(gpu.slot, gpu.name) + '\n';
+    EXPECT_EQ(names, "|Arm Mali\n0000:01:00.0|NVIDIA GeForce GTX 1650 Ti\n0000:03:00.0|GPU 2000\n")
         << "by card number; connectors, mere screens, a network port and the second listing of one are none";
 }
 
@@ -156,9 +143,7 @@ TEST(NeuralEngine, ByItsDriver) {
 
 TEST(GpuEnergy, OfDedicatedGpusOnly) {
     GpuEnergy intel(captured("a380"), nullptr);
-    const auto counted = energyAt(intel, 1);
-    ASSERT_EQ(counted.size(), 1u);
-    EXPECT_EQ(counted[0].energy, 25637161804);
+    EXPECT_EQ(energyAt(intel, 1).at(0).energy, 25637161804);
     for (const char* inProcessor : {"phoenix", "vangogh"})
         EXPECT_TRUE(GpuEnergy(captured(inProcessor), nullptr).empty())
             << "the processor's counters have it already";
@@ -186,17 +171,13 @@ TEST(DrmUsage, ReadsEveryKindOfLine) {
                                      "drm-resident-vram0:\t2 MiB\ndrm-resident-system:\t1 KiB\n"
                                      "drm-total-system:\t12\ndrm-memory-system:\t99 MiB\n");
     ASSERT_TRUE(usage);
-    EXPECT_EQ(usage->driver, "xe");
-    EXPECT_EQ(usage->slot, "0000:00:02.0");
-    EXPECT_EQ(usage->clientId, 42u);
-    ASSERT_EQ(usage->engines.size(), 2u);
-    EXPECT_EQ(usage->engines[0].cycles, 28257900u);
-    EXPECT_EQ(usage->engines[0].totalCycles, 7655183225u) << "\"total-cycles-\" is no memory region";
-    EXPECT_FALSE(usage->engines[0].busyNs);
-    EXPECT_EQ(usage->engines[1].busyNs, 1234u);
-    EXPECT_EQ(usage->engines[1].capacity, 2u);
-    EXPECT_EQ(usage->residentBytes, (2u << 20) + 1024u);
-    EXPECT_EQ(usage->totalBytes, 12u) << "without a unit: bytes";
+    EXPECT_EQ(joined(usage->driver, usage->slot, usage->clientId, usage->residentBytes, usage->totalBytes),
+              "xe|0000:00:02.0|42|2098176|12")
+        << "\"total-cycles-\" is no memory region; without a unit: bytes";
+    std::string engines;
+    for (const auto& e : usage->engines)
+        engines += joined(e.name, e.cycles, e.totalCycles, e.busyNs, e.capacity, e.maxHz) + ' ';
+    EXPECT_EQ(engines, "rcs|28257900|7655183225|-|1|0 video|-|-|1234|2|5 ");
 }
 
 TEST(DrmUsage, OddText) {
@@ -230,27 +211,26 @@ std::vector<DrmUsage> clients(const std::string& text) {
 
 TEST(DrmLoads, Shares) {
     const struct {
-        const char *teaches, *before, *after;
-        double busy, renderer, tiler; ///< -1 for none
+        const char *teaches, *before, *after, *shares; ///< of the busiest engine, drawing, geometry
     } cases[] = {
-        {"time over time", "1 engine-render:0", "1 engine-render:1000000000", 50, 50, -1},
+        {"time over time", "1 engine-render:0", "1 engine-render:1000000000", "50|50|-"},
         {"two video engines of one name", "1 engine-video:0",
-         "1 engine-video:1000000000 engine-capacity-video:2", 25, -1, -1},
+         "1 engine-video:1000000000 engine-capacity-video:2", "25|-|-"},
         {"the busiest engine counts, clients of one engine add up",
          "1 engine-copy:0 engine-video:0|2 engine-video:0",
-         "1 engine-copy:1000000000 engine-video:1000000000|2 engine-video:500000000", 75, -1, -1},
+         "1 engine-copy:1000000000 engine-video:1000000000|2 engine-video:500000000", "75|-|-"},
         {"cycles over cycles", "1 cycles-rcs:100 total-cycles-rcs:1000",
-         "1 cycles-rcs:200 total-cycles-rcs:1400", 25, 25, -1},
-        {"cycles over the highest clock", "1 cycles-rcs:0", "1 cycles-rcs:500 maxfreq-rcs:1000", 25, 25, -1},
-        {"cycles and nothing to compare them with", "1 cycles-rcs:0", "1 cycles-rcs:500", -1, -1, -1},
+         "1 cycles-rcs:200 total-cycles-rcs:1400", "25|25|-"},
+        {"cycles over the highest clock", "1 cycles-rcs:0", "1 cycles-rcs:500 maxfreq-rcs:1000", "25|25|-"},
+        {"cycles and nothing to compare them with", "1 cycles-rcs:0", "1 cycles-rcs:500", "-|-|-"},
         {"one client, many descriptors: the largest figure", "1 engine-render:0|1 engine-render:0",
-         "1 engine-render:1000000000|1 engine-render:500000000", 50, 50, -1},
-        {"a counter that falls", "1 engine-render:1000", "1 engine-render:500", 0, 0, -1},
+         "1 engine-render:1000000000|1 engine-render:500000000", "50|50|-"},
+        {"a counter that falls", "1 engine-render:1000", "1 engine-render:500", "0|0|-"},
         {"a client that came may be old", "1 engine-render:0", "1 engine-render:0|2 engine-render:1000000000",
-         0, 0, -1},
-        {"more than all of the time", "1 engine-render:0", "1 engine-render:9000000000", 100, 100, -1},
+         "0|0|-"},
+        {"more than all of the time", "1 engine-render:0", "1 engine-render:9000000000", "100|100|-"},
         {"geometry sorted apart", "1 engine-vertex-tiler:0 engine-fragment:0",
-         "1 engine-vertex-tiler:1000000000 engine-fragment:500000000", 50, 25, 50},
+         "1 engine-vertex-tiler:1000000000 engine-fragment:500000000", "50|25|50"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.teaches);
@@ -258,9 +238,7 @@ TEST(DrmLoads, Shares) {
         EXPECT_FALSE(loads.advance(clients(c.before), 0).at(0).busy) << "nothing to compare with yet";
         const auto next = loads.advance(clients(c.after), 2);
         ASSERT_EQ(next.size(), 1u);
-        EXPECT_EQ(next[0].busy.value_or(-1), c.busy);
-        EXPECT_EQ(next[0].renderer.value_or(-1), c.renderer);
-        EXPECT_EQ(next[0].tiler.value_or(-1), c.tiler);
+        EXPECT_EQ(joined(next[0].busy, next[0].renderer, next[0].tiler), c.shares);
     }
 }
 

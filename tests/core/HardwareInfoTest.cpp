@@ -3,61 +3,57 @@
 #include "core/linux/HardwareCpuInfo.h"
 #include "core/linux/HardwareIdentity.h"
 #include "core/linux/HardwareTopology.h"
+#include "support/Joined.h"
 #include "support/TempRoot.h"
 
 namespace {
 
 using namespace sysinfo;
 using namespace sysinfo::platform;
-using quarn::testing::TempRoot;
+using namespace quarn::testing;
 
 constexpr uint64_t KiB = 1024, MiB = 1024 * KiB;
 
 TEST(HardwareInfo, CapturedMachines) {
     const struct {
         const char *machine, *teaches, *model, *brand, *arch, *kernel;
-        bool virtualises;
-        uint32_t logical, cores, performance, efficiency;
-        uint64_t l1i, l1d, l2, l2e, l3, clock;
+        uint64_t l1i, l1d, l2, l2e, l3;
+        const char* counts; ///< logical CPUs, cores, performance and efficiency cores, clock, virtualisation
     } cases[] = {
         {"hybrid-20", "two kinds of cores, told apart by their highest frequencies; half the threads",
          "HP EliteBook 840 14 inch G10 Notebook PC", "13th Gen Intel(R) Core(TM) i7-1370P", "x86_64",
-         "Linux 6.1.0-13-amd64", true, 20, 14, 6, 8, 32 * KiB, 48 * KiB, 1280 * KiB, 2 * MiB, 24 * MiB,
-         1'900'000'000},
-        {"sparse-48", "eight last-level caches", "AMD DRACHMA", "AMD Engineering Sample", "x86_64", "", true,
-         48, 48, 0, 0, 64 * KiB, 64 * KiB, 512 * KiB, 0, 8 * 5118 * KiB, 0},
+         "Linux 6.1.0-13-amd64", 32 * KiB, 48 * KiB, 1280 * KiB, 2 * MiB, 24 * MiB, "20|14|6|8|1900000000|1"},
+        {"sparse-48", "eight last-level caches", "AMD DRACHMA", "AMD Engineering Sample", "x86_64", "",
+         64 * KiB, 64 * KiB, 512 * KiB, 0, 8 * 5118 * KiB, "48|48|0|0|0|1"},
         {"arm-128", "more CPUs than fit in one mask word; a processor known by its number", "Huawei XA320 V2",
-         "Kunpeng-920", "aarch64", "Linux 5.15.0-rc1-00005-g4c1b4a4d90b6-dirty", false, 128, 128, 0, 0,
-         64 * KiB, 64 * KiB, 512 * KiB, 0, 4 * 32 * MiB, 0},
+         "Kunpeng-920", "aarch64", "Linux 5.15.0-rc1-00005-g4c1b4a4d90b6-dirty", 64 * KiB, 64 * KiB,
+         512 * KiB, 0, 4 * 32 * MiB, "128|128|0|0|0|0"},
         {"one-offline-16", "an offline CPU is not counted; a board without a product name",
-         "TYAN Computer S4881", "Dual Core AMD Opteron(tm) Processor 865", "x86_64", "", false, 15, 15, 0, 0,
-         64 * KiB, 64 * KiB, MiB, 0, 0, 0},
+         "TYAN Computer S4881", "Dual Core AMD Opteron(tm) Processor 865", "x86_64", "", 64 * KiB, 64 * KiB,
+         MiB, 0, 0, "15|15|0|0|0|0"},
         {"arm-2", "no cache is described, no DMI", "ST-Ericsson MOP500 platform", "Cortex-A9", "armv7l", "",
-         false, 2, 2, 0, 0, 0, 0, 0, 0, 0, 0},
-        {"s390-20", "core numbers that repeat from book to book", "", "IBM/S390", "s390x", "", false, 20, 20,
-         0, 0, 0, 0, 0, 0, 0, 0},
+         0, 0, 0, 0, 0, "2|2|0|0|0|0"},
+        {"s390-20", "core numbers that repeat from book to book", "", "IBM/S390", "s390x", "", 0, 0, 0, 0, 0,
+         "20|20|0|0|0|0"},
         {"four-sockets-40", "numbers interleaved over four packages; a clock only in the name",
-         "Dell PowerEdge R910", "Intel(R) Xeon(R) CPU E7- 4870 @ 2.40GHz", "x86_64", "", true, 40, 40, 0, 0,
-         32 * KiB, 32 * KiB, 256 * KiB, 0, 4 * 30 * MiB, 2'400'000'000},
-        {"arm64-server", "no list of CPUs that are online", "", "Neoverse-N1", "aarch64", "", false, 1, 1, 0,
-         0, 64 * KiB, 64 * KiB, MiB, 0, 32 * MiB, 0},
+         "Dell PowerEdge R910", "Intel(R) Xeon(R) CPU E7- 4870 @ 2.40GHz", "x86_64", "", 32 * KiB, 32 * KiB,
+         256 * KiB, 0, 4 * 30 * MiB, "40|40|0|0|2400000000|1"},
+        {"arm64-server", "no list of CPUs that are online", "", "Neoverse-N1", "aarch64", "", 64 * KiB,
+         64 * KiB, MiB, 0, 32 * MiB, "1|1|0|0|0|0"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.machine) + ": " + c.teaches);
         TempRoot root;
         root.unpack("hardware/" + std::string(c.machine) + ".tree");
         const auto info = readHardwareInfo(root.root());
-        EXPECT_EQ(info.model, c.model);
-        EXPECT_EQ(info.cpuBrand, c.brand);
-        EXPECT_EQ(info.arch, c.arch);
-        EXPECT_EQ(info.kernel, c.kernel);
-        EXPECT_EQ(info.hvSupport, c.virtualises);
+        EXPECT_EQ(joined(info.model, info.cpuBrand, info.arch, info.kernel),
+                  joined(c.model, c.brand, c.arch, c.kernel));
+        EXPECT_EQ(
+            joined(info.ncpu, info.physCpu, info.perfCores, info.effCores, info.baseClockHz, info.hvSupport),
+            c.counts);
+        EXPECT_EQ(joined(info.l1iCache, info.l1dCache, info.l2Cache, info.l2CacheE, info.l3Cache),
+                  joined(c.l1i, c.l1d, c.l2, c.l2e, c.l3));
         EXPECT_FALSE(info.vmPresent);
-        EXPECT_EQ((std::vector{info.ncpu, info.physCpu, info.perfCores, info.effCores}),
-                  (std::vector{c.logical, c.cores, c.performance, c.efficiency}));
-        EXPECT_EQ((std::vector{info.l1iCache, info.l1dCache, info.l2Cache, info.l2CacheE, info.l3Cache}),
-                  (std::vector{c.l1i, c.l1d, c.l2, c.l2e, c.l3}));
-        EXPECT_EQ(info.baseClockHz, c.clock);
     }
 }
 
@@ -66,11 +62,8 @@ TEST(HardwareInfo, FirstCpuOfflineAndKindsNamedByTheirMonitors) {
     root.unpack("hardware/hybrid-20.tree").files("sys/devices/system/cpu", "online=1-19");
     root.remove("sys/devices/system/cpu/cpu0/cache").remove("sys/devices/system/cpu/cpu0/topology");
     auto info = readHardwareInfo(root.root());
-    EXPECT_EQ(info.ncpu, 19u);
-    EXPECT_EQ(info.physCpu, 14u) << "its core goes on with the other thread";
-    EXPECT_EQ(info.l1dCache, 48 * KiB);
-    EXPECT_EQ(info.l3Cache, 24 * MiB);
-
+    EXPECT_EQ(joined(info.ncpu, info.physCpu, info.l1dCache / KiB, info.l3Cache / MiB), "19|14|48|24")
+        << "the core of CPU 0 goes on with its other thread";
     info = readHardwareInfo(root.files("sys/devices", "cpu_core/cpus=0-7;cpu_atom/cpus=8-19").root());
     EXPECT_EQ(info.perfCores, 4u);
     EXPECT_EQ(info.effCores, 10u);
@@ -98,8 +91,8 @@ TEST(CpuLayout, KindsOfCoresByWhatTheyCanDo) {
             if (i < c.frequencies.size()) cpus[i].maxFreqKHz = c.frequencies[i];
         }
         const auto layout = deriveCpuLayout(cpus);
-        EXPECT_EQ(layout.performance, c.performance) << c.teaches;
-        EXPECT_EQ(layout.efficiency, c.efficiency) << c.teaches;
+        EXPECT_EQ(joined(layout.performance, layout.efficiency), joined(c.performance, c.efficiency))
+            << c.teaches;
     }
 }
 
@@ -172,16 +165,11 @@ TEST(MachineIdentity, NamesFromTheirFiles) {
         .write("proc/cpuinfo", "processor: 0\nCPU implementer: 0x41\nCPU part: 0xd46\n"
                                "processor: 1\nCPU implementer: 0x41\nCPU part: 0xd4e\n");
     const auto machine = identifyMachine(root.root());
-    EXPECT_EQ(machine.model, "Raspberry Pi 4 Model B Rev 1.4");
-    EXPECT_EQ(machine.osVersion, "Debian \"12\"");
-    EXPECT_EQ(machine.osBuild, "rolling");
-    EXPECT_EQ(machine.kernel, "Linux 6.1.21-v8+");
-    EXPECT_EQ(machine.arch, "aarch64");
-    EXPECT_EQ(machine.hostname, "berry");
-    EXPECT_EQ(machine.cpuBrand, "Cortex-X3, Cortex-A510");
-    EXPECT_FALSE(machine.appleSilicon);
-    EXPECT_FALSE(machine.hardwareVirtualisation);
-
+    EXPECT_EQ(joined(machine.model, machine.osVersion, machine.osBuild, machine.kernel, machine.arch,
+                     machine.hostname, machine.cpuBrand, machine.appleSilicon,
+                     machine.hardwareVirtualisation),
+              "Raspberry Pi 4 Model B Rev 1.4|Debian \"12\"|rolling|Linux 6.1.21-v8+|aarch64|berry|"
+              "Cortex-X3, Cortex-A510|0|0");
     root.write("proc/device-tree/compatible", std::string("apple,j313\0apple,t8103\0apple,arm-platform", 42))
         .write("dev/kvm", "");
     EXPECT_TRUE(identifyMachine(root.root()).appleSilicon);

@@ -3,6 +3,7 @@
 #include "OwnNetwork.h"
 #include "core/linux/AddressSocket.h"
 #include "core/linux/LinkMedia.h"
+#include "support/Joined.h"
 #include "support/TempRoot.h"
 
 #include <arpa/inet.h>
@@ -126,9 +127,9 @@ TEST(AddressMessages, OwnAndPeerAndRubbish) {
 std::string shown(const std::vector<NetInterface>& list) {
     std::string text;
     for (const auto& one : list) {
-        text += one.name + '|' + one.media + '|' + std::to_string(one.linkSpeedMbps) + '|' + one.mac + '|';
-        for (const auto& address : one.addrs) text += address + ' ';
-        text += one.up ? "|up\n" : "|\n";
+        std::string addresses;
+        for (const auto& address : one.addrs) addresses += address + ' ';
+        text += joined(one.name, one.media, one.linkSpeedMbps, one.mac, addresses, one.up ? "up\n" : "\n");
     }
     return text;
 }
@@ -139,10 +140,8 @@ TEST(CapturedInterfaces, AGigabitPort) {
                            "vethf345468||0|||up\n")
         << "without the loopback";
     const auto& port = list.at(1);
-    EXPECT_EQ(port.mtu, 1500);
-    EXPECT_TRUE(port.multicastCapable && !port.loopback);
-    EXPECT_EQ(port.rxBytes, 874354587u);
-    EXPECT_EQ(port.txPackets, 732147u);
+    EXPECT_EQ(joined(port.mtu, port.multicastCapable, port.loopback, port.rxBytes, port.txPackets),
+              "1500|1|0|874354587|732147");
 }
 
 TEST(CapturedInterfaces, UnpluggedWirelessAndIdle) {
@@ -162,10 +161,7 @@ TEST(CapturedInterfaces, UnpluggedWirelessAndIdle) {
     EXPECT_EQ(shown(list),
               "bond0|full-duplex|2000|||up\neno2|no link|0|||\nwlan0|IEEE 802.11 (no link)|0|||\n")
         << "neither the loopback nor what never carried a byte; a speed of −1 is unknown";
-    EXPECT_EQ(list[2].rxErrors, 3u);
-    EXPECT_EQ(list[2].drops, 4u);
-    EXPECT_EQ(list[2].txErrors, 7u);
-    EXPECT_EQ(list[2].collisions, 6u);
+    EXPECT_EQ(joined(list[2].rxErrors, list[2].drops, list[2].txErrors, list[2].collisions), "3|4|7|6");
     EXPECT_TRUE(readInterfaces(SystemRoot("/nonexistent")).empty());
 }
 

@@ -8,6 +8,7 @@
 #include "core/linux/LinkTraits.h"
 #include "core/linux/NetDev.h"
 #include "core/platform.h"
+#include "support/Joined.h"
 #include "support/TempRoot.h"
 
 #include <algorithm>
@@ -98,9 +99,8 @@ TEST(LinkMessages, Counters) {
         return counters;
     };
     const auto whole = counted(bytesOf(stats) + "fields of a later kernel").at(0);
-    EXPECT_EQ(
-        (std::vector<uint64_t>{whole.index, whole.rxPackets, whole.txPackets, whole.rxBytes, whole.txBytes}),
-        (std::vector<uint64_t>{9, 1, 2, 5'000'000'000, 4}));
+    EXPECT_EQ(joined(whole.index, whole.rxPackets, whole.txPackets, whole.rxBytes, whole.txBytes),
+              "9|1|2|5000000000|4");
     EXPECT_EQ(counted(bytesOf(stats).substr(0, 31)).size(), 0u);
 }
 
@@ -153,9 +153,8 @@ TEST(NetDev, LinesOfTheTable) {
                                    "short: 1 2 3\nwords: a b c d e f g h i j k l m n o p\n: 1 2\n\n");
     std::string seen;
     for (const auto& line : lines)
-        seen += line.name + ' ' + std::to_string(line.rxBytes) + ' ' + std::to_string(line.txBytes) + ' ' +
-                std::to_string(line.collisions) + ", ";
-    EXPECT_EQ(seen, "eth0 5000000000 9 14, eth0:1 1 9 14, ");
+        seen += joined(line.name, line.rxBytes, line.txBytes, line.collisions) + ' ';
+    EXPECT_EQ(seen, "eth0|5000000000|9|14 eth0:1|1|9|14 ");
 }
 
 TEST(CapturedLinks, OnlyThePortOfAContainerHostCounts) {

@@ -1,5 +1,6 @@
 #include "core/linux/NvidiaGate.h"
 #include "core/linux/NvidiaGpus.h"
+#include "support/Joined.h"
 
 #include <atomic>
 #include <dlfcn.h>
@@ -8,6 +9,7 @@
 namespace {
 
 using namespace sysinfo::platform;
+using quarn::testing::joined;
 using namespace std::chrono_literals;
 
 TEST(Nvml, ReadsThroughALibraryLoadedAtRunTime) {
@@ -19,19 +21,14 @@ TEST(Nvml, ReadsThroughALibraryLoadedAtRunTime) {
         ASSERT_TRUE(nvml);
         EXPECT_EQ(sessions(), 1);
         const auto gpus = nvml->read();
-        ASSERT_EQ(gpus.size(), 2u) << "a GPU that fell off the bus is left out";
-        EXPECT_EQ(gpus[0].slot, "0000:17:00.0");
-        EXPECT_EQ(gpus[0].name, "NVIDIA T4");
-        EXPECT_EQ(gpus[0].cores, 2560u);
-        EXPECT_EQ(gpus[0].busyPercent, 37);
-        EXPECT_EQ(gpus[0].memUsed, 4ull << 30);
-        EXPECT_EQ(gpus[0].memTotal, 16ull << 30);
-        EXPECT_EQ(gpus[0].energyMillijoules, 1500u);
-        EXPECT_FALSE(gpus[0].watts) << "this library lacks the function";
-        EXPECT_EQ(gpus[1].slot, "0000:b1:00.0");
-        EXPECT_FALSE(gpus[1].busyPercent) << "not measured is not 0";
-        EXPECT_FALSE(gpus[1].memUsed);
-        EXPECT_FALSE(gpus[1].energyMillijoules);
+        std::string seen;
+        for (const auto& gpu : gpus)
+            seen += joined(gpu.slot, gpu.name, gpu.cores, gpu.busyPercent, gpu.memUsed, gpu.memTotal,
+                           gpu.energyMillijoules, gpu.watts) +
+                    '\n';
+        // One GPU fell off the bus; one measures next to nothing; the library does not know of watts.
+        EXPECT_EQ(seen, "0000:17:00.0|NVIDIA T4|2560|37|4294967296|17179869184|1500|-\n"
+                        "0000:b1:00.0|NVIDIA A30|0|-|-|-|-|-\n");
     }
     EXPECT_EQ(sessions(), 0) << "an open session keeps every GPU awake";
     EXPECT_EQ(slotOfBusId("00010000:01:00.0"), "10000:01:00.0") << "many domains";
