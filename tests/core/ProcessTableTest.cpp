@@ -136,6 +136,13 @@ TEST(ProcessTable, SeesAnOrphanMoveToItsNewParentWithoutRunning) {
     ::close(report[1]);
 }
 
+/// The share of `pid` in a second since the call before, nullopt when it is not listed.
+std::optional<double> share(ProcessSampler& sampler, ProcessTable& table, pid_t pid, uint64_t second) {
+    for (const auto& info : sampler.advance(table.read().value(), second * 1'000'000'000))
+        if (info.pid == pid) return info.cpuPercent;
+    return {};
+}
+
 TEST(ProcessTable, TellsAReusedPidFromTheProcessBefore) {
     // Asks the kernel for the very pid of a child that has ended.
     std::ofstream control("/proc/sys/kernel/ns_last_pid");
@@ -147,17 +154,14 @@ TEST(ProcessTable, TellsAReusedPidFromTheProcessBefore) {
         Child first([](char) { burnCpu(20'000'000); });
         first.tell('b');
         pid = first.pid();
-        sampler.advance(table.read().value(), 1'000'000'000);
+        share(sampler, table, pid, 1);
     }
     control << pid - 1 << std::flush;
     Child second([](char) { burnCpu(40'000'000); });
     if (second.pid() != pid) GTEST_SKIP() << "another process took the pid";
     second.tell('b');
-    const auto& list = sampler.advance(table.read().value(), 2'000'000'000);
-    const auto info = std::find_if(list.begin(), list.end(), [&](const auto& p) { return p.pid == pid; });
-    ASSERT_NE(info, list.end());
-    EXPECT_EQ(info->cpuPercent, 0) << "a share must not be measured against the process before";
-    EXPECT_GE(info->cpuTimeNs, 40'000'000u);
+    EXPECT_EQ(share(sampler, table, pid, 2), 0) << "must not be measured against the process before";
+    EXPECT_GE(byPid(table.read().value()).at(pid).cpuTimeNs, 40'000'000u);
 }
 
 TEST(ProcessTable, SharesAreExactWhereTicksRound) {
@@ -168,15 +172,11 @@ TEST(ProcessTable, SharesAreExactWhereTicksRound) {
         child.settle();
         ProcessTable table(SystemRoot::host());
         ProcessSampler sampler(SystemRoot::host());
-        sampler.advance(table.read().value(), 1'000'000'000);
+        share(sampler, table, child.pid(), 1);
         child.tell('b');
         child.settle();
-        const auto& list = sampler.advance(table.read().value(), 2'000'000'000); // one second as told
-        const auto info =
-            std::find_if(list.begin(), list.end(), [&](const auto& p) { return p.pid == child.pid(); });
-        ASSERT_NE(info, list.end());
-        const double percent = static_cast<double>(burnNs) / 1e7;
-        EXPECT_NEAR(info->cpuPercent, percent, percent * 0.02 + 0.02) << burnNs << " ns";
+        const double percent = static_cast<double>(burnNs) / 1e7; // of one second, as told
+        EXPECT_NEAR(share(sampler, table, child.pid(), 2).value(), percent, percent * 0.02 + 0.02) << burnNs;
     }
 }
 

@@ -1,15 +1,23 @@
-// Captured machines, and what each of them teaches; then sources other than chips.
+// Captured machines and what each of them teaches, sources other than chips, and the keys that sensors get.
 #include "SensorSupport.h"
 #include "SupplyText.h"
+#include "core/SMCDecode.h"
+#include "core/SMCProtocol.h"
+#include "core/linux/SensorHwmon.h"
+#include "core/linux/SensorKeys.h"
 #include "core/linux/SensorSupply.h"
+#include "support/Joined.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <set>
 #include <sstream>
 
 namespace {
 
 using namespace quarn::testing;
+using namespace sysinfo;
 using namespace sysinfo::platform;
 
 /// "label (chip) value, " of each, in order of the labels.
@@ -49,14 +57,10 @@ TEST(SensorMachines, ADiskAndANetworkCard) {
     EXPECT_EQ(listing(machine, machine.temperatures()),
               "Composite (NVMe CT2000P3SSD8) 43.85, Sensor 1 (NVMe CT2000P3SSD8) 43.85, "
               "Sensor 2 (NVMe CT2000P3SSD8) 45.85, Sensor 8 (NVMe CT2000P3SSD8) 43.85, loc1 (i350bb) 50, ");
-    for (const auto& sensor : machine.smc.sensors()) {
-        if (sensor.label == "Composite") {
-            EXPECT_NEAR(sensor.max.value_or(0), 84.85, 1e-4);
-            EXPECT_NEAR(sensor.crit.value_or(0), 94.85, 1e-4);
-        } else if (sensor.label == "Sensor 1") {
-            EXPECT_FALSE(sensor.max) << "65261850 says that there is no limit";
-        }
-    }
+    std::string limits;
+    for (const auto& sensor : machine.smc.sensors())
+        if (sensor.max || sensor.crit) limits += joined(sensor.label, sensor.max, sensor.crit) + ' ';
+    EXPECT_EQ(limits, "loc1|120|110 Composite|84.85|94.85 ") << "65261850 says that there is no limit";
 }
 
 TEST(SensorMachines, EightGraphicsCards) {
@@ -64,14 +68,13 @@ TEST(SensorMachines, EightGraphicsCards) {
     const auto temperatures = machine.temperatures();
     for (const auto& [key, value] : temperatures) EXPECT_TRUE(key.starts_with("TG")) << key;
     // The name of one is followed by a hundred blanks and NULs.
-    EXPECT_EQ(
-        listing(machine, temperatures),
-        " (i915) 55,  (radeon) 27, edge (amdgpu 0000:02:00.0) 25, edge (amdgpu 0000:03:00.0) 44, "
-        "edge (amdgpu 0000:04:00.0) 35, edge (amdgpu 0000:05:00.0) 53, edge (amdgpu 0000:06:00.0) 56, "
-        "edge (amdgpu 0000:07:00.0) 38, junction (amdgpu 0000:04:00.0) 35, junction (amdgpu 0000:05:00.0) "
-        "61, "
-        "junction (amdgpu 0000:07:00.0) 38, mem (amdgpu 0000:04:00.0) 36, mem (amdgpu 0000:05:00.0) 68, "
-        "mem (amdgpu 0000:07:00.0) 39, ");
+    EXPECT_EQ(listing(machine, temperatures),
+              " (i915) 55,  (radeon) 27, edge (amdgpu 0000:02:00.0) 25, edge (amdgpu 0000:03:00.0) 44, "
+              "edge (amdgpu 0000:04:00.0) 35, edge (amdgpu 0000:05:00.0) 53, edge (amdgpu 0000:06:00.0) 56, "
+              "edge (amdgpu 0000:07:00.0) 38, junction (amdgpu 0000:04:00.0) 35, "
+              "junction (amdgpu 0000:05:00.0) 61, junction (amdgpu 0000:07:00.0) 38, "
+              "mem (amdgpu 0000:04:00.0) 36, mem (amdgpu 0000:05:00.0) 68, "
+              "mem (amdgpu 0000:07:00.0) 39, ");
     // One offers only an average; of another the present value comes before the average.
     EXPECT_EQ(
         listing(machine, machine.of('P')),
@@ -99,69 +102,60 @@ TEST(SensorMachines, ALaptopOnItsBattery) {
 
 const std::string folder = "sys/devices/platform/applesmc.768";
 
-/// The Apple SMC driver's key files: a cursor that is written, and what lies under it.
+/// The Apple SMC driver's key files: a cursor that is written, and what then lies under it.
 struct AppleKeyFiles {
-    struct Key {
-        std::string name, type, data;
-    };
-
     AppleKeyFiles() {
-        root.files(folder, "key_at_index=0;name=applesmc;key_count=" + std::to_string(keys.size()))
+        root.files(folder, "key_at_index=0;name=applesmc;key_count=6")
             .files("sys/class/hwmon/hwmon0",
                    "name=applesmc;temp1_input=61000;temp1_label=TC0P;fan1_input=1800");
+        moveTo(0);
     }
-
-    SensorMachine::Hook reader() {
-        return [this](auto& attribute, auto buffer, const auto& read) -> long {
-            const std::string name = attribute.path.substr(attribute.path.rfind('/') + 1);
-            if (!name.starts_with("key_at_index")) return read(attribute, buffer);
-            const Key& key = keys.at(cursor);
-            const std::string text = name == "key_at_index_name"   ? key.name + "\n"
-                                     : name == "key_at_index_type" ? key.type + "\n"
-                                     : name == "key_at_index_data" ? key.data
-                                                                   : std::to_string(key.data.size()) + "\n";
-            if (name == "key_at_index_data" && isStolen) cursor = 0; // somebody else moves the cursor
-            return text.copy(buffer.data(), buffer.size());
-        };
+    void moveTo(size_t cursor) {
+        using namespace std::string_literals;
+        const std::array<std::string, 3> keys[] = {
+            {"#KEY", "ui32", "\0\0\0\6"s}, {"TC0P", "sp78", "\x2a\x80"s},
+            {"F0Ac", "fpe2", "\x1f\x40"s}, {"PSTR", "flt ", "\0\0\x28\x42"s},
+            {"RBr ", "ch8*", "j680"},      {"Huge", "ch8*", std::string(40, 'x')}};
+        const auto& [name, type, data] = keys[cursor];
+        root.files(folder, "key_at_index_name=" + name + ";key_at_index_type=" + type +
+                               ";key_at_index_data_length=" + std::to_string(data.size()));
+        root.write(folder + "/key_at_index_data", data);
     }
-    std::function<bool(const std::string&, std::string_view)> writer() {
-        return [this](const std::string& path, std::string_view text) {
-            EXPECT_TRUE(path.ends_with("/key_at_index"));
-            cursor = static_cast<size_t>(std::stoi(std::string(text)));
-            return true;
-        };
+    bool write(const std::string& path, std::string_view text) {
+        EXPECT_TRUE(path.ends_with("/key_at_index"));
+        moveTo(std::stoul(std::string(text)));
+        return true;
     }
-
     TempRoot root;
-    size_t cursor = 0;
-    bool isStolen = false;
-    std::vector<Key> keys{{"#KEY", "ui32", std::string("\0\0\0\6", 4)},
-                          {"TC0P", "sp78", std::string("\x2a\x80", 2)},
-                          {"F0Ac", "fpe2", std::string("\x1f\x40", 2)},
-                          {"PSTR", "flt ", std::string("\0\0\x28\x42", 4)},
-                          {"RBr ", "ch8*", "j680"},
-                          {"Huge", "ch8*", std::string(40, 'x')}};
 };
 
 TEST(AppleKeys, ComeBeforeTheHwmonFolderWithTheirOwnTypes) {
     AppleKeyFiles files;
-    SensorMachine machine(files.root.root(), files.reader(), files.writer());
+    bool isStolen = false;
+    SensorMachine machine(
+        files.root.root(),
+        [&](auto& attribute, auto buffer, const auto& read) {
+            const long length = read(attribute, buffer);
+            if (isStolen && attribute.path.ends_with("_data")) files.moveTo(0); // somebody else's doing
+            return length;
+        },
+        [&](const auto& path, auto text) { return files.write(path, text); });
     EXPECT_EQ(machine.temperatures(), (Readings{{"TC0P", 42.5}}));
     EXPECT_EQ(machine.of('F'), (Readings{{"F0Ac", 2000}}));
     EXPECT_EQ(machine.sensors.value("PSTR"), 42);
     EXPECT_TRUE(std::isnan(machine.sensors.value("RBr "))) << "a text";
 
-    files.isStolen = true;
+    isStolen = true;
     machine.pass(1);
     EXPECT_TRUE(std::isnan(machine.sensors.value("TC0P"))) << "data of another key";
-    files.isStolen = false;
+    isStolen = false;
     machine.pass(2);
     EXPECT_EQ(machine.sensors.value("TC0P"), 42.5);
 }
 
 TEST(AppleKeys, AnOrdinaryUserGetsTheHwmonFolder) {
     AppleKeyFiles files;
-    SensorMachine machine(files.root.root(), files.reader());
+    SensorMachine machine(files.root.root());
     EXPECT_EQ(machine.temperatures(), (Readings{{"TC0P", 61}})) << "under the controller's own key";
     EXPECT_EQ(machine.of('F'), (Readings{{"F0Ac", 1800}}));
 }
@@ -175,26 +169,19 @@ TEST(SensorSupply, WhatTheMachineDraws) {
                mouse = supply("scope=Device;" + all), unplugged = supply("type=Mains;online=0"),
                plugged = supply("type=Mains;online=1"),
                usb = supply("type=USB;online=1;voltage_now=20000000;current_now=2250000");
-    const struct {
-        const char* what;
-        std::vector<sysinfo::PowerSupply> supplies;
-        std::optional<double> draw, input;
-    } cases[] = {
-        {"a battery", {battery, unplugged}, 12, {}},
-        {"a driver that signs its power", {signedPower}, 12, {}},
-        {"power 0 beside a current", {byCurrent}, 11.5, {}},
-        {"two batteries", {battery, byCurrent}, 23.5, {}},
-        {"neither power nor current", {silent}, {}, {}},
-        {"charging", {charging}, {}, {}},
-        {"discharging beside a weak adapter", {battery, plugged}, {}, {}},
-        {"an adapter that tells", {charging, usb}, {}, 45},
-        {"a mouse", {mouse}, {}, {}},
-        {"nothing", {}, {}, {}},
+    const auto watts = [](const std::vector<PowerSupply>& supplies) {
+        return joined(batteryDraw(supplies), adapterInput(supplies));
     };
-    for (const auto& one : cases) {
-        EXPECT_EQ(batteryDraw(one.supplies), one.draw) << one.what;
-        EXPECT_EQ(adapterInput(one.supplies), one.input) << one.what;
-    }
+    EXPECT_EQ(watts({battery, unplugged}), "12|-");
+    EXPECT_EQ(watts({signedPower}), "12|-");
+    EXPECT_EQ(watts({byCurrent}), "11.5|-") << "power 0 beside a current";
+    EXPECT_EQ(watts({battery, byCurrent}), "23.5|-");
+    EXPECT_EQ(watts({silent}), "-|-") << "neither power nor current";
+    EXPECT_EQ(watts({charging}), "-|-");
+    EXPECT_EQ(watts({battery, plugged}), "-|-") << "discharging beside a weak adapter";
+    EXPECT_EQ(watts({charging, usb}), "-|45") << "an adapter that tells";
+    EXPECT_EQ(watts({mouse}), "-|-");
+    EXPECT_EQ(watts({}), "-|-");
 }
 
 TEST(SensorSupply, PlatformEnergyOverTime) {
@@ -211,6 +198,83 @@ TEST(SensorSupply, PlatformEnergyOverTime) {
     machine.pass(2);
     root.write(zone + "/energy_uj", "47000000\n");
     EXPECT_NEAR(machine.sensors.value("PSTR"), 21, 1e-4);
+}
+
+std::string text(uint32_t key) { return key == 0 ? "" : smcText(key).data(); }
+
+TEST(SensorKeys, KindClassChipAndNumber) {
+    SensorKeys keys;
+    const auto key = text(keys.assign(SensorKind::temperature, SensorClass::cpu, "coretemp|a", 11));
+    EXPECT_EQ(key.substr(0, 2), "TC");
+    EXPECT_EQ(key[3], 'B');
+    const auto voltage = text(keys.assign(SensorKind::voltage, SensorClass::cpu, "coretemp|a", 0));
+    EXPECT_EQ(voltage, std::string("VC") + key[2] + '0') << "one character for all kinds of a chip";
+    EXPECT_EQ(text(keys.assign(SensorKind::temperature, SensorClass::cpu, "coretemp|a", 11)), key);
+}
+
+TEST(SensorKeys, ManySensorsGetDifferentTemperatureKeys) {
+    SensorKeys keys;
+    std::set<uint32_t> seen;
+    // More chips than there are characters for them, and one with more sensors than there are for those.
+    for (int chip = 0; chip < 80; ++chip) {
+        for (int number = 1; number <= (chip == 0 ? 200 : 20); ++number) {
+            const auto key = keys.assign(SensorKind::temperature, SensorClass::cpu,
+                                         "coretemp|" + std::to_string(chip), number);
+            EXPECT_TRUE(isTemperatureKey(key)) << text(key);
+            EXPECT_TRUE(seen.insert(key).second) << text(key);
+        }
+    }
+}
+
+TEST(SensorKeys, SixteenFansAndEachOfTheHardwaresOwnKeysOnce) {
+    SensorKeys keys;
+    std::string fans;
+    for (int fan = 0; fan <= 16; ++fan)
+        fans += text(keys.assign(SensorKind::fan, SensorClass::board, "nct6779|a", fan));
+    EXPECT_EQ(fans, "F0AcF1AcF2AcF3AcF4AcF5AcF6AcF7AcF8AcF9AcFAAcFBAcFCAcFDAcFEAcFFAc")
+        << "the last has none";
+    for (int again = 0; again < 2; ++again)
+        EXPECT_EQ(text(keys.assignNamed(smcCode("TC0P"), "applesmc|a", 3)), "TC0P");
+    EXPECT_EQ(keys.assignNamed(smcCode("TC0P"), "applesmc|b", 3), 0u);
+}
+
+TEST(SensorClass, WhereAChipBelongs) {
+    const std::string card = "/sys/devices/pci0000:00/0000:01:00.0";
+    EXPECT_EQ(classOfChip("k10temp", "", 0x060000), SensorClass::cpu);
+    EXPECT_EQ(classOfChip("amdgpu", card, 0x030000), SensorClass::gpu);
+    EXPECT_EQ(classOfChip("unheard_of", card, 0x030000), SensorClass::gpu);
+    EXPECT_EQ(classOfChip("unheard_of", card, 0x020000), SensorClass::network);
+    EXPECT_EQ(classOfChip("unheard_of", card, 0x010802), SensorClass::nvme);
+    EXPECT_EQ(classOfChip("unheard_of", "/sys/devices/wifi/ieee80211/phy0", 0), SensorClass::network);
+    EXPECT_EQ(classOfChip("mt7996_phy0_0", "", 0), SensorClass::network);
+    EXPECT_EQ(classOfChip("BAT0", "/sys/devices/x/power_supply/BAT0", 0), SensorClass::battery);
+    EXPECT_EQ(classOfChip("cpu", "/sys/devices/x/power_supply/cpu", 0), SensorClass::battery);
+    EXPECT_EQ(classOfChip("nct6779", "/sys/devices/platform/nct6775.656", 0), SensorClass::board);
+    EXPECT_EQ(classOfChip("", "", 0), SensorClass::board);
+
+    EXPECT_EQ(classOfSensor(SensorClass::board, "CPUTIN"), SensorClass::cpu);
+    EXPECT_EQ(classOfSensor(SensorClass::board, "SODIMM"), SensorClass::memory);
+    EXPECT_EQ(classOfSensor(SensorClass::board, "SYSTIN"), SensorClass::board);
+    EXPECT_EQ(classOfSensor(SensorClass::gpu, "memory"), SensorClass::gpu) << "its own memory";
+}
+
+TEST(SensorClass, AttributeNames) {
+    using Item = HwmonAttribute::Item;
+    const auto is = [](const char* name, int number, SensorKind kind, Item item) {
+        const auto attribute = parseHwmonAttribute(name);
+        return attribute.number == number && attribute.kind == kind && attribute.item == item;
+    };
+    EXPECT_TRUE(is("temp12_input", 12, SensorKind::temperature, Item::input));
+    EXPECT_TRUE(is("in0_input", 0, SensorKind::voltage, Item::input));
+    EXPECT_TRUE(is("power1_average", 1, SensorKind::power, Item::average));
+    EXPECT_TRUE(is("curr3_crit", 3, SensorKind::current, Item::crit));
+    EXPECT_TRUE(is("fan2_enable", 2, SensorKind::fan, Item::enable));
+    EXPECT_TRUE(is("temp1_crit_alarm", 1, SensorKind::temperature, Item::other));
+    EXPECT_TRUE(is("power1_average_interval", 1, SensorKind::power, Item::other));
+    EXPECT_TRUE(is("temp1", 1, SensorKind::temperature, Item::other));
+    for (const char* name :
+         {"intrusion0_alarm", "in-1_input", "temp99999999_input", "temp_input", "freq1_input", ""})
+        EXPECT_EQ(parseHwmonAttribute(name).number, -1) << name;
 }
 
 } // namespace
