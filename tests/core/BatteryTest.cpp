@@ -1,5 +1,6 @@
 #include "core/Battery.h"
-#include "SupplyText.h"
+#include "core/linux/PowerSupply.h"
+#include "core/linux/SensorSupply.h"
 #include "support/Joined.h"
 #include "support/TempRoot.h"
 
@@ -7,6 +8,16 @@ namespace {
 
 using namespace sysinfo;
 using namespace quarn::testing;
+
+/// A power supply whose driver offers `attributes`, "type=Mains;online=1"; the first of a name counts.
+PowerSupply supply(const std::string& attributes) {
+    return platform::describePowerSupply("BAT0", [&](std::string_view key) {
+        const std::string all = ';' + attributes + ';', start = ';' + std::string(key) + '=';
+        const size_t at = all.find(start);
+        if (at == all.npos) return std::string();
+        return all.substr(at + start.size(), all.find(';', at + 1) - at - start.size());
+    });
+}
 
 PowerSupply battery(const std::string& attributes) { return supply(attributes + ";type=Battery;present=1"); }
 
@@ -34,91 +45,74 @@ TEST(Battery, CapturedMachines) {
 }
 
 TEST(Battery, Charge) {
-    const struct {
-        const char *teaches, *attributes;
-        std::optional<int> percent;
-    } cases[] = {
-        {"what fits in, rounded down", "energy_now=1500000;energy_full=60000000;capacity=7", 2},
-        {"no `capacity`", "charge_now=7875000;charge_full=10500000", 75},
-        {"a full capacity of 0 is no capacity", "charge_now=1;charge_full=0", {}},
-        {"above 100 after calibration", "charge_now=12;charge_full=10", 100},
-        {"`capacity` above 100", "capacity=104", 100},
-        {"no number", "capacity=-NaN;charge_now=-NaN", {}},
-        {"negative", "capacity=-1", {}},
-        {"beyond any integer", "capacity=99999999999999999999", {}},
-        {"only a level in words", "capacity_level=Full", 100},
-        {"a level no battery has", "capacity_level=Unknown", {}},
-        {"no overflow", "energy_now=9223372036854775807;energy_full=9223372036854775807", 100},
+    const char* const cases[][3] = {
+        // whether it is known, and the percentage
+        {"what fits in, rounded down", "energy_now=1500000;energy_full=60000000;capacity=7", "1|2"},
+        {"no `capacity`", "charge_now=7875000;charge_full=10500000", "1|75"},
+        {"a full capacity of 0 is no capacity", "charge_now=1;charge_full=0", "0|0"},
+        {"above 100 after calibration", "charge_now=12;charge_full=10", "1|100"},
+        {"`capacity` above 100", "capacity=104", "1|100"},
+        {"no number", "capacity=-NaN;charge_now=-NaN", "0|0"},
+        {"negative", "capacity=-1", "0|0"},
+        {"beyond any integer", "capacity=99999999999999999999", "0|0"},
+        {"only a level in words", "capacity_level=Full", "1|100"},
+        {"a level no battery has", "capacity_level=Unknown", "0|0"},
+        {"no overflow", "energy_now=9223372036854775807;energy_full=9223372036854775807", "1|100"},
     };
-    for (const auto& c : cases) {
-        const auto info = derived(c.attributes);
-        EXPECT_EQ(info.percentKnown, c.percent.has_value()) << c.teaches;
-        EXPECT_EQ(info.percent, c.percent.value_or(0)) << c.teaches;
+    for (const auto& [teaches, attributes, shown] : cases) {
+        const auto info = derived(attributes);
+        EXPECT_EQ(joined(info.percentKnown, info.percent), shown) << teaches;
     }
 }
 
 TEST(Battery, CurrentAndPower) {
-    const struct {
-        const char *teaches, *attributes;
-        int milliamps;
-        std::optional<double> watts;
-    } cases[] = {
-        {"a driver that reports no sign", "status=Discharging;current_now=500000", -500, -5},
-        {"a driver that reports one", "status=Discharging;current_now=-500000", -500, -5},
-        {"power negative while charging", "status=Charging;power_now=-5000000", 500, 5},
-        {"power 0 beside a current", "status=Discharging;current_now=500000;power_now=0", -500, -5},
-        {"current 0 beside a power", "status=Charging;current_now=0;power_now=5000000", 500, 5},
-        {"status unknown, off the mains", "status=Unknown;current_now=500000", -500, -5},
-        {"idle", "status=Full;current_now=0", 0, 0},
-        {"no reading is not 0 W", "status=Discharging", 0, {}},
+    const char* const cases[][3] = {
+        // mA and W
+        {"a driver that reports no sign", "status=Discharging;current_now=500000", "-500|-5"},
+        {"a driver that reports one", "status=Discharging;current_now=-500000", "-500|-5"},
+        {"power negative while charging", "status=Charging;power_now=-5000000", "500|5"},
+        {"power 0 beside a current", "status=Discharging;current_now=500000;power_now=0", "-500|-5"},
+        {"current 0 beside a power", "status=Charging;current_now=0;power_now=5000000", "500|5"},
+        {"status unknown, off the mains", "status=Unknown;current_now=500000", "-500|-5"},
+        {"idle", "status=Full;current_now=0", "0|0"},
+        {"no reading is not 0 W", "status=Discharging", "0|-"},
     };
-    for (const auto& c : cases) {
-        const auto info = derived(std::string(c.attributes) + ";voltage_now=10000000");
-        EXPECT_EQ(info.amperage_mA, c.milliamps) << c.teaches;
-        EXPECT_EQ(info.watts, c.watts) << c.teaches;
+    for (const auto& [teaches, attributes, shown] : cases) {
+        const auto info = derived(attributes + std::string(";voltage_now=10000000"));
+        EXPECT_EQ(joined(info.amperage_mA, info.watts), shown) << teaches;
     }
 }
 
 TEST(Battery, Times) {
-    const struct {
-        const char *teaches, *attributes;
-        int toEmpty, toFull;
-    } cases[] = {
-        {"charge over current", "status=Discharging;charge_now=2000000;current_now=-1000000", 120, -1},
-        {"gap over power", "status=Charging;energy_now=10;energy_full=30;power_now=20", -1, 60},
-        {"firmware", "status=Discharging;time_to_empty_now=5400;charge_now=9;current_now=1", 90, -1},
-        {"no current, no time", "status=Discharging;charge_now=9;current_now=0", -1, -1},
-        {"weeks are no estimate", "status=Discharging;charge_now=1000000;current_now=1", -1, -1},
-        {"full is neither", "status=Full;charge_now=9;current_now=1", -1, -1},
+    const char* const cases[][3] = {
+        // minutes to empty and to full
+        {"charge over current", "status=Discharging;charge_now=2000000;current_now=-1000000", "120|-1"},
+        {"gap over power", "status=Charging;energy_now=10;energy_full=30;power_now=20", "-1|60"},
+        {"firmware", "status=Discharging;time_to_empty_now=5400;charge_now=9;current_now=1", "90|-1"},
+        {"no current, no time", "status=Discharging;charge_now=9;current_now=0", "-1|-1"},
+        {"weeks are no estimate", "status=Discharging;charge_now=1000000;current_now=1", "-1|-1"},
+        {"full is neither", "status=Full;charge_now=9;current_now=1", "-1|-1"},
     };
-    for (const auto& c : cases) {
-        const auto info = derived(c.attributes);
-        EXPECT_EQ(info.timeToEmptyMin, c.toEmpty) << c.teaches;
-        EXPECT_EQ(info.timeToFullMin, c.toFull) << c.teaches;
+    for (const auto& [teaches, attributes, shown] : cases) {
+        const auto info = derived(attributes);
+        EXPECT_EQ(joined(info.timeToEmptyMin, info.timeToFullMin), shown) << teaches;
     }
 }
 
 TEST(Battery, ExternalPower) {
     const auto plugged = supply("type=Mains;online=1"), unplugged = supply("type=Mains;online=0");
     const auto receiver = supply("type=Mains;online=1;scope=Device");
-    const struct {
-        const char *teaches, *status;
-        std::vector<PowerSupply> sources;
-        bool onAC;
-    } cases[] = {
-        {"the mains beside a draining battery", "Discharging", {plugged}, true},
-        {"one of two USB-C ports", "Charging", {unplugged, plugged}, true},
-        {"just unplugged", "Full", {unplugged}, false},
-        {"a port that does not show itself", "Charging", {unplugged}, true},
-        {"a full battery and nothing else to go by", "Full", {}, true},
-        {"nothing known", "Unknown", {}, false},
-        {"a charging mouse is not the mains", "Discharging", {receiver}, false},
+    const auto onAC = [](const std::string& status, std::vector<PowerSupply> supplies) {
+        supplies.push_back(battery("status=" + status));
+        return deriveBattery(supplies).onAC;
     };
-    for (const auto& c : cases) {
-        auto supplies = c.sources;
-        supplies.push_back(battery(std::string("status=") + c.status));
-        EXPECT_EQ(deriveBattery(supplies).onAC, c.onAC) << c.teaches;
-    }
+    EXPECT_TRUE(onAC("Discharging", {plugged})) << "a weak adapter";
+    EXPECT_TRUE(onAC("Charging", {unplugged, plugged})) << "one of two USB-C ports";
+    EXPECT_FALSE(onAC("Full", {unplugged})) << "just unplugged";
+    EXPECT_TRUE(onAC("Charging", {unplugged})) << "a port that does not show itself";
+    EXPECT_TRUE(onAC("Full", {})) << "nothing else to go by";
+    EXPECT_FALSE(onAC("Unknown", {}));
+    EXPECT_FALSE(onAC("Discharging", {receiver})) << "a charging mouse is not the mains";
 }
 
 TEST(Battery, SeveralBatteriesAreOne) {
@@ -128,14 +122,11 @@ TEST(Battery, SeveralBatteriesAreOne) {
                                 "energy_full_design=24000000;power_now=15000000;voltage_now=10000000;"
                                 "cycle_count=800;health=Overheat");
     const auto info = deriveBattery(std::vector{first, second, battery("present=0")});
-    EXPECT_EQ(info.count, 2u) << "an empty bay is no battery";
-    EXPECT_EQ(info.percent, 50) << "by energy: the mean of 100 % and 25 % would be 62 %";
-    EXPECT_EQ(info.timeToEmptyMin, 120) << "the idle battery's energy lasts as well";
-    EXPECT_EQ(info.voltage_mV, 11000);
-    EXPECT_EQ(info.nominalCapacity, 1667 + 4000);
-    EXPECT_EQ(info.cycleCount, 800);
-    EXPECT_DOUBLE_EQ(info.temperatureC, 30.1);
-    EXPECT_EQ(info.health, "Overheat");
+    EXPECT_EQ(joined(info.count, info.percent, info.timeToEmptyMin, info.voltage_mV, info.nominalCapacity,
+                     info.cycleCount, info.temperatureC, info.health),
+              "2|50|120|11000|5667|800|30.1|Overheat")
+        << "an empty bay is no battery; the charge goes by energy, for the mean would be 62 %; the idle "
+           "battery's energy lasts as well";
 
     const auto mixed = deriveBattery(std::vector{first, battery("capacity=20")});
     EXPECT_EQ(mixed.percent, 60) << "no energy known: the mean";
@@ -153,6 +144,30 @@ TEST(Battery, FilesThatAreOddOrGone) {
     EXPECT_EQ(info.percent, 96) << "files padded with NULs";
     machine.remove("sys/class/power_supply");
     EXPECT_FALSE(readBattery(machine.root()).present);
+}
+
+TEST(SensorSupply, WhatTheMachineDraws) {
+    const std::string all = "type=Battery;status=Discharging;power_now=12000000;voltage_now=11500000;"
+                            "current_now=900000";
+    const auto battery = supply(all), signedPower = supply("power_now=-12000000;" + all),
+               byCurrent = supply("power_now=0;current_now=-1000000;" + all),
+               silent = supply("power_now=;current_now=;" + all), charging = supply("status=Charging;" + all),
+               mouse = supply("scope=Device;" + all), unplugged = supply("type=Mains;online=0"),
+               plugged = supply("type=Mains;online=1"),
+               usb = supply("type=USB;online=1;voltage_now=20000000;current_now=2250000");
+    const auto watts = [](const std::vector<PowerSupply>& supplies) {
+        return joined(platform::batteryDraw(supplies), platform::adapterInput(supplies));
+    };
+    EXPECT_EQ(watts({battery, unplugged}), "12|-");
+    EXPECT_EQ(watts({signedPower}), "12|-");
+    EXPECT_EQ(watts({byCurrent}), "11.5|-") << "power 0 beside a current";
+    EXPECT_EQ(watts({battery, byCurrent}), "23.5|-");
+    EXPECT_EQ(watts({silent}), "-|-") << "neither power nor current";
+    EXPECT_EQ(watts({charging}), "-|-");
+    EXPECT_EQ(watts({battery, plugged}), "-|-") << "discharging beside a weak adapter";
+    EXPECT_EQ(watts({charging, usb}), "-|45") << "an adapter that tells";
+    EXPECT_EQ(watts({mouse}), "-|-");
+    EXPECT_EQ(watts({}), "-|-");
 }
 
 } // namespace

@@ -11,35 +11,35 @@
 namespace {
 
 using namespace sysinfo;
-using platform::DriveCounters;
+using namespace sysinfo::platform;
 using namespace quarn::testing;
 
 TEST(DiskStats, LinesOfAllKernelsAndNone) {
     for (const char* counters :
          {"1 0 8 2 3 0 16 4 0 5 6", "1 0 8 2 3 0 16 4 0 5 6 7 0 8 9", "1 0 8 2 3 0 16 4 0 5 6 7 0 8 9 10 11"})
-        EXPECT_EQ(platform::readDriveStats(counters).bytesWritten, 16u * 512) << counters;
+        EXPECT_EQ(readDriveStats(counters).bytesWritten, 16u * 512) << counters;
     for (const char* counters :
          {"1 0 8 2 3 0 16 4 0 5", "1 0 8 2 3 0 sixteen 4 0 5 6", "1 0 8 2 3 0 -16 4 0 5 6", ""}) {
-        EXPECT_FALSE(platform::readDriveStats(counters).ok) << counters;
-        EXPECT_EQ(platform::readDriveStats(counters).bytesWritten, 0u) << counters;
+        EXPECT_FALSE(readDriveStats(counters).ok) << counters;
+        EXPECT_EQ(readDriveStats(counters).bytesWritten, 0u) << counters;
     }
     std::string_view text = "rubbish\n\n 8 x sda 1\n  8 0\n   8   16 sdb 5 6\n259 0 nvme0n1";
-    EXPECT_EQ(platform::takeDiskLine(text)->name, "sdb");
-    EXPECT_EQ(platform::takeDiskLine(text)->name, "nvme0n1");
-    EXPECT_FALSE(platform::takeDiskLine(text));
+    EXPECT_EQ(takeDiskLine(text)->name, "sdb");
+    EXPECT_EQ(takeDiskLine(text)->name, "nvme0n1");
+    EXPECT_FALSE(takeDiskLine(text));
 }
 
 TEST(Drives, TheNameDecidesWhereNothingElseCan) {
     const SystemRoot nothing("/nonexistent");
     for (const auto* name : {"sda", "sdaa", "vda", "xvdb", "hda", "nvme0n1", "nvme10n2", "mmcblk0", "dasda",
                              "pmem0", "cciss/c0d0"})
-        EXPECT_TRUE(platform::isPhysicalDrive(nothing, name)) << name;
+        EXPECT_TRUE(isPhysicalDrive(nothing, name)) << name;
     for (const auto* name :
          {"sda1",        "sdaa12",       "vda2",      "nvme0n1p2",    "mmcblk0p1", "mmcblk0boot0",
           "mmcblk0rpmb", "mmcblk0gp1p1", "nvme0c1n1", "cciss/c0d0p1", "loop0",     "ram3",
           "zram0",       "dm-0",         "md127",     "md_d0",        "nbd3",      "sr0",
           "fd0",         "zd16",         "drbd0",     "mtdblock0",    "rbd0",      "bcache0"})
-        EXPECT_FALSE(platform::isPhysicalDrive(nothing, name)) << name;
+        EXPECT_FALSE(isPhysicalDrive(nothing, name)) << name;
 }
 
 TEST(Drives, SysfsDecidesWhereItIsThere) {
@@ -50,16 +50,15 @@ TEST(Drives, SysfsDecidesWhereItIsThere) {
         .link("sys/block/newkind0", "../devices/virtual/block/newkind0")
         .write("sys/block/cciss!c0d0/size", "8")
         .write("sys/class/block/odd7/partition", "7");
-    EXPECT_EQ(platform::physicalDrives(machine.root()),
-              (std::vector<std::string>{"sda", "nvme0n1", "cciss/c0d0"}));
-    EXPECT_FALSE(platform::isPhysicalDrive(machine.root(), "odd7"));
-    EXPECT_EQ(platform::driveSize(machine.root(), "cciss/c0d0"), 4096u);
+    EXPECT_EQ(physicalDrives(machine.root()), (std::vector<std::string>{"sda", "nvme0n1", "cciss/c0d0"}));
+    EXPECT_FALSE(isPhysicalDrive(machine.root(), "odd7"));
+    EXPECT_EQ(driveSize(machine.root(), "cciss/c0d0"), 4096u);
 }
 
 TEST(CapturedDrives, CountersOfAMixedTableAsPublished) {
-    const auto readers = platform::openReaders(SystemRoot(QUARN_FIXTURES "/hosts/mixed-disks"));
-    std::vector<platform::DriveCounters> drives;
-    ASSERT_TRUE(platform::readDriveCounters(*readers, drives));
+    const auto readers = openReaders(SystemRoot(QUARN_FIXTURES "/hosts/mixed-disks"));
+    std::vector<DriveCounters> drives;
+    ASSERT_TRUE(readDriveCounters(*readers, drives));
     // Bytes read and written, reads and writes, seconds of both.
     const char* const published[] = {
         "sda|513713216512|258916880384|25354637|28444756|18492.372|63877.96",
@@ -71,9 +70,8 @@ TEST(CapturedDrives, CountersOfAMixedTableAsPublished) {
     };
     ASSERT_EQ(drives.size(), std::size(published));
     for (size_t i = 0; i < drives.size(); ++i) {
-        const auto& [name, stats] = drives[i];
-        const auto& s = stats;
-        EXPECT_EQ(joined(name, s.bytesRead, s.bytesWritten, s.opsRead, s.opsWritten,
+        const auto& s = drives[i].stats;
+        EXPECT_EQ(joined(drives[i].name, s.bytesRead, s.bytesWritten, s.opsRead, s.opsWritten,
                          static_cast<double>(s.timeReadNs) / 1e9, static_cast<double>(s.timeWriteNs) / 1e9),
                   published[i]);
     }
@@ -81,16 +79,13 @@ TEST(CapturedDrives, CountersOfAMixedTableAsPublished) {
 
 TEST(Drives, TheSetOfDrivesIsFollowed) {
     TempRoot machine;
-    const auto table = [&](const std::string& names) {
-        std::string text;
-        for (char c : names) text += std::string("8 0 sd") + c + " 1 0 2 0 0 0 0 0 0 0 0\n7 0 loop0 0\n";
-        machine.write("proc/diskstats", text);
-    };
-    const auto readers = platform::openReaders(machine.root());
-    std::vector<platform::DriveCounters> drives;
+    const auto readers = openReaders(machine.root());
+    std::vector<DriveCounters> drives;
     for (const std::string names : {"ab", "ab", "a", "abc", "cab", "", "b"}) {
-        table(names);
-        ASSERT_TRUE(platform::readDriveCounters(*readers, drives));
+        std::string table;
+        for (char c : names) table += std::string("8 0 sd") + c + " 1 0 2 0 0 0 0 0 0 0 0\n7 0 loop0 0\n";
+        machine.write("proc/diskstats", table);
+        ASSERT_TRUE(readDriveCounters(*readers, drives));
         std::string seen;
         for (const auto& drive : drives) seen += drive.name.back();
         EXPECT_EQ(seen, names);
@@ -98,9 +93,7 @@ TEST(Drives, TheSetOfDrivesIsFollowed) {
 }
 
 TEST(DriveBus, PlacesInTheDeviceTree) {
-    const struct {
-        const char *path, *bus;
-    } cases[] = {
+    const char* const cases[][2] = {
         {"0000:01:00.0/nvme/nvme0/nvme0n1", "NVMe|NVMe|1"},
         {"ata1/host0/target0:0:0/0:0:0:0/block/sda", "SATA|SATA (AHCI)|1"},
         {"usb1/1-2/1-2:1.0/host6/target6:0:0/6:0:0:0/block/sdb", "USB|USB Mass Storage|0"},
@@ -114,15 +107,13 @@ TEST(DriveBus, PlacesInTheDeviceTree) {
         {"somewhere/else", "||1"},
     };
     const std::string pci = "sys/devices/pci0000:00/0000:00:14.0/";
-    for (const auto& c : cases) {
-        const auto bus = platform::driveBus(pci + c.path);
-        EXPECT_EQ(
-            joined(bus.interconnect, bus.architecture, bus.place == platform::DriveBus::Place::internal),
-            c.bus)
-            << c.path;
+    for (const auto& [path, shown] : cases) {
+        const auto bus = driveBus(pci + path);
+        const bool isInternal = bus.place == DriveBus::Place::internal;
+        EXPECT_EQ(joined(bus.interconnect, bus.architecture, isInternal), shown) << path;
     }
-    EXPECT_EQ(platform::pciFunction(pci + "0000:01:00.0/nvme/nvme0"), pci + "0000:01:00.0");
-    EXPECT_EQ(platform::pciFunction("sys/devices/platform/soc/mmc_host/mmc0/mmc0:0001"), "");
+    EXPECT_EQ(pciFunction(pci + "0000:01:00.0/nvme/nvme0"), pci + "0000:01:00.0");
+    EXPECT_EQ(pciFunction("sys/devices/platform/soc/mmc_host/mmc0/mmc0:0001"), "");
 
     const char* const links[][3] = {
         {"2.5 GT/s PCIe", "1", "PCIe 1.0 x1"},
@@ -136,17 +127,17 @@ TEST(DriveBus, PlacesInTheDeviceTree) {
         {"16.0 GT/s PCIe", "63", ""},
         {"", "", ""},
     };
-    for (const auto& [speed, width, link] : links) EXPECT_EQ(platform::pcieLink(speed, width), link);
+    for (const auto& [speed, width, link] : links) EXPECT_EQ(pcieLink(speed, width), link);
 }
 
 TEST(UdevRecord, PropertiesAndEscapes) {
     const std::string_view record =
         "S:disk/by-id/x\nE:ID_MODEL=A_B\nE:ID_MODEL_ENC=A\\x20B\\x20\\x20\nG:systemd\n";
-    EXPECT_EQ(platform::udevProperty(record, "ID_MODEL"), "A_B");
-    EXPECT_FALSE(platform::udevProperty(record, "ID_"));
-    EXPECT_EQ(platform::decodeUdev(*platform::udevProperty(record, "ID_MODEL_ENC")), "A B");
-    EXPECT_EQ(platform::decodeUdev("a\\x2"), "a\\x2");
-    EXPECT_EQ(platform::decodeUdev("\\xzz\\"), "\\xzz\\");
+    EXPECT_EQ(udevProperty(record, "ID_MODEL"), "A_B");
+    EXPECT_FALSE(udevProperty(record, "ID_"));
+    EXPECT_EQ(decodeUdev(*udevProperty(record, "ID_MODEL_ENC")), "A B");
+    EXPECT_EQ(decodeUdev("a\\x2"), "a\\x2");
+    EXPECT_EQ(decodeUdev("\\xzz\\"), "\\xzz\\");
 }
 
 /// A machine with the drives that a test adds.
@@ -221,7 +212,7 @@ TEST_F(DescribedDrives, SticksAndCards) {
     add("sdb", usb, "size=100;removable=1;queue/rotational=1");
     EXPECT_EQ(shown(), "||USB Mass Storage||outside|removable") << "sticks claim to rotate";
     machine.files("sys/devices/" + usb, "size=0"); // a reader without a card is no disk
-    EXPECT_EQ(platform::readDriveCapacity(machine.root()).disks, 0u);
+    EXPECT_EQ(readDriveCapacity(machine.root()).disks, 0u);
 
     const std::string eMmc = "platform/soc/mmc_host/mmc0/mmc0:0001";
     add("mmcblk0", eMmc + "/block/mmcblk0", "size=100");
@@ -232,7 +223,7 @@ TEST_F(DescribedDrives, SticksAndCards) {
 TEST_F(DescribedDrives, AListingAsksTheHardwareOnlyWhenTheDrivesChange) {
     const std::string path = "pci0000:00/0000:00:02.0/virtio1/block/vda";
     add("vda", path, "size=100");
-    const auto readers = platform::openReaders(machine.root());
+    const auto readers = openReaders(machine.root());
     DiskDeviceList list(machine.root());
     ASSERT_EQ(list.sample(*readers).size(), 1u);
     machine.files("sys/devices/" + path, "size=200")
@@ -244,7 +235,7 @@ TEST_F(DescribedDrives, AListingAsksTheHardwareOnlyWhenTheDrivesChange) {
     ASSERT_EQ(list.sample(*readers).size(), 2u);
     EXPECT_EQ(list.sample(*readers)[0].size, 102'400u);
     machine.remove("proc/diskstats");
-    EXPECT_EQ(list.sample(*platform::openReaders(machine.root())).size(), 2u) << "sysfs still lists them";
+    EXPECT_EQ(list.sample(*openReaders(machine.root())).size(), 2u) << "sysfs still lists them";
 }
 
 constexpr uint64_t second = 1'000'000'000;
@@ -254,47 +245,43 @@ DriveCounters drive(uint64_t bytesRead, uint64_t bytesWritten, uint64_t opsRead,
     return {"sda", {bytesRead, bytesWritten, opsRead, 0, timeReadNs, 0, true}};
 }
 
+std::string shown(const SCDisk& disk) {
+    return joined(disk.readBytes, disk.readRate, disk.writeRate, disk.readOpsRate, disk.activeFraction,
+                  disk.avgResponseMs);
+}
+
 TEST(DiskSampler, RatesBusyShareAndResponse) {
     DiskSampler sampler((SystemRoot("/nonexistent")));
-    const auto shown = [&](const std::vector<DriveCounters>& drives, uint64_t seconds) {
-        const SCDisk disk = sampler.advance(drives, seconds * second);
-        return joined(disk.readBytes, disk.readRate, disk.writeRate, disk.readOpsRate, disk.activeFraction,
-                      disk.avgResponseMs);
-    };
-    EXPECT_EQ(shown({drive(1000, 500, 10, 0), drive(0, 0, 0, 0)}, 1), "1000|0|0|0|0|0");
-    EXPECT_EQ(shown({drive(5000, 500, 20, 100 * ms), drive(0, 0, 10, 300 * ms)}, 3), "5000|2000|0|10|0.1|20")
+    EXPECT_EQ(shown(sampler.advance({drive(1000, 500, 10, 0), drive(0, 0, 0, 0)}, second)), "1000|0|0|0|0|0");
+    EXPECT_EQ(shown(sampler.advance({drive(5000, 500, 20, 100 * ms), drive(0, 0, 10, 300 * ms)}, 3 * second)),
+              "5000|2000|0|10|0.1|20")
         << "400 ms of service in two seconds of two drives, by 20 operations";
-    EXPECT_EQ(shown({drive(5000, 500, 20, 90 * second), drive(0, 0, 10, 0)}, 4), "5000|0|0|0|1|0")
+    EXPECT_EQ(shown(sampler.advance({drive(5000, 500, 20, 90 * second), drive(0, 0, 10, 0)}, 4 * second)),
+              "5000|0|0|0|1|0")
         << "requests served at once add up to more time than passed; none of them ended";
 }
 
 TEST(DiskSampler, ADriveThatWasUnpluggedOrDoesNotAnswer) {
     DiskSampler sampler((SystemRoot("/nonexistent")));
     sampler.advance({drive(9000, 0, 90, 9 * ms), drive(5, 0, 1, ms)}, second);
-    const SCDisk fewer = sampler.advance({drive(5, 0, 1, ms)}, 2 * second);
-    EXPECT_EQ(fewer.readRate, 0) << "a fall is no traffic";
-    EXPECT_EQ(fewer.activeFraction, 0);
-
+    EXPECT_EQ(shown(sampler.advance({drive(5, 0, 1, ms)}, 2 * second)), "5|0|0|0|0|0")
+        << "a fall is no traffic";
     DriveCounters silent = drive(77, 0, 7, 7);
     silent.stats.ok = false;
-    const SCDisk half = sampler.advance({drive(5, 0, 1, 501 * ms), silent}, 3 * second);
-    EXPECT_EQ(half.readBytes, 5u);
-    EXPECT_DOUBLE_EQ(half.activeFraction, 0.25) << "the silent drive still is a drive";
+    EXPECT_EQ(shown(sampler.advance({drive(5, 0, 1, 501 * ms), silent}, 3 * second)), "5|0|0|0|0.25|0")
+        << "the silent drive still is a drive";
 }
 
 TEST(DiskSampler, AFailedReadingIsZeroAndTheNextNoBurst) {
     TempRoot machine;
     machine.write("proc/diskstats", "8 0 sda 1 0 1000 0 0 0 0 0 0 0 0\n").write("sys/block/sda/size", "2048");
-    const auto readers = platform::openReaders(machine.root());
+    const auto readers = openReaders(machine.root());
     DiskSampler sampler(machine.root());
     EXPECT_EQ(sampler.sample(*readers).readBytes, 512'000u);
-    const SCDisk failed = sampler.sample(*platform::openReaders(SystemRoot("/nonexistent")));
-    EXPECT_EQ(failed.readBytes, 0u);
+    EXPECT_EQ(sampler.sample(*openReaders(SystemRoot("/nonexistent"))).readBytes, 0u);
     const SCDisk next = sampler.sample(*readers);
-    EXPECT_EQ(next.readBytes, 512'000u);
-    EXPECT_EQ(next.readRate, 0);
-    EXPECT_EQ(next.capacityBytes, 1024u * 1024);
-    EXPECT_EQ(next.diskCount, 1u);
+    EXPECT_EQ(joined(next.readBytes, next.readRate, next.capacityBytes, next.diskCount),
+              "512000|0|1048576|1");
 }
 
 } // namespace

@@ -35,9 +35,7 @@ TEST(GpuStats, MaximumOfSharesAndSumOfMemories) {
 }
 
 TEST(Gpu, CapturedMachines) {
-    const struct {
-        const char *machine, *teaches, *shown;
-    } cases[] = {
+    const char* const cases[][3] = {
         {"phoenix", "compute units from the compute driver, found by bus address",
          "AMD GPU 15bf|amdgpu|0000:64:00.0|12|0|1272893440|4294967296|3.103|0"},
         {"vangogh", "no memory files in this capture: absent, not 0",
@@ -49,14 +47,14 @@ TEST(Gpu, CapturedMachines) {
         {"a380", "known from the second sample on", "Intel GPU 56a5|i915|0000:0b:00.0|0|-|-|-|-|0"},
         {"tigerlake", "the same", "Intel GPU 9a49|xe|0000:00:02.0|0|-|-|-|-|0"},
     };
-    for (const auto& c : cases) {
-        const auto gpus = GpuSampler(captured(c.machine)).sample();
-        ASSERT_EQ(gpus.size(), 1u) << c.machine;
+    for (const auto& [machine, teaches, shown] : cases) {
+        const auto gpus = GpuSampler(captured(machine)).sample();
+        ASSERT_EQ(gpus.size(), 1u) << machine;
         const auto& [name, driver, slot, folder, vendor, number, revision, cores] = gpus[0].device;
         EXPECT_EQ(joined(name, driver, slot, cores, gpus[0].busy, gpus[0].memUsed, gpus[0].memAlloc,
                          gpus[0].watts, gpus[0].asleep),
-                  c.shown)
-            << c.machine << ": " << c.teaches;
+                  shown)
+            << machine << ": " << teaches;
     }
     GpuSampler two(captured("vega-and-intel"));
     two.sample();
@@ -92,9 +90,8 @@ TEST(Gpu, ListsWhatTheBusHas) {
                                       "0000:03:00.0/class=0x030200;0000:03:00.0/vendor=0x1a03;"
                                       "0000:03:00.0/device=0x2000")
         .files("proc/driver/nvidia/gpus/0000:01:00.0", "information=Model: \t\t NVIDIA GeForce GTX 1650 Ti");
-    std::string names;
-    for (const auto& gpu : listGpus(machine.root())) names += joined(gpu.slot, gpu.name) + '\n';
-    EXPECT_EQ(names, "|Arm Mali\n0000:01:00.0|NVIDIA GeForce GTX 1650 Ti\n0000:03:00.0|GPU 2000\n")
+    EXPECT_EQ(joinedEach(listGpus(machine.root()), &GpuDevice::slot, &GpuDevice::name),
+              "|Arm Mali 0000:01:00.0|NVIDIA GeForce GTX 1650 Ti 0000:03:00.0|GPU 2000 ")
         << "by card number; connectors, mere screens, a network port and the second listing of one are none";
 }
 
@@ -174,10 +171,9 @@ TEST(DrmUsage, ReadsEveryKindOfLine) {
     EXPECT_EQ(joined(usage->driver, usage->slot, usage->clientId, usage->residentBytes, usage->totalBytes),
               "xe|0000:00:02.0|42|2098176|12")
         << "\"total-cycles-\" is no memory region; without a unit: bytes";
-    std::string engines;
-    for (const auto& e : usage->engines)
-        engines += joined(e.name, e.cycles, e.totalCycles, e.busyNs, e.capacity, e.maxHz) + ' ';
-    EXPECT_EQ(engines, "rcs|28257900|7655183225|-|1|0 video|-|-|1234|2|5 ");
+    EXPECT_EQ(joinedEach(usage->engines, &DrmEngine::name, &DrmEngine::cycles, &DrmEngine::totalCycles,
+                         &DrmEngine::busyNs, &DrmEngine::capacity, &DrmEngine::maxHz),
+              "rcs|28257900|7655183225|-|1|0 video|-|-|1234|2|5 ");
 }
 
 TEST(DrmUsage, OddText) {
@@ -210,9 +206,8 @@ std::vector<DrmUsage> clients(const std::string& text) {
 }
 
 TEST(DrmLoads, Shares) {
-    const struct {
-        const char *teaches, *before, *after, *shares; ///< of the busiest engine, drawing, geometry
-    } cases[] = {
+    const char* const cases[][4] = {
+        // before and after; shares of the busiest engine, drawing, geometry
         {"time over time", "1 engine-render:0", "1 engine-render:1000000000", "50|50|-"},
         {"two video engines of one name", "1 engine-video:0",
          "1 engine-video:1000000000 engine-capacity-video:2", "25|-|-"},
@@ -232,13 +227,12 @@ TEST(DrmLoads, Shares) {
         {"geometry sorted apart", "1 engine-vertex-tiler:0 engine-fragment:0",
          "1 engine-vertex-tiler:1000000000 engine-fragment:500000000", "50|25|50"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.teaches);
+    for (const auto& [teaches, before, after, shares] : cases) {
         DrmLoads loads;
-        EXPECT_FALSE(loads.advance(clients(c.before), 0).at(0).busy) << "nothing to compare with yet";
-        const auto next = loads.advance(clients(c.after), 2);
-        ASSERT_EQ(next.size(), 1u);
-        EXPECT_EQ(joined(next[0].busy, next[0].renderer, next[0].tiler), c.shares);
+        EXPECT_FALSE(loads.advance(clients(before), 0).at(0).busy) << "nothing to compare with yet";
+        const auto next = loads.advance(clients(after), 2);
+        ASSERT_EQ(next.size(), 1u) << teaches;
+        EXPECT_EQ(joined(next[0].busy, next[0].renderer, next[0].tiler), shares) << teaches;
     }
 }
 
@@ -255,9 +249,7 @@ TEST(DrmLoads, GpusApart) {
     loads.advance(clients("1 engine-render:0|1 pdev:0000:03:00.0 engine-render:0"), 0);
     const auto next =
         loads.advance(clients("1 engine-render:0|1 pdev:0000:03:00.0 engine-render:500000000"), 1);
-    ASSERT_EQ(next.size(), 2u);
-    EXPECT_EQ(next[0].busy, 0);
-    EXPECT_EQ(next[1].busy, 50);
+    EXPECT_EQ(joined(next.at(0).busy, next.at(1).busy), "0|50");
 }
 
 std::string fdinfo(uint64_t client, uint64_t ns) {
@@ -293,20 +285,18 @@ TEST(Gpu, LoadFromItsClients) {
     machine.link("proc/9/fd/7", "/dev/dri/renderD128").write("proc/9/fdinfo/7", fdinfo(1, 0));
     const auto readers = openGpuReaders(machine.root());
     std::vector<GpuReading> gpus;
-    readGpus(*readers, 1'000'000'000, gpus);
-    EXPECT_FALSE(gpus.at(0).busy);
-    EXPECT_EQ(gpus[0].memAlloc, 8u << 20);
+    const auto shownAt = [&](uint64_t second) {
+        readGpus(*readers, second * 1'000'000'000, gpus);
+        return joinedEach(gpus, &GpuReading::busy, &GpuReading::renderer, &GpuReading::memAlloc,
+                          &GpuReading::ownProcessesOnly);
+    };
+    EXPECT_EQ(shownAt(1), "-|-|8388608|0 ");
     machine.write("proc/9/fdinfo/7", fdinfo(1, 1'500'000'000));
-    readGpus(*readers, 3'000'000'000, gpus);
-    EXPECT_EQ(gpus.at(0).busy, 75);
-    EXPECT_EQ(gpus[0].renderer, 75);
-    EXPECT_FALSE(gpus[0].ownProcessesOnly);
+    EXPECT_EQ(shownAt(3), "75|75|8388608|0 ");
     machine.remove("proc/9/fdinfo/7");
-    readGpus(*readers, 5'000'000'000, gpus);
-    EXPECT_EQ(gpus.at(0).busy, 0) << "its only client is gone";
+    EXPECT_EQ(shownAt(5), "0|-|-|0 ") << "its only client is gone";
     machine.remove("sys/class/drm/card1");
-    readGpus(*readers, 7'000'000'000, gpus);
-    EXPECT_TRUE(gpus.empty()) << "unplugged";
+    EXPECT_EQ(shownAt(7), "") << "unplugged";
 }
 
 } // namespace

@@ -15,44 +15,43 @@ using namespace quarn::testing;
 constexpr uint64_t KiB = 1024, MiB = 1024 * KiB;
 
 TEST(HardwareInfo, CapturedMachines) {
-    const struct {
-        const char *machine, *teaches, *model, *brand, *arch, *kernel;
-        uint64_t l1i, l1d, l2, l2e, l3;
-        const char* counts; ///< logical CPUs, cores, performance and efficiency cores, clock, virtualisation
-    } cases[] = {
+    // Model, processor, architecture, kernel; CPUs, cores, performance and efficiency cores, clock,
+    // virtualisation; KiB of caches: L1 of instructions and data, L2 of both kinds of cores, L3.
+    const char* const cases[][5] = {
         {"hybrid-20", "two kinds of cores, told apart by their highest frequencies; half the threads",
-         "HP EliteBook 840 14 inch G10 Notebook PC", "13th Gen Intel(R) Core(TM) i7-1370P", "x86_64",
-         "Linux 6.1.0-13-amd64", 32 * KiB, 48 * KiB, 1280 * KiB, 2 * MiB, 24 * MiB, "20|14|6|8|1900000000|1"},
-        {"sparse-48", "eight last-level caches", "AMD DRACHMA", "AMD Engineering Sample", "x86_64", "",
-         64 * KiB, 64 * KiB, 512 * KiB, 0, 8 * 5118 * KiB, "48|48|0|0|0|1"},
-        {"arm-128", "more CPUs than fit in one mask word; a processor known by its number", "Huawei XA320 V2",
-         "Kunpeng-920", "aarch64", "Linux 5.15.0-rc1-00005-g4c1b4a4d90b6-dirty", 64 * KiB, 64 * KiB,
-         512 * KiB, 0, 4 * 32 * MiB, "128|128|0|0|0|0"},
+         "HP EliteBook 840 14 inch G10 Notebook PC|13th Gen Intel(R) Core(TM) i7-1370P|x86_64|"
+         "Linux 6.1.0-13-amd64",
+         "20|14|6|8|1900000000|1", "32|48|1280|2048|24576"},
+        {"sparse-48", "eight last-level caches", "AMD DRACHMA|AMD Engineering Sample|x86_64|",
+         "48|48|0|0|0|1", "64|64|512|0|40944"},
+        {"arm-128", "more CPUs than fit in one mask word; a processor known by its number",
+         "Huawei XA320 V2|Kunpeng-920|aarch64|Linux 5.15.0-rc1-00005-g4c1b4a4d90b6-dirty", "128|128|0|0|0|0",
+         "64|64|512|0|131072"},
         {"one-offline-16", "an offline CPU is not counted; a board without a product name",
-         "TYAN Computer S4881", "Dual Core AMD Opteron(tm) Processor 865", "x86_64", "", 64 * KiB, 64 * KiB,
-         MiB, 0, 0, "15|15|0|0|0|0"},
-        {"arm-2", "no cache is described, no DMI", "ST-Ericsson MOP500 platform", "Cortex-A9", "armv7l", "",
-         0, 0, 0, 0, 0, "2|2|0|0|0|0"},
-        {"s390-20", "core numbers that repeat from book to book", "", "IBM/S390", "s390x", "", 0, 0, 0, 0, 0,
-         "20|20|0|0|0|0"},
+         "TYAN Computer S4881|Dual Core AMD Opteron(tm) Processor 865|x86_64|", "15|15|0|0|0|0",
+         "64|64|1024|0|0"},
+        {"arm-2", "no cache is described, no DMI", "ST-Ericsson MOP500 platform|Cortex-A9|armv7l|",
+         "2|2|0|0|0|0", "0|0|0|0|0"},
+        {"s390-20", "core numbers that repeat from book to book", "|IBM/S390|s390x|", "20|20|0|0|0|0",
+         "0|0|0|0|0"},
         {"four-sockets-40", "numbers interleaved over four packages; a clock only in the name",
-         "Dell PowerEdge R910", "Intel(R) Xeon(R) CPU E7- 4870 @ 2.40GHz", "x86_64", "", 32 * KiB, 32 * KiB,
-         256 * KiB, 0, 4 * 30 * MiB, "40|40|0|0|2400000000|1"},
-        {"arm64-server", "no list of CPUs that are online", "", "Neoverse-N1", "aarch64", "", 64 * KiB,
-         64 * KiB, MiB, 0, 32 * MiB, "1|1|0|0|0|0"},
+         "Dell PowerEdge R910|Intel(R) Xeon(R) CPU E7- 4870 @ 2.40GHz|x86_64|", "40|40|0|0|2400000000|1",
+         "32|32|256|0|122880"},
+        {"arm64-server", "no list of CPUs that are online", "|Neoverse-N1|aarch64|", "1|1|0|0|0|0",
+         "64|64|1024|0|32768"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.machine) + ": " + c.teaches);
+    for (const auto& [machine, teaches, texts, counts, caches] : cases) {
+        SCOPED_TRACE(machine + std::string(": ") + teaches);
         TempRoot root;
-        root.unpack("hardware/" + std::string(c.machine) + ".tree");
+        root.unpack("hardware/" + std::string(machine) + ".tree");
         const auto info = readHardwareInfo(root.root());
-        EXPECT_EQ(joined(info.model, info.cpuBrand, info.arch, info.kernel),
-                  joined(c.model, c.brand, c.arch, c.kernel));
+        EXPECT_EQ(joined(info.model, info.cpuBrand, info.arch, info.kernel), texts);
         EXPECT_EQ(
             joined(info.ncpu, info.physCpu, info.perfCores, info.effCores, info.baseClockHz, info.hvSupport),
-            c.counts);
-        EXPECT_EQ(joined(info.l1iCache, info.l1dCache, info.l2Cache, info.l2CacheE, info.l3Cache),
-                  joined(c.l1i, c.l1d, c.l2, c.l2e, c.l3));
+            counts);
+        EXPECT_EQ(joined(info.l1iCache / KiB, info.l1dCache / KiB, info.l2Cache / KiB, info.l2CacheE / KiB,
+                         info.l3Cache / KiB),
+                  caches);
         EXPECT_FALSE(info.vmPresent);
     }
 }
@@ -70,42 +69,32 @@ TEST(HardwareInfo, FirstCpuOfflineAndKindsNamedByTheirMonitors) {
 }
 
 TEST(CpuLayout, KindsOfCoresByWhatTheyCanDo) {
-    const struct {
-        const char* teaches;
-        std::vector<uint64_t> capacities, frequencies;
-        uint32_t performance, efficiency;
-    } cases[] = {
-        {"three tiers: only the lowest saves", {1024, 800, 800, 280, 280, 280}, {}, 3, 3},
-        {"little cores at half the power", {1024, 1024, 485, 485}, {}, 2, 2},
-        {"equal capacities", {1024, 1024}, {}, 0, 0},
-        {"favoured cores are no other kind", {}, {5200, 5200, 5000, 5000}, 0, 0},
-        {"frequencies, where no capacity is told", {}, {5000, 3900, 3900}, 1, 2},
-        {"capacity before frequency", {1024, 1024}, {5000, 2000}, 0, 0},
-        {"nothing", {}, {}, 0, 0},
-    };
-    for (const auto& c : cases) {
-        std::vector<LogicalCpu> cpus(std::max(c.capacities.size(), c.frequencies.size()));
+    using List = std::vector<uint64_t>;
+    const auto kinds = [](const List& capacities, const List& frequencies) {
+        std::vector<LogicalCpu> cpus(std::max(capacities.size(), frequencies.size()));
         for (size_t i = 0; i < cpus.size(); ++i) {
             cpus[i].core = std::to_string(i);
-            if (i < c.capacities.size()) cpus[i].capacity = c.capacities[i];
-            if (i < c.frequencies.size()) cpus[i].maxFreqKHz = c.frequencies[i];
+            if (i < capacities.size()) cpus[i].capacity = capacities[i];
+            if (i < frequencies.size()) cpus[i].maxFreqKHz = frequencies[i];
         }
         const auto layout = deriveCpuLayout(cpus);
-        EXPECT_EQ(joined(layout.performance, layout.efficiency), joined(c.performance, c.efficiency))
-            << c.teaches;
-    }
+        return joined(layout.performance, layout.efficiency);
+    };
+    EXPECT_EQ(kinds({1024, 800, 800, 280, 280, 280}, {}), "3|3") << "three tiers: only the lowest saves";
+    EXPECT_EQ(kinds({1024, 1024, 485, 485}, {}), "2|2") << "little cores at half the power";
+    EXPECT_EQ(kinds({1024, 1024}, {}), "0|0");
+    EXPECT_EQ(kinds({}, {5200, 5200, 5000, 5000}), "0|0") << "favoured cores are no other kind";
+    EXPECT_EQ(kinds({}, {5000, 3900, 3900}), "1|2") << "frequencies, where no capacity is told";
+    EXPECT_EQ(kinds({1024, 1024}, {5000, 2000}), "0|0") << "capacity before frequency";
+    EXPECT_EQ(kinds({}, {}), "0|0");
 }
 
 TEST(CpuList, AnyText) {
-    const std::pair<const char*, std::vector<uint32_t>> lists[] = {
-        {"0-2,5,7-8", {0, 1, 2, 5, 7, 8}},
-        {" 3 ", {3}},
-        {"", {}},
-        {"5-3", {}},
-        {"1,x,2", {1}},
-        {"0-4000000000", {}}, // must not fill the memory
-    };
-    for (const auto& [text, cpus] : lists) EXPECT_EQ(parseCpuList(text), cpus) << text;
+    using List = std::vector<uint32_t>;
+    EXPECT_EQ(parseCpuList("0-2,5,7-8"), (List{0, 1, 2, 5, 7, 8}));
+    EXPECT_EQ(parseCpuList(" 3 "), List{3});
+    EXPECT_EQ(parseCpuList("1,x,2"), List{1});
+    for (const char* none : {"", "5-3", "0-4000000000"}) EXPECT_EQ(parseCpuList(none), List{}) << none;
     EXPECT_EQ(parseCacheSize("32M"), 32 * MiB);
     EXPECT_EQ(parseCacheSize("K"), std::nullopt);
     EXPECT_EQ(parseCacheSize("unknown"), std::nullopt);
@@ -133,23 +122,20 @@ TEST(MachineModel, FieldsThatNobodyFilled) {
 }
 
 TEST(VirtualMachine, IsRecognised) {
-    const struct {
-        const char *teaches, *file, *content;
-        bool isVirtual;
-    } cases[] = {
-        {"the processor says so", "proc/cpuinfo", "flags\t\t: fpu vmx hypervisor\n", true},
-        {"a real one", "proc/cpuinfo", "flags\t\t: fpu vmx\n", false},
-        {"by its maker", "sys/class/dmi/id/sys_vendor", "QEMU\n", true},
-        {"by its product", "sys/class/dmi/id/product_name", "Virtual Machine\n", true},
-        {"a rented real machine", "sys/class/dmi/id/product_name", "m5.metal\n", false},
-        {"a guest of Xen", "sys/hypervisor/type", "xen\n", true},
-        {"its device tree", "proc/device-tree/hypervisor/compatible", "linux,kvm", true},
-        {"a mainframe's guest", "proc/sysinfo", "VM00 Control Program: z/VM 6.1\n", true},
+    const char* const cases[][4] = {
+        {"1", "the processor says so", "proc/cpuinfo", "flags\t\t: fpu vmx hypervisor\n"},
+        {"0", "a real one", "proc/cpuinfo", "flags\t\t: fpu vmx\n"},
+        {"1", "by its maker", "sys/class/dmi/id/sys_vendor", "QEMU\n"},
+        {"1", "by its product", "sys/class/dmi/id/product_name", "Virtual Machine\n"},
+        {"0", "a rented real machine", "sys/class/dmi/id/product_name", "m5.metal\n"},
+        {"1", "a guest of Xen", "sys/hypervisor/type", "xen\n"},
+        {"1", "its device tree", "proc/device-tree/hypervisor/compatible", "linux,kvm"},
+        {"1", "a mainframe's guest", "proc/sysinfo", "VM00 Control Program: z/VM 6.1\n"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [isVirtual, teaches, file, content] : cases) {
         TempRoot root;
-        root.write(c.file, c.content);
-        EXPECT_EQ(identifyMachine(root.root()).virtualMachine, c.isVirtual) << c.teaches;
+        root.write(file, content);
+        EXPECT_EQ(joined(identifyMachine(root.root()).virtualMachine), isVirtual) << teaches;
     }
     TempRoot dom0;
     dom0.write("sys/hypervisor/type", "xen\n").write("proc/xen/capabilities", "control_d\n");

@@ -1,6 +1,6 @@
 // The interface listing: texts, what is left out, captured machines, and the kernel itself.
 #include "core/InterfaceList.h"
-#include "OwnNetwork.h"
+#include "NetlinkSupport.h"
 #include "core/linux/AddressSocket.h"
 #include "core/linux/LinkMedia.h"
 #include "support/Joined.h"
@@ -61,9 +61,8 @@ TEST(Interface, AddressesInTheirOrder) {
                         address(AF_INET, "192.168.7.9", 23)};
     source.addresses.back().broadcast = {192, 168, 7, 255};
     const auto described = describeInterface(source);
-    EXPECT_EQ(described.addrs, (std::vector<std::string>{"192.168.7.9", "10.0.0.1", "2001:db8::5"}));
-    EXPECT_EQ(described.netmask, "255.255.254.0");
-    EXPECT_EQ(described.broadcast, "192.168.7.255");
+    EXPECT_EQ(joinedEach(described.addrs, std::identity{}), "192.168.7.9 10.0.0.1 2001:db8::5 ");
+    EXPECT_EQ(joined(described.netmask, described.broadcast), "255.255.254.0|192.168.7.255");
     source.flags = platform::linkPointToPoint;
     EXPECT_EQ(describeInterface(source).broadcast, "");
 
@@ -126,11 +125,9 @@ TEST(AddressMessages, OwnAndPeerAndRubbish) {
 /// "eth0|1000baseT full-duplex|1000|01:01:01:01:01:01|10.0.0.1 |up" of each.
 std::string shown(const std::vector<NetInterface>& list) {
     std::string text;
-    for (const auto& one : list) {
-        std::string addresses;
-        for (const auto& address : one.addrs) addresses += address + ' ';
-        text += joined(one.name, one.media, one.linkSpeedMbps, one.mac, addresses, one.up ? "up\n" : "\n");
-    }
+    for (const auto& one : list)
+        text += joined(one.name, one.media, one.linkSpeedMbps, one.mac,
+                       joinedEach(one.addrs, std::identity{}), one.up ? "up\n" : "\n");
     return text;
 }
 

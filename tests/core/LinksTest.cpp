@@ -1,5 +1,5 @@
 // Network links: the kernel's messages, what counts as hardware, the kernel itself, and the traffic.
-#include "OwnNetwork.h"
+#include "NetlinkSupport.h"
 #include "core/InterfaceTotals.h"
 #include "core/NetSampler.h"
 #include "core/linux/Files.h"
@@ -11,8 +11,8 @@
 #include "support/Joined.h"
 #include "support/TempRoot.h"
 
-#include <algorithm>
 #include <arpa/inet.h>
+#include <array>
 #include <net/if_arp.h>
 
 namespace {
@@ -151,23 +151,20 @@ TEST(NetDev, LinesOfTheTable) {
                                    "  eth0:5000000000 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\n"
                                    "eth0:1: 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16\n"
                                    "short: 1 2 3\nwords: a b c d e f g h i j k l m n o p\n: 1 2\n\n");
-    std::string seen;
-    for (const auto& line : lines)
-        seen += joined(line.name, line.rxBytes, line.txBytes, line.collisions) + ' ';
-    EXPECT_EQ(seen, "eth0|5000000000|9|14 eth0:1|1|9|14 ");
+    EXPECT_EQ(joinedEach(lines, &NetDevLine::name, &NetDevLine::rxBytes, &NetDevLine::txBytes,
+                         &NetDevLine::collisions),
+              "eth0|5000000000|9|14 eth0:1|1|9|14 ");
 }
 
 TEST(CapturedLinks, OnlyThePortOfAContainerHostCounts) {
     const auto readers = openReaders(SystemRoot(QUARN_FIXTURES "/hosts/one-editor"));
     std::vector<Link> links;
     ASSERT_TRUE(listLinks(*readers, links));
-    std::string counted;
-    for (const auto& link : links)
-        if (countsInterface(link.name, link.flags, link.type))
-            counted += link.name + ' ' + std::to_string(link.rxBytes) + ' ' + std::to_string(link.txPackets);
-    EXPECT_EQ(counted, "eth0 874354587 732147");
-    ASSERT_EQ(links.size(), 4u);
-    EXPECT_EQ(links[1].flags & linkLoopback, unsigned{linkLoopback}) << "known by its name";
+    const auto counts = [](const Link& link) { return countsInterface(link.name, link.flags, link.type); };
+    const auto loopback = [](const Link& link) { return (link.flags & linkLoopback) != 0; }; // by its name
+    EXPECT_EQ(
+        joinedEach(links, &Link::name, counts, loopback, &Link::rxBytes, &Link::txPackets),
+        "vethf345468|0|0|648|5 lo|0|1|1664039048|1566805 docker0|0|0|2568|5 eth0|1|0|874354587|732147 ");
 }
 
 uint64_t loopbackBytes(LinkSocket& socket) {
@@ -193,9 +190,7 @@ TEST(LinkSocket, AgreesWithTheTableThatTheKernelPrints) {
 std::string namesIn(LinkSocket& socket) {
     EXPECT_TRUE(socket.read());
     EXPECT_EQ(socket.counters().size(), socket.identities().size());
-    std::string names;
-    for (const auto& identity : socket.identities()) names += identity.name + ' ' + identity.kind + ' ';
-    return names;
+    return joinedEach(socket.identities(), &LinkIdentity::name, &LinkIdentity::kind);
 }
 
 TEST(LinkSocket, FollowsLinksThatChange) {
@@ -207,14 +202,14 @@ TEST(LinkSocket, FollowsLinksThatChange) {
         EXPECT_EQ(socket.revision(), revision) << "names are not asked again without need";
 
         if (!addBridge("quarn0")) GTEST_SKIP() << "this kernel makes no bridges";
-        EXPECT_EQ(namesIn(socket), atFirst + "quarn0 bridge ");
+        EXPECT_EQ(namesIn(socket), atFirst + "quarn0|bridge ");
         EXPECT_GT(socket.revision(), revision);
 
         ifinfomsg link{};
         link.ifi_index = static_cast<int>(socket.identities().back().index);
         const auto name = attribute(IFLA_IFNAME, std::string("other0") + '\0');
         ASSERT_TRUE(changeNetwork(RTM_NEWLINK, 0, bytesOf(link) + name));
-        EXPECT_EQ(namesIn(socket), atFirst + "other0 bridge ");
+        EXPECT_EQ(namesIn(socket), atFirst + "other0|bridge ");
         ASSERT_TRUE(changeNetwork(RTM_DELLINK, 0, bytesOf(link)));
         EXPECT_EQ(namesIn(socket), atFirst);
     });
@@ -240,30 +235,26 @@ TEST(LinkSocket, CountsEveryByte) {
     });
 }
 
-constexpr uint64_t second = 1'000'000'000;
-
 TEST(InterfaceTotals, IncrementsOfOneInterface) {
-    using Counters = std::vector<uint64_t>; ///< bytes received and sent, packets received and sent
-    const auto added = [](const Counters& before, const Counters& after) {
+    // Bytes received and sent, packets received and sent.
+    const auto added = [](const std::array<uint64_t, 4>& before, const std::array<uint64_t, 4>& after) {
         InterfaceTotals totals;
-        const auto add = [&](const Counters& counted) {
-            const auto [rx, tx, rxPackets, txPackets] =
-                totals.add({{2, "en0", counted[0], counted[1], counted[2], counted[3]}});
-            return Counters{rx, tx, rxPackets, txPackets};
+        const auto add = [&](const std::array<uint64_t, 4>& now) {
+            return totals.add({{2, "en0", now[0], now[1], now[2], now[3]}});
         };
-        EXPECT_EQ(add(before), before) << "the totals start at the counters";
-        auto end = add(after);
-        for (size_t i = 0; i < end.size(); ++i) end[i] -= before[i];
-        return end;
+        const auto [rx, tx, rxPackets, txPackets] = add(before);
+        EXPECT_EQ(rx, before[0]) << "the totals start at the counters";
+        const auto end = add(after);
+        return joined(end.rxBytes - rx, end.txBytes - tx, end.rxPackets - rxPackets,
+                      end.txPackets - txPackets);
     };
     constexpr uint64_t below = 4'294'967'000, past = 5'000'000'000; // four GiB
-    EXPECT_EQ(added({100, 200, 3, 4}, {150, 260, 5, 5}), (Counters{50, 60, 2, 1}));
-    EXPECT_EQ(added({below, 0, 0, 0}, {500, 0, 0, 0}), (Counters{796, 0, 0, 0}))
-        << "a 32-bit counter wrapped";
-    EXPECT_EQ(added({past, 0, 9, 0}, {500, 0, 9, 0}), (Counters{0, 0, 0, 0})) << "64 bits never wrap";
-    EXPECT_EQ(added({below, 7, 10, 7}, {500, 9, 4, 9}), (Counters{500, 9, 4, 9})) << "the driver counts anew";
-    EXPECT_EQ(added({7, past, 7, 10}, {9, 500, 9, 4}), (Counters{9, 500, 9, 4})) << "the same when sending";
-    EXPECT_EQ(added({8, past, 8, 10}, {9, 500, 9, 10}), (Counters{1, 0, 1, 0})) << "only bytes fell";
+    EXPECT_EQ(added({100, 200, 3, 4}, {150, 260, 5, 5}), "50|60|2|1");
+    EXPECT_EQ(added({below, 0, 0, 0}, {500, 0, 0, 0}), "796|0|0|0") << "a 32-bit counter wrapped";
+    EXPECT_EQ(added({past, 0, 9, 0}, {500, 0, 9, 0}), "0|0|0|0") << "64 bits never wrap";
+    EXPECT_EQ(added({below, 7, 10, 7}, {500, 9, 4, 9}), "500|9|4|9") << "the driver counts anew";
+    EXPECT_EQ(added({7, past, 7, 10}, {9, 500, 9, 4}), "9|500|9|4") << "the same when sending";
+    EXPECT_EQ(added({8, past, 8, 10}, {9, 500, 9, 10}), "1|0|1|0") << "only bytes fell";
 }
 
 TEST(InterfaceTotals, InterfacesThatComeAndGo) {
@@ -299,21 +290,19 @@ TEST(NetSampler, RatesOverTheTimeBetweenSamples) {
         return std::vector{counted, tunnel};
     };
     NetSampler sampler;
-    const SCNet first = sampler.advance(links(1000, 50), 5 * second);
-    EXPECT_EQ(first.rxBytes, 1000u);
-    EXPECT_EQ(first.rxRate, 0);
-    const SCNet later = sampler.advance(links(3000, 50), 5 * second + second / 2);
-    EXPECT_EQ(later.rxBytes, 3000u);
-    EXPECT_DOUBLE_EQ(later.rxRate, 4000);
-    EXPECT_DOUBLE_EQ(later.rxPacketRate, 400);
-    EXPECT_EQ(later.txRate, 0);
-    EXPECT_EQ(sampler.advance(links(9000, 50), 5 * second).rxRate, 0) << "time did not go on";
+    const auto shown = [&](uint64_t rx, uint64_t ms) {
+        const SCNet net = sampler.advance(links(rx, 50), ms * 1'000'000);
+        return joined(net.rxBytes, net.rxRate, net.rxPacketRate, net.txRate);
+    };
+    EXPECT_EQ(shown(1000, 5000), "1000|0|0|0");
+    EXPECT_EQ(shown(3000, 5500), "3000|4000|400|0");
+    EXPECT_EQ(shown(9000, 5000), "9000|0|0|0") << "time did not go on";
 }
 
 TEST(NetSampler, AFailedListingRepeatsTheLastSample) {
     NetSampler sampler;
-    sampler.advance({{2, "en0", 0, linkTypeEthernet, 0, 0, 0, 0}}, second);
-    const SCNet last = sampler.advance({{2, "en0", 0, linkTypeEthernet, 700, 0, 7, 0}}, 2 * second);
+    sampler.advance({{2, "en0", 0, linkTypeEthernet, 0, 0, 0, 0}}, 1'000'000'000);
+    const SCNet last = sampler.advance({{2, "en0", 0, linkTypeEthernet, 700, 0, 7, 0}}, 2'000'000'000);
     const auto nowhere = openReaders(SystemRoot("/nonexistent"));
     EXPECT_EQ(sampler.sample(*nowhere).rxRate, last.rxRate);
     EXPECT_EQ(sampler.sample(*nowhere).rxBytes, 700u);

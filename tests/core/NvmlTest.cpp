@@ -9,7 +9,7 @@
 namespace {
 
 using namespace sysinfo::platform;
-using quarn::testing::joined;
+using quarn::testing::joinedEach;
 using namespace std::chrono_literals;
 
 TEST(Nvml, ReadsThroughALibraryLoadedAtRunTime) {
@@ -20,15 +20,12 @@ TEST(Nvml, ReadsThroughALibraryLoadedAtRunTime) {
         const auto nvml = Nvml::open(FAKE_NVML);
         ASSERT_TRUE(nvml);
         EXPECT_EQ(sessions(), 1);
-        const auto gpus = nvml->read();
-        std::string seen;
-        for (const auto& gpu : gpus)
-            seen += joined(gpu.slot, gpu.name, gpu.cores, gpu.busyPercent, gpu.memUsed, gpu.memTotal,
-                           gpu.energyMillijoules, gpu.watts) +
-                    '\n';
         // One GPU fell off the bus; one measures next to nothing; the library does not know of watts.
-        EXPECT_EQ(seen, "0000:17:00.0|NVIDIA T4|2560|37|4294967296|17179869184|1500|-\n"
-                        "0000:b1:00.0|NVIDIA A30|0|-|-|-|-|-\n");
+        using Gpu = NvidiaReading;
+        EXPECT_EQ(joinedEach(nvml->read(), &Gpu::slot, &Gpu::name, &Gpu::cores, &Gpu::busyPercent,
+                             &Gpu::memUsed, &Gpu::memTotal, &Gpu::energyMillijoules, &Gpu::watts),
+                  "0000:17:00.0|NVIDIA T4|2560|37|4294967296|17179869184|1500|- "
+                  "0000:b1:00.0|NVIDIA A30|0|-|-|-|-|- ");
     }
     EXPECT_EQ(sessions(), 0) << "an open session keeps every GPU awake";
     EXPECT_EQ(slotOfBusId("00010000:01:00.0"), "10000:01:00.0") << "many domains";
@@ -38,27 +35,23 @@ TEST(Nvml, ReadsThroughALibraryLoadedAtRunTime) {
 }
 
 TEST(NvidiaGate, LetsIdleGpusSleep) {
-    const struct {
-        double second;
-        bool isAsleep, mayOpen, isBusy;
-        const char* teaches;
-    } steps[] = {
-        {0, true, false, false, "asleep"},
-        {1, false, true, true, "at work"},
-        {10, false, true, false, "at rest since then"},
-        {15, false, true, false, "for less than six seconds"},
-        {16, false, false, false, "for six seconds"},
-        {35, false, false, false, "left alone, so that it can fall asleep"},
-        {36, false, true, false, "another program keeps it awake"},
-        {43, false, false, false, "at rest again"},
-        {44, true, false, false, "asleep at last"},
-        {46, false, true, false, "woken by somebody who has work for it"},
-    };
     NvidiaGate gate;
-    for (const auto& step : steps) {
-        EXPECT_EQ(gate.mayOpen(step.second, {step.isAsleep, true}), step.mayOpen) << step.teaches;
-        if (step.mayOpen) gate.saw(step.second, step.isBusy);
-    }
+    enum Use { sleeps, rests, works };
+    const auto mayOpen = [&](double second, Use use) {
+        const bool may = gate.mayOpen(second, {use == sleeps, true});
+        if (may) gate.saw(second, use == works);
+        return may;
+    };
+    EXPECT_FALSE(mayOpen(0, sleeps));
+    EXPECT_TRUE(mayOpen(1, works));
+    EXPECT_TRUE(mayOpen(10, rests)) << "since when it is not known";
+    EXPECT_TRUE(mayOpen(15, rests));
+    EXPECT_FALSE(mayOpen(16, rests)) << "for six seconds";
+    EXPECT_FALSE(mayOpen(35, rests)) << "left alone, so that it can fall asleep";
+    EXPECT_TRUE(mayOpen(36, rests)) << "another program keeps it awake";
+    EXPECT_FALSE(mayOpen(43, rests));
+    EXPECT_FALSE(mayOpen(44, sleeps));
+    EXPECT_TRUE(mayOpen(46, rests)) << "woken by somebody who has work for it";
     NvidiaGate open;
     for (double now = 0; now < 100; now += 2) {
         EXPECT_TRUE(open.mayOpen(now, {false, false})) << "nothing here can sleep";

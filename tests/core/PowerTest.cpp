@@ -155,15 +155,13 @@ struct Zones : TempRoot {
     }
     static std::string path(const std::string& id) { return "sys/class/powercap/" + id; }
 
-    /// What was gained since the call before, "CPU Energy 500 GPU 20 ", in microjoules.
+    /// What was gained since the call before, "CPU Energy|500 GPU|20 ", in microjoules.
     std::string gainedAt(double second) {
         if (!powercap) powercap.emplace(root());
         EnergySample now;
         powercap->sample(static_cast<uint64_t>(second * 1e9), now);
-        std::string text;
-        for (const auto& channel : energyBetween(std::exchange(last, now), now))
-            text += channel.name + ' ' + std::to_string(channel.energy) + ' ';
-        return text;
+        return joinedEach(energyBetween(std::exchange(last, now), now), &EnergyChannel::name,
+                          &EnergyChannel::energy);
     }
     std::optional<Powercap> powercap;
     EnergySample last;
@@ -174,9 +172,7 @@ TEST(Powercap, CapturedMachines) {
         Powercap powercap(SystemRoot(QUARN_FIXTURES "/power/" + std::string(machine)));
         EnergySample sample;
         powercap.sample(1, sample);
-        std::string names;
-        for (const auto& channel : sample) names += channel.name + ' ';
-        return names;
+        return joinedEach(sample, &EnergyChannel::name);
     };
     EXPECT_EQ(channels("two-packages"), "CPU Energy CPU Energy ") << "one of a letter; \"core\" is a part";
     EXPECT_EQ(channels("package-and-core"), "CPU Energy ");
@@ -198,7 +194,7 @@ TEST(Powercap, NoEnergyIsCountedTwice) {
     for (const auto& zone : zones) machine.zone(zone.id, zone.name, zone.before);
     machine.gainedAt(0);
     for (const auto& zone : zones) machine.set(zone.id, std::to_string(zone.after));
-    EXPECT_EQ(machine.gainedAt(1), "GPU 3000000 CPU Energy 7000000 DRAM 2000000 ")
+    EXPECT_EQ(machine.gainedAt(1), "GPU|3000000 CPU Energy|7000000 DRAM|2000000 ")
         << "the package less the GPU on it";
 }
 
@@ -206,7 +202,7 @@ TEST(Powercap, AWrapGoesUnnoticed) {
     Zones machine;
     machine.zone("intel-rapl:0", "package-0", 65'532'000'000, 65'532'610'987).gainedAt(0);
     machine.set("intel-rapl:0", "39389013");
-    EXPECT_EQ(machine.gainedAt(2), "CPU Energy 40000000 ");
+    EXPECT_EQ(machine.gainedAt(2), "CPU Energy|40000000 ");
 }
 
 TEST(Powercap, WhatMayNotBeReadIsAbsent) {
@@ -216,7 +212,7 @@ TEST(Powercap, WhatMayNotBeReadIsAbsent) {
     machine.deny("intel-rapl:0:0").deny("intel-rapl:1").gainedAt(0);
     EXPECT_EQ(machine.last.size(), 1u) << "neither a denied counter nor an empty one is 0";
     machine.set("intel-rapl:0", "3000000");
-    EXPECT_EQ(machine.gainedAt(1), "CPU Energy 2000000 ") << "with the GPU, which cannot be told apart";
+    EXPECT_EQ(machine.gainedAt(1), "CPU Energy|2000000 ") << "with the GPU, which cannot be told apart";
 
     auto ordinary = openEnergySource(machine.deny("intel-rapl:0").deny("intel-rapl:2").root());
     EXPECT_TRUE(ordinary->sample()) << "counters are there";
@@ -231,7 +227,7 @@ TEST(Powercap, ZonesThatVanishAndReturn) {
     EXPECT_EQ(machine.gainedAt(1), "");
     EXPECT_TRUE(machine.last.empty());
     EXPECT_EQ(machine.zone("intel-rapl:0", "package-0", 200'000).gainedAt(2), "");
-    EXPECT_EQ(machine.set("intel-rapl:0", "1200000").gainedAt(3), "CPU Energy 1000000 ");
+    EXPECT_EQ(machine.set("intel-rapl:0", "1200000").gainedAt(3), "CPU Energy|1000000 ");
 }
 
 TEST(Powercap, TheDifferenceOfTwoCountersNeverFalls) {
@@ -239,7 +235,7 @@ TEST(Powercap, TheDifferenceOfTwoCountersNeverFalls) {
     machine.zone("intel-rapl:0", "package-0", 1000).zone("intel-rapl:0:0", "uncore", 1000).gainedAt(0);
     machine.set("intel-rapl:0", "3000").set("intel-rapl:0:0", "2000").gainedAt(1);
     machine.set("intel-rapl:0:0", "2500"); // read a moment later than its package
-    EXPECT_EQ(machine.gainedAt(2), "GPU 500 CPU Energy 0 ");
+    EXPECT_EQ(machine.gainedAt(2), "GPU|500 CPU Energy|0 ");
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 // Captured machines and what each of them teaches, sources other than chips, and the keys that sensors get.
 #include "SensorSupport.h"
-#include "SupplyText.h"
 #include "core/SMCDecode.h"
 #include "core/SMCProtocol.h"
 #include "core/linux/SensorHwmon.h"
@@ -158,30 +157,6 @@ TEST(AppleKeys, AnOrdinaryUserGetsTheHwmonFolder) {
     SensorMachine machine(files.root.root());
     EXPECT_EQ(machine.temperatures(), (Readings{{"TC0P", 61}})) << "under the controller's own key";
     EXPECT_EQ(machine.of('F'), (Readings{{"F0Ac", 1800}}));
-}
-
-TEST(SensorSupply, WhatTheMachineDraws) {
-    const std::string all = "type=Battery;status=Discharging;power_now=12000000;voltage_now=11500000;"
-                            "current_now=900000";
-    const auto battery = supply(all), signedPower = supply("power_now=-12000000;" + all),
-               byCurrent = supply("power_now=0;current_now=-1000000;" + all),
-               silent = supply("power_now=;current_now=;" + all), charging = supply("status=Charging;" + all),
-               mouse = supply("scope=Device;" + all), unplugged = supply("type=Mains;online=0"),
-               plugged = supply("type=Mains;online=1"),
-               usb = supply("type=USB;online=1;voltage_now=20000000;current_now=2250000");
-    const auto watts = [](const std::vector<PowerSupply>& supplies) {
-        return joined(batteryDraw(supplies), adapterInput(supplies));
-    };
-    EXPECT_EQ(watts({battery, unplugged}), "12|-");
-    EXPECT_EQ(watts({signedPower}), "12|-");
-    EXPECT_EQ(watts({byCurrent}), "11.5|-") << "power 0 beside a current";
-    EXPECT_EQ(watts({battery, byCurrent}), "23.5|-");
-    EXPECT_EQ(watts({silent}), "-|-") << "neither power nor current";
-    EXPECT_EQ(watts({charging}), "-|-");
-    EXPECT_EQ(watts({battery, plugged}), "-|-") << "discharging beside a weak adapter";
-    EXPECT_EQ(watts({charging, usb}), "-|45") << "an adapter that tells";
-    EXPECT_EQ(watts({mouse}), "-|-");
-    EXPECT_EQ(watts({}), "-|-");
 }
 
 TEST(SensorSupply, PlatformEnergyOverTime) {

@@ -25,12 +25,12 @@ inline Readings asMap(const SCSensor* sensors, int count) {
 /// The sensors of a machine under a folder, with a clock that a test drives.
 class SensorMachine {
 public:
+    using Write = decltype(sysinfo::platform::SensorIo::write);
     using Read = std::function<long(sysinfo::platform::KeptAttribute&, std::span<char>)>;
     /// Given each reading, and how to do it for real.
     using Hook = std::function<long(sysinfo::platform::KeptAttribute&, std::span<char>, const Read&)>;
 
-    explicit SensorMachine(const sysinfo::SystemRoot& root, Hook hook = {},
-                           decltype(sysinfo::platform::SensorIo::write) write = {})
+    explicit SensorMachine(const sysinfo::SystemRoot& root, Hook hook = {}, Write write = {})
         : parts_(std::make_unique<Parts>(connect(root, std::move(hook), std::move(write)))) {}
 
     Readings temperatures() {
@@ -63,15 +63,10 @@ private:
         sysinfo::SMCSensors sensors;
     };
 
-    std::unique_ptr<sysinfo::SMCConnection> connect(const sysinfo::SystemRoot& root, Hook hook,
-                                                    decltype(sysinfo::platform::SensorIo::write) write) {
+    std::unique_ptr<sysinfo::SMCConnection> connect(const sysinfo::SystemRoot& root, Hook hook, Write write) {
         auto io = sysinfo::platform::SensorIo::forRoot(root);
         io.nowNs = [clock = now] { return clock->load(); };
-        if (hook) {
-            io.read = [hook, real = io.read](auto& attribute, auto buffer) {
-                return hook(attribute, buffer, real);
-            };
-        }
+        if (hook) io.read = [hook, real = io.read](auto& at, auto buffer) { return hook(at, buffer, real); };
         io.write = std::move(write);
         return std::make_unique<sysinfo::platform::SensorConnection>(root, std::move(io));
     }

@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <fstream>
 #include <map>
+#include <netdb.h>
 #include <sys/socket.h>
 
 namespace {
@@ -19,45 +20,35 @@ using namespace sysinfo;
 using namespace quarn::testing;
 using scutil::UniqueFd;
 
-union Address {
-    sockaddr plain;
-    sockaddr_in v4;
-    sockaddr_in6 v6;
-};
-
-Address address(const std::string& host, uint16_t port = 0) {
-    Address result{};
-    const bool isIPv6 = host.find(':') != std::string::npos;
-    result.plain.sa_family = isIPv6 ? AF_INET6 : AF_INET;
-    (isIPv6 ? result.v6.sin6_port : result.v4.sin_port) = htons(port);
-    void* bytes = isIPv6 ? static_cast<void*>(&result.v6.sin6_addr) : &result.v4.sin_addr;
-    EXPECT_EQ(::inet_pton(result.plain.sa_family, host.c_str(), bytes), 1);
-    return result;
+/// A socket after `use`, bind or connect, on an address.
+UniqueFd opened(int type, const char* host, uint16_t port, int (*use)(int, const sockaddr*, socklen_t)) {
+    addrinfo hints{}, *found = nullptr;
+    hints.ai_flags = AI_NUMERICHOST;
+    hints.ai_socktype = type;
+    EXPECT_EQ(::getaddrinfo(host, std::to_string(port).c_str(), &hints, &found), 0) << host;
+    UniqueFd socket(::socket(found->ai_family, type | SOCK_CLOEXEC, 0));
+    const int no = 0;
+    ::setsockopt(socket.get(), IPPROTO_IPV6, IPV6_V6ONLY, &no, sizeof no);
+    EXPECT_EQ(use(socket.get(), found->ai_addr, found->ai_addrlen), 0) << std::strerror(errno);
+    ::freeaddrinfo(found);
+    return socket;
 }
-
-socklen_t size(const Address& a) { return a.plain.sa_family == AF_INET ? sizeof a.v4 : sizeof a.v6; }
 
 uint16_t portOf(const UniqueFd& socket) {
-    Address own{};
+    sockaddr_in6 own{}; // whose port lies where that of IPv4 does
     socklen_t length = sizeof own;
-    ::getsockname(socket.get(), &own.plain, &length);
-    return ntohs(own.plain.sa_family == AF_INET ? own.v4.sin_port : own.v6.sin6_port);
+    ::getsockname(socket.get(), reinterpret_cast<sockaddr*>(&own), &length);
+    return ntohs(own.sin6_port);
 }
 
-UniqueFd bound(int type, const Address& to, bool onlyIPv6 = false) {
-    UniqueFd socket(::socket(to.plain.sa_family, type | SOCK_CLOEXEC, 0));
-    const int value = onlyIPv6;
-    if (to.plain.sa_family == AF_INET6)
-        ::setsockopt(socket.get(), IPPROTO_IPV6, IPV6_V6ONLY, &value, sizeof value);
-    EXPECT_EQ(::bind(socket.get(), &to.plain, size(to)), 0) << std::strerror(errno);
+UniqueFd bound(int type, const char* host) {
+    UniqueFd socket = opened(type, host, 0, ::bind);
     if (type == SOCK_STREAM) ::listen(socket.get(), 4);
     return socket;
 }
 
-UniqueFd connected(int type, const Address& to) {
-    UniqueFd socket(::socket(to.plain.sa_family, type | SOCK_CLOEXEC, 0));
-    EXPECT_EQ(::connect(socket.get(), &to.plain, size(to)), 0) << std::strerror(errno);
-    return socket;
+UniqueFd connected(int type, const char* host, const UniqueFd& to) {
+    return opened(type, host, portOf(to), ::connect);
 }
 
 UniqueFd accepted(const UniqueFd& listening) {
@@ -81,11 +72,11 @@ const std::string ofThisProcess = " of " + std::to_string(::getpid()) + " core_t
 bool hasIPv6() { return bool(std::ifstream("/proc/net/if_inet6").get() != EOF); }
 
 TEST(SocketList, ShowsEachKindOfSocketAsItIs) {
-    const auto any = bound(SOCK_STREAM, address("0.0.0.0"));
-    const auto client = connected(SOCK_STREAM, address("127.0.0.1", portOf(any)));
+    const auto any = bound(SOCK_STREAM, "0.0.0.0");
+    const auto client = connected(SOCK_STREAM, "127.0.0.1", any);
     const auto server = accepted(any);
-    const auto udp = bound(SOCK_DGRAM, address("127.0.0.1"));
-    const auto udpClient = connected(SOCK_DGRAM, address("127.0.0.1", portOf(udp)));
+    const auto udp = bound(SOCK_DGRAM, "127.0.0.1");
+    const auto udpClient = connected(SOCK_DGRAM, "127.0.0.1", udp);
 
     uint32_t count = 99;
     SCSocket* flat = sc_read_sockets(&count);
@@ -107,11 +98,11 @@ TEST(SocketList, ShowsEachKindOfSocketAsItIs) {
 
 TEST(SocketList, ShowsIPv4TextsWhereADualStackSocketSpeaksIPv4) {
     if (!hasIPv6()) GTEST_SKIP() << "this kernel has no IPv6";
-    const auto dual = bound(SOCK_STREAM, address("::"));
-    const auto only = bound(SOCK_STREAM, address("::1"), true);
-    const auto v4Client = connected(SOCK_STREAM, address("::ffff:127.0.0.1", portOf(dual)));
+    const auto dual = bound(SOCK_STREAM, "::");
+    const auto only = bound(SOCK_STREAM, "::1");
+    const auto v4Client = connected(SOCK_STREAM, "::ffff:127.0.0.1", dual);
     const auto fromV4 = accepted(dual);
-    const auto v6Client = connected(SOCK_STREAM, address("::1", portOf(only)));
+    const auto v6Client = connected(SOCK_STREAM, "::1", only);
     const auto fromV6 = accepted(only);
 
     const auto all = listed();
@@ -123,7 +114,7 @@ TEST(SocketList, ShowsIPv4TextsWhereADualStackSocketSpeaksIPv4) {
 }
 
 TEST(SocketList, ListsAnInheritedSocketOnceUnderTheLowestPid) {
-    const auto shared = bound(SOCK_STREAM, address("127.0.0.1"));
+    const auto shared = bound(SOCK_STREAM, "127.0.0.1");
     const UniqueFd twice(::dup(shared.get()));
     const Child child;
     const auto found = ofPort(listed(), portOf(shared));
@@ -132,8 +123,8 @@ TEST(SocketList, ListsAnInheritedSocketOnceUnderTheLowestPid) {
 }
 
 TEST(SocketList, ShowsSocketsThatNoProcessHoldsOnlyOnRequest) {
-    const auto listening = bound(SOCK_STREAM, address("127.0.0.1"));
-    auto client = connected(SOCK_STREAM, address("127.0.0.1", portOf(listening)));
+    const auto listening = bound(SOCK_STREAM, "127.0.0.1");
+    auto client = connected(SOCK_STREAM, "127.0.0.1", listening);
     const auto server = accepted(listening);
     const uint16_t port = portOf(client);
     const std::string orphan = "TCP4 " + between(client, listening),
@@ -152,7 +143,7 @@ TEST(SocketList, ShowsSocketsThatNoProcessHoldsOnlyOnRequest) {
 /// A child that opens and closes a listening socket and changes its name on command.
 void obey(char letter) {
     static UniqueFd socket;
-    if (letter == 'o') socket = bound(SOCK_STREAM, address("127.0.0.9"));
+    if (letter == 'o') socket = bound(SOCK_STREAM, "127.0.0.9");
     if (letter == 'c') socket.reset();
     if (letter == 'n') std::ofstream("/proc/self/comm") << "renamed-process";
 }
@@ -188,7 +179,7 @@ TEST(SocketList, KeepsWhatSleepsAndSeesWhatRan) {
 }
 
 TEST(SocketList, FindsSocketsBehindGapsInTheDescriptors) {
-    auto socket = bound(SOCK_STREAM, address("127.0.0.1"));
+    auto socket = bound(SOCK_STREAM, "127.0.0.1");
     const UniqueFd far(::fcntl(socket.get(), F_DUPFD_CLOEXEC, 900));
     ASSERT_GE(far.get(), 900);
     socket.reset();
@@ -196,9 +187,7 @@ TEST(SocketList, FindsSocketsBehindGapsInTheDescriptors) {
 }
 
 TEST(SocketList, ShowsASocketThatIsBoundAndNotUsed) {
-    const UniqueFd idle(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    const auto where = address("127.0.0.1");
-    ASSERT_EQ(::bind(idle.get(), &where.plain, size(where)), 0);
+    const UniqueFd idle = opened(SOCK_STREAM, "127.0.0.1", 0, ::bind);
     const auto found = ofPort(listed(), portOf(idle));
     if (found.empty()) GTEST_SKIP() << "kernels before 6.8 do not tell of such sockets";
     EXPECT_EQ(found.at(0).state, 0);
@@ -207,10 +196,10 @@ TEST(SocketList, ShowsASocketThatIsBoundAndNotUsed) {
 
 /// The messages and the text of the running kernel must tell the same.
 TEST(SocketList, AgreesWithTheTablesAsText) {
-    const auto listening = bound(SOCK_STREAM, address("127.0.0.1"));
-    const auto client = connected(SOCK_STREAM, address("127.0.0.1", portOf(listening)));
+    const auto listening = bound(SOCK_STREAM, "127.0.0.1");
+    const auto client = connected(SOCK_STREAM, "127.0.0.1", listening);
     const auto server = accepted(listening);
-    const auto udp = bound(SOCK_DGRAM, address("127.0.0.1"));
+    const auto udp = bound(SOCK_DGRAM, "127.0.0.1");
     const auto own = [&](const std::vector<platform::SocketEntry>& entries) {
         std::map<uint32_t, platform::KernelSocket> result;
         for (auto entry : entries) {

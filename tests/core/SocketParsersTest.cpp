@@ -1,7 +1,7 @@
 // The kernel's socket tables as text, as messages and as links of descriptors, with all that can be wrong
 // about them; and the form in which addresses are shown.
 #include "ListedSockets.h"
-#include "NetlinkBytes.h"
+#include "NetlinkSupport.h"
 #include "core/SocketList.h"
 #include "core/linux/SocketDiag.h"
 #include "core/linux/SocketHolders.h"
@@ -19,7 +19,8 @@ using namespace sysinfo;
 using namespace sysinfo::platform;
 using namespace quarn::testing;
 
-KernelSocket kernelSocket(int family, const char* local, const char* remote, uint16_t remotePort) {
+/// How a socket at port 80 shows its ends.
+std::string shownEnds(int family, const char* local, const char* remote, uint16_t remotePort) {
     KernelSocket socket;
     socket.protocol = IPPROTO_TCP;
     socket.isIPv6 = family == AF_INET6;
@@ -28,33 +29,21 @@ KernelSocket kernelSocket(int family, const char* local, const char* remote, uin
     EXPECT_EQ(::inet_pton(family, remote, socket.remote.data() + offset), 1) << remote;
     socket.localPort = 80;
     socket.remotePort = remotePort;
-    return socket;
+    return ends(flatSocket(socket));
 }
 
 TEST(SocketForm, AddressesFollowWhatTheSocketSpeaks) {
     constexpr int v4 = AF_INET, v6 = AF_INET6;
-    const struct {
-        const char* what;
-        int family;
-        const char *local, *remote;
-        uint16_t remotePort;
-        const char* shown;
-    } cases[] = {
-        {"listening on all", v4, "0.0.0.0", "0.0.0.0", 0, "TCP4 :80"},
-        {"connected", v4, "10.0.0.200", "192.168.1.9", 5, "TCP4 10.0.0.200:80 > 192.168.1.9:5"},
-        {"peer without a port", v4, "10.0.0.1", "10.0.0.2", 0, "TCP4 10.0.0.1:80 > 10.0.0.2:0"},
-        {"peer without an address", v4, "10.0.0.1", "0.0.0.0", 7, "TCP4 10.0.0.1:80 > :7"},
-        {"listening on all, IPv6", v6, "::", "::", 0, "TCP6 :80"},
-        {"connected, IPv6", v6, "fe80::1", "2001:db8::2", 5, "TCP6 fe80::1:80 > 2001:db8::2:5"},
-        {"IPv4 peer", v6, "::ffff:10.0.0.1", "::ffff:10.0.0.2", 5, "TCP6 10.0.0.1:80 > 10.0.0.2:5"},
-        {"IPv4 peer, no own address", v6, "::", "::ffff:10.0.0.2", 5, "TCP6 :80 > 10.0.0.2:5"},
-        {"bound to a mapped address", v6, "::ffff:10.0.0.1", "::", 0, "TCP6 10.0.0.1:80"},
-        {"bound to the mapped zero", v6, "::ffff:0.0.0.0", "::ffff:0.0.0.0", 0, "TCP6 :80"},
-    };
-    for (const auto& each : cases)
-        EXPECT_EQ(ends(flatSocket(kernelSocket(each.family, each.local, each.remote, each.remotePort))),
-                  each.shown)
-            << each.what;
+    EXPECT_EQ(shownEnds(v4, "0.0.0.0", "0.0.0.0", 0), "TCP4 :80");
+    EXPECT_EQ(shownEnds(v4, "10.0.0.200", "192.168.1.9", 5), "TCP4 10.0.0.200:80 > 192.168.1.9:5");
+    EXPECT_EQ(shownEnds(v4, "10.0.0.1", "10.0.0.2", 0), "TCP4 10.0.0.1:80 > 10.0.0.2:0");
+    EXPECT_EQ(shownEnds(v4, "10.0.0.1", "0.0.0.0", 7), "TCP4 10.0.0.1:80 > :7");
+    EXPECT_EQ(shownEnds(v6, "::", "::", 0), "TCP6 :80");
+    EXPECT_EQ(shownEnds(v6, "fe80::1", "2001:db8::2", 5), "TCP6 fe80::1:80 > 2001:db8::2:5");
+    EXPECT_EQ(shownEnds(v6, "::ffff:10.0.0.1", "::ffff:10.0.0.2", 5), "TCP6 10.0.0.1:80 > 10.0.0.2:5");
+    EXPECT_EQ(shownEnds(v6, "::", "::ffff:10.0.0.2", 5), "TCP6 :80 > 10.0.0.2:5");
+    EXPECT_EQ(shownEnds(v6, "::ffff:10.0.0.1", "::", 0), "TCP6 10.0.0.1:80");
+    EXPECT_EQ(shownEnds(v6, "::ffff:0.0.0.0", "::ffff:0.0.0.0", 0), "TCP6 :80");
 }
 
 TEST(SocketForm, HostsReadAsTheSystemWritesThem) {
@@ -137,27 +126,20 @@ std::string socketMessage(uint16_t port, uint32_t sequence = 7, uint8_t family =
 TEST(SocketMessages, AreTakenOnlyWhole) {
     using enum SocketDumpProgress;
     const std::string one = socketMessage(1), two = socketMessage(2), whole = one + two, four(4, '\0');
-    const struct {
-        const char* what;
-        std::string text;
-        SocketDumpProgress progress;
-        size_t sockets;
-    } cases[] = {
-        {"nothing", "", more, 0},
-        {"two", whole, more, 2},
-        {"the end", one + message(NLMSG_DONE, 0, 7, four), done, 1},
-        {"a refusal", message(NLMSG_ERROR, 0, 7, four), failed, 0},
-        {"a former request", socketMessage(1, 6) + message(NLMSG_DONE, 0, 6, four) + two, more, 1},
-        {"another family", socketMessage(1, 7, AF_UNIX), more, 0},
-        {"a short body", message(SOCK_DIAG_BY_FAMILY, 0, 7, four), failed, 0},
-        {"a length of 0", std::string(16, '\0'), failed, 0},
-        {"half a header", one + "half", failed, 1},
-    };
-    for (const auto& each : cases) {
+    const auto is = [](const std::string& text, SocketDumpProgress progress, size_t sockets) {
         std::vector<SocketEntry> entries;
-        EXPECT_EQ(parseSocketDump(each.text, 7, IPPROTO_TCP, entries), each.progress) << each.what;
-        EXPECT_EQ(entries.size(), each.sockets) << each.what;
-    }
+        return parseSocketDump(text, 7, IPPROTO_TCP, entries) == progress && entries.size() == sockets;
+    };
+    EXPECT_TRUE(is("", more, 0));
+    EXPECT_TRUE(is(whole, more, 2));
+    EXPECT_TRUE(is(one + message(NLMSG_DONE, 0, 7, four), done, 1));
+    EXPECT_TRUE(is(message(NLMSG_ERROR, 0, 7, four), failed, 0));
+    EXPECT_TRUE(is(socketMessage(1, 6) + message(NLMSG_DONE, 0, 6, four) + two, more, 1))
+        << "a former request";
+    EXPECT_TRUE(is(socketMessage(1, 7, AF_UNIX), more, 0));
+    EXPECT_TRUE(is(message(SOCK_DIAG_BY_FAMILY, 0, 7, four), failed, 0)) << "a short body";
+    EXPECT_TRUE(is(std::string(16, '\0'), failed, 0)) << "a length of 0";
+    EXPECT_TRUE(is(one + "half", failed, 1));
     std::vector<SocketEntry> entries;
     for (size_t length = 1; length < whole.size(); ++length) {
         // A block of its own, so that reading past the end is seen.

@@ -6,7 +6,6 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>

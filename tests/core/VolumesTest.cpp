@@ -24,11 +24,10 @@ TEST(MountInfo, Lines) {
         "hello\n20 1 8:1 / relative rw - ext4 /dev/sda1 rw\n21 1 8:1 / /x rw shared:1\n22 1 8:1 / /y rw -\n"
         "23 x 8:1 / /z rw - ext4 s rw\n"
         "24 1 8:1 / /a\\999b\\04 rw - ext4 /dev/sda1");
-    std::string seen;
-    for (const auto& m : mounts)
-        seen += joined(m.id, m.parent, m.device, m.root, m.point, m.type, m.source) + '\n';
-    EXPECT_EQ(seen, "36|35|98:0|/mnt1|/mnt 2\tx\\|ext3|/dev/ro ot\n1|1|0:5|/|/root|rootfs|rootfs\n"
-                    "24|1|8:1|/|/a\\999b\\04|ext4|/dev/sda1\n");
+    EXPECT_EQ(joinedEach(mounts, &Mount::id, &Mount::parent, &Mount::device, &Mount::root, &Mount::point,
+                         &Mount::type, &Mount::source),
+              "36|35|98:0|/mnt1|/mnt 2\tx\\|ext3|/dev/ro ot 1|1|0:5|/|/root|rootfs|rootfs "
+              "24|1|8:1|/|/a\\999b\\04|ext4|/dev/sda1 ");
 }
 
 TEST(MountTable, WhichMountsAreVolumes) {
@@ -73,26 +72,23 @@ TEST(MountTable, WhichMountsAreVolumes) {
 
 TEST(MountTable, EachFileSystemOnceAndNothingHidden) {
     const auto points = [](const std::string& lines) {
-        std::string all;
-        for (const auto& mount : browsableMounts(parseMountInfo(lines)))
-            all += mount.point + ' ' + mount.type + ' ';
-        return all;
+        return joinedEach(browsableMounts(parseMountInfo(lines)), &Mount::point, &Mount::type);
     };
     const std::string root = "10 1 8:1 / / rw - ext4 /dev/sda1 rw\n";
-    EXPECT_EQ(points(root + "11 10 8:1 /home /home rw - ext4 /dev/sda1 rw\n"), "/ ext4 ");
+    EXPECT_EQ(points(root + "11 10 8:1 /home /home rw - ext4 /dev/sda1 rw\n"), "/|ext4 ");
     EXPECT_EQ(points("11 10 8:1 /srv /srv rw - ext4 x rw\n12 10 8:1 / /mnt/disk rw - ext4 x rw\n"),
-              "/mnt/disk ext4 ")
+              "/mnt/disk|ext4 ")
         << "the whole before a folder of it";
-    EXPECT_EQ(points("11 10 8:1 / /mnt/long rw - ext4 x rw\n12 10 8:1 / /m rw - ext4 x rw\n"), "/m ext4 ");
+    EXPECT_EQ(points("11 10 8:1 / /mnt/long rw - ext4 x rw\n12 10 8:1 / /m rw - ext4 x rw\n"), "/m|ext4 ");
     EXPECT_EQ(points(root + "11 10 8:2 / /m rw - ext4 x rw\n12 11 8:3 / /m rw - xfs y rw\n"),
-              "/ ext4 /m xfs ")
+              "/|ext4 /m|xfs ")
         << "the upper of two mounts on one folder";
-    EXPECT_EQ(points(root + "11 10 8:2 / /m/s rw - ext4 x rw\n12 10 0:9 / /m rw - tmpfs y rw\n"), "/ ext4 ")
+    EXPECT_EQ(points(root + "11 10 8:2 / /m/s rw - ext4 x rw\n12 10 0:9 / /m rw - tmpfs y rw\n"), "/|ext4 ")
         << "something else was mounted over the way to it";
     EXPECT_EQ(points(root + "12 10 0:9 / /m rw - tmpfs y rw\n11 12 8:2 / /m/s rw - ext4 x rw\n"),
-              "/ ext4 /m/s ext4 ");
+              "/|ext4 /m/s|ext4 ");
     EXPECT_EQ(points("11 12 8:2 / /m/s rw - ext4 x rw\n12 11 8:3 / /m rw - ext4 y rw\n"),
-              "/m/s ext4 /m ext4 ")
+              "/m/s|ext4 /m|ext4 ")
         << "parents in a ring end somewhere";
 }
 
@@ -203,22 +199,19 @@ TEST(VolumeAnswers, PatienceEndsAndAThreadOutlivesItsOwner) {
 TEST(Volumes, TheRootOfThisMachineIsListedWithItsRoom) {
     struct statvfs status {};
     ASSERT_EQ(::statvfs("/", &status), 0);
-    for (const auto& volume : readVolumes(SystemRoot::host())) {
-        EXPECT_LE(volume.freeBytes, volume.total) << volume.mount;
-        if (volume.mount != "/") continue;
-        EXPECT_EQ(volume.total, uint64_t{status.f_blocks} * status.f_frsize);
-        EXPECT_EQ(volume.used, volume.total - volume.freeBytes);
-        return;
-    }
-    ADD_FAILURE() << "no root among the volumes";
+    const auto volumes = readVolumes(SystemRoot::host());
+    const auto root =
+        std::find_if(volumes.begin(), volumes.end(), [](const auto& v) { return v.mount == "/"; });
+    ASSERT_NE(root, volumes.end());
+    EXPECT_EQ(root->total, uint64_t{status.f_blocks} * status.f_frsize);
+    EXPECT_LE(root->freeBytes, root->total);
+    EXPECT_EQ(root->used, root->total - root->freeBytes);
 }
 
 TEST(CapturedVolumes, AreListedWithUnknownRoom) {
-    const auto volumes = readVolumes(SystemRoot(QUARN_FIXTURES "/hosts/mixed-disks"));
-    std::string seen;
-    for (const auto& volume : volumes)
-        seen += joined(volume.mount, volume.device, volume.fs, volume.total) + ' ';
-    EXPECT_EQ(seen, "/|/dev/dm-2|ext4|0 /boot|/dev/sda3|ext2|0 ");
+    EXPECT_EQ(joinedEach(readVolumes(SystemRoot(QUARN_FIXTURES "/hosts/mixed-disks")), &VolumeInfo::mount,
+                         &VolumeInfo::device, &VolumeInfo::fs, &VolumeInfo::total),
+              "/|/dev/dm-2|ext4|0 /boot|/dev/sda3|ext2|0 ");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iomanip>
 #include <optional>
 #include <sstream>
@@ -30,6 +31,14 @@ std::string joined(const First& first, const Others&... others) {
     put(out << std::setprecision(10), first);
     (put(out << '|', others), ...);
     return out.str();
+}
+
+/// The same of each item, with a blank behind each; the fields are members or functions of an item.
+template <class Items, class... Fields>
+std::string joinedEach(const Items& items, const Fields&... fields) {
+    std::string all;
+    for (const auto& item : items) all += joined(std::invoke(fields, item)...) + ' ';
+    return all;
 }
 
 } // namespace quarn::testing

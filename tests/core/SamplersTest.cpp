@@ -1,4 +1,5 @@
-// CPU, memory, load and processes of captured machines, against the values published with them.
+// CPU, memory, load and processes: of captured machines against the values published with them, and of made
+// ones.
 #include "core/CpuSampler.h"
 #include "core/MemStats.h"
 #include "core/ProcessSampler.h"
@@ -10,6 +11,8 @@
 namespace {
 
 using namespace sysinfo;
+using platform::KernelProcess;
+using RunState = KernelProcess::RunState;
 using namespace quarn::testing;
 
 std::shared_ptr<platform::Readers> readersOf(std::string_view machine) {
@@ -32,27 +35,20 @@ TEST(CapturedCpu, SharesOfAnIntervalAsPublished) {
 }
 
 TEST(CapturedCpu, EveryShapeOfTheFileIsRead) {
-    const struct {
-        const char *lesson, *text;
-        std::vector<uint32_t> ids;
-        std::vector<uint64_t> first; ///< of the first CPU: user, system, idle, nice
-    } cases[] = {
-        {"8 columns", "cpu 9\ncpu0 1 2 3 4 5 6 7 8\n", {0}, {1, 3 + 6 + 7 + 8, 4 + 5, 2}},
-        {"9 columns: guest time is in user already", "cpu0 1 2 3 4 5 6 7 8 9\n", {0}, {1, 24, 9, 2}},
-        {"10 columns", "cpu0 1 2 3 4 5 6 7 8 9 10\nintr 5\n", {0}, {1, 24, 9, 2}},
-        {"the first kernels had 4, no line feed at the end", "cpu0 1 2 3 4", {0}, {1, 3, 4, 2}},
-        {"CPU 0 is offline, others are missing", "cpu1 1 2 3 4\ncpu7 1 2 3 4\n", {1, 7}, {1, 3, 4, 2}},
-        {"an empty file", "", {}, {}},
-        {"no CPU of its own", "cpu 1 2 3 4\nctxt 5\n", {}, {}},
-        {"words in the place of numbers", "cpuX 1 2\ncpu0 a b c 4\n", {0}, {0, 0, 4, 0}},
-    };
-    for (const auto& c : cases) {
+    const auto read = [](const char* text) { // numbers; user, system, idle, nice of each
         platform::CpuTicks ticks;
-        EXPECT_EQ(platform::parseCpuTicks(c.text, ticks), !c.ids.empty()) << c.lesson;
-        EXPECT_EQ(ticks.ids, c.ids) << c.lesson;
-        if (!c.ids.empty()) ticks.ticks.resize(4);
-        EXPECT_EQ(ticks.ticks, c.first) << c.lesson;
-    }
+        const bool isRead = platform::parseCpuTicks(text, ticks);
+        return joined(isRead, joinedEach(ticks.ids, std::identity{}),
+                      joinedEach(ticks.ticks, std::identity{}));
+    };
+    EXPECT_EQ(read("cpu 9\ncpu0 1 2 3 4 5 6 7 8\n"), "1|0 |1 24 9 2 ") << "8 columns";
+    EXPECT_EQ(read("cpu0 1 2 3 4 5 6 7 8 9\n"), "1|0 |1 24 9 2 ") << "guest time is in user already";
+    EXPECT_EQ(read("cpu0 1 2 3 4 5 6 7 8 9 10\nintr 5\n"), "1|0 |1 24 9 2 ");
+    EXPECT_EQ(read("cpu0 1 2 3 4"), "1|0 |1 3 4 2 ") << "the first kernels; no line feed at the end";
+    EXPECT_EQ(read("cpu1 1 2 3 4\ncpu7 1 2 3 4\n"), "1|1 7 |1 3 4 2 1 3 4 2 ") << "CPU 0 is offline";
+    EXPECT_EQ(read(""), "0||");
+    EXPECT_EQ(read("cpu 1 2 3 4\nctxt 5\n"), "0||") << "no CPU of its own";
+    EXPECT_EQ(read("cpuX 1 2\ncpu0 a b c 4\n"), "1|0 |0 0 4 0 ") << "words in the place of numbers";
 }
 
 TEST(CapturedCpu, ManyCpusAndAnEmptyFile) {
@@ -178,6 +174,75 @@ TEST(CapturedProcesses, NumbersAsPublished) {
     EXPECT_EQ(platform::loadAverage(*readers, load), 3);
     EXPECT_DOUBLE_EQ(load[0], 0.02);
     EXPECT_EQ(platform::bootTime(SystemRoot(QUARN_FIXTURES "/hosts/one-editor")), 1418183276u);
+}
+
+KernelProcess process(int32_t pid, uint64_t start, uint64_t cpuNs, uint64_t revision) {
+    KernelProcess p;
+    p.pid = pid;
+    p.startTimeMicros = start;
+    p.cpuTimeNs = cpuNs;
+    p.revision = revision;
+    p.state = RunState::sleeping;
+    p.measured = true;
+    p.shortName = "p";
+    return p;
+}
+
+constexpr uint64_t second = 1'000'000'000;
+
+TEST(ProcessSampler, ShareOfEachCase) {
+    ProcessSampler sampler(SystemRoot("/nowhere"));
+    std::vector<KernelProcess> before{process(1, 10, 5 * second, 1), process(2, 10, 100, 2),
+                                      process(3, 10, 9000, 3), process(4, 10, 50, 4), process(6, 10, 7, 5)};
+    for (const auto& info : sampler.advance(before, second))
+        EXPECT_EQ(info.cpuPercent, 0) << "the first call primes";
+
+    std::vector<KernelProcess> after{process(1, 10, 5 * second + 3 * second, 6), // three cores for a second
+                                     process(2, 10, 100, 2),                     // idle: the same revision
+                                     process(3, 11, 9000 + second, 7), // the pid is another process now
+                                     process(4, 10, 40, 8),            // the counter went backwards
+                                     process(5, 10, second, 9),        // new
+                                     process(6, 10, 7 + second, 10)};
+    after[5].measured = false;
+    const auto& list = sampler.advance(after, 2 * second);
+    EXPECT_EQ(joinedEach(list, &ProcessInfo::cpuPercent, &ProcessInfo::state),
+              "300|Sleeping 0|Sleeping 0|Sleeping 0|Sleeping 0|Sleeping 0|— ");
+    EXPECT_FALSE(list[5].accessible);
+
+    // Pid 3 is measured against itself from now on.
+    after[2].cpuTimeNs += second / 2;
+    after[2].revision = 11;
+    EXPECT_DOUBLE_EQ(sampler.advance(after, 3 * second)[2].cpuPercent, 50);
+}
+
+TEST(ProcessSampler, NameRule) {
+    const char* const cases[][4] = {
+        {"a cut name", "gnome-terminal-", "/usr/libexec/gnome-terminal-server", "gnome-terminal-server"},
+        {"a shorter file name never replaces", "Web Content", "/usr/lib/firefox", "Web Content"},
+        {"equal", "bash", "/bin/bash", "bash"},
+        {"longer than the kernel keeps whole", "exactly16bytes_x", "/bin/sh", "sh"},
+        {"no executable", "kworker/0:1", "", "kworker/0:1"},
+        {"no last component", "x", "/usr/bin/", "x"},
+        {"a path of one component", "x", "python3", "python3"},
+    };
+    for (const auto& [rule, shortName, path, expected] : cases)
+        EXPECT_EQ(displayName(shortName, path), expected) << rule;
+}
+
+TEST(ProcessSampler, StatesAndUsers) {
+    TempRoot machine;
+    machine.write("etc/passwd", "root:x:0:0::/:/bin/sh\nbroken line\nann:x:1000:1000:Ann:/:/bin/sh\n");
+    ProcessSampler sampler(machine.root());
+    std::vector<KernelProcess> table;
+    for (const auto state : {RunState::starting, RunState::running, RunState::sleeping, RunState::stopped,
+                             RunState::zombie, RunState::unknown}) {
+        table.push_back(process(static_cast<int32_t>(table.size()) + 1, 1, 1, table.size() + 1));
+        table.back().state = state;
+    }
+    table[0].uid = 1000;
+    table[1].uid = 4711;
+    EXPECT_EQ(joinedEach(sampler.advance(table, second), &ProcessInfo::state, &ProcessInfo::user),
+              "Starting|ann Running|4711 Sleeping|root Stopped|root Zombie|root —|root ");
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "NetlinkBytes.h"
 #include "core/UniqueFd.h"
 
 #include <array>
+#include <cstring>
 #include <linux/if_link.h>
 #include <linux/rtnetlink.h>
 #include <net/if.h>
@@ -12,6 +12,27 @@
 #include <thread>
 
 namespace quarn::testing {
+
+/// Builds netlink messages as bytes.
+template <class Structure>
+std::string bytesOf(const Structure& structure) {
+    return {reinterpret_cast<const char*>(&structure), sizeof structure};
+}
+
+inline std::string padded(std::string bytes) {
+    bytes.resize((bytes.size() + 3) & ~size_t{3});
+    return bytes;
+}
+
+inline std::string attribute(uint16_t type, std::string_view value) {
+    const nlattr header{static_cast<uint16_t>(sizeof(nlattr) + value.size()), type};
+    return padded(bytesOf(header) + std::string(value));
+}
+
+inline std::string message(uint16_t type, uint16_t flags, uint32_t sequence, const std::string& payload) {
+    const nlmsghdr header{static_cast<uint32_t>(sizeof(nlmsghdr) + payload.size()), type, flags, sequence, 0};
+    return padded(bytesOf(header) + payload);
+}
 
 /// Runs `test` on a thread with a network of its own; skips where that is not permitted.
 inline void inOwnNetwork(void (*test)()) {
