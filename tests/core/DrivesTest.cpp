@@ -50,7 +50,7 @@ TEST(Drives, SysfsDecidesWhereItIsThere) {
         .link("sys/block/newkind0", "../devices/virtual/block/newkind0")
         .write("sys/block/cciss!c0d0/size", "8")
         .write("sys/class/block/odd7/partition", "7");
-    EXPECT_EQ(physicalDrives(machine.root()), (std::vector<std::string>{"sda", "nvme0n1", "cciss/c0d0"}));
+    EXPECT_EQ(joinedEach(physicalDrives(machine.root()), std::identity{}), "sda nvme0n1 cciss/c0d0 ");
     EXPECT_FALSE(isPhysicalDrive(machine.root(), "odd7"));
     EXPECT_EQ(driveSize(machine.root(), "cciss/c0d0"), 4096u);
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "core/SocketList.h"
+#include "support/Joined.h"
 
-#include <algorithm>
 #include <netinet/in.h>
-#include <sstream>
+#include <set>
 
 namespace quarn::testing {
 
@@ -33,14 +33,11 @@ inline std::string ends(const SCSocket& socket) {
 
 /// The same with " state 4 of 42 sshd, ", of each socket, sorted.
 inline std::string shown(const std::vector<SCSocket>& sockets) {
-    std::vector<std::string> texts;
+    std::multiset<std::string> texts;
     for (const auto& socket : sockets)
-        texts.push_back(ends(socket) + " state " + std::to_string(socket.state) + " of " +
-                        std::to_string(socket.pid) + ' ' + socket.name + ", ");
-    std::sort(texts.begin(), texts.end());
-    std::string all;
-    for (const auto& text : texts) all += text;
-    return all;
+        texts.insert(ends(socket) + " state " + joined(socket.state) + " of " + joined(socket.pid) + ' ' +
+                     socket.name + ',');
+    return joinedEach(texts, std::identity{});
 }
 
 } // namespace quarn::testing

@@ -233,7 +233,7 @@ TEST(SensorClass, WhereAChipBelongs) {
     EXPECT_EQ(classOfSensor(SensorClass::gpu, "memory"), SensorClass::gpu) << "its own memory";
 }
 
-TEST(SensorClass, AttributeNames) {
+TEST(SensorClass, AttributeNamesAndLimits) {
     using Item = HwmonAttribute::Item;
     const auto is = [](const char* name, int number, SensorKind kind, Item item) {
         const auto attribute = parseHwmonAttribute(name);
@@ -250,6 +250,9 @@ TEST(SensorClass, AttributeNames) {
     for (const char* name :
          {"intrusion0_alarm", "in-1_input", "temp99999999_input", "temp_input", "freq1_input", ""})
         EXPECT_EQ(parseHwmonAttribute(name).number, -1) << name;
+    for (const double none : {-273.15, 65261.85, 0.0})
+        EXPECT_FALSE(plausibleLimit(SensorKind::temperature, none));
+    EXPECT_EQ(plausibleLimit(SensorKind::fan, 6156), 6156);
 }
 
 } // namespace

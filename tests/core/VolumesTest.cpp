@@ -31,41 +31,35 @@ TEST(MountInfo, Lines) {
 }
 
 TEST(MountTable, WhichMountsAreVolumes) {
-    const auto isVolume = [](const std::string& line) { // from the device on, mounted above "/"
-        const auto table = parseMountInfo("10 1 8:1 / / rw - ext4 /dev/sda1 rw\n11 10 " + line + "\n");
-        EXPECT_EQ(table.size(), 2u) << line;
+    // Point, type and source of a mount above "/", of the whole or of a folder of a file system.
+    const auto isVolume = [](const std::string& mount, const std::string& folder = "/") {
+        const size_t blank = mount.find(' ');
+        const std::string device = mount.find(" /dev/") == mount.npos ? "0:40 " : "8:2 ";
+        const auto table =
+            parseMountInfo("10 1 8:1 / / rw - ext4 /dev/sda1 rw\n11 10 " + device + folder + ' ' +
+                           mount.substr(0, blank) + " rw -" + mount.substr(blank) + " rw\n");
+        EXPECT_EQ(table.size(), 2u) << mount;
         return browsableMounts(table).size() == 2;
     };
-    for (const char* line : {
-             "8:2 / /home rw - ext4 /dev/sda2 rw",
-             "8:2 / /boot/efi rw - vfat /dev/sda2 rw",
-             "8:2 / /run/media/ann/STICK rw - exfat /dev/sdb1 rw",
-             "11:0 / /media/cdrom ro - iso9660 /dev/sr0 ro",
-             "0:40 / /tank rw - zfs tank rw",
-             "0:41 /@data /data rw - btrfs /dev/sdc rw",
-             "0:42 / /srv/nfs rw - nfs4 10.0.0.1:/export rw",
-             "0:43 / /srv/sshfs rw - fuse.sshfs ann@host:/ rw",
-             "0:44 / /mnt/own rw - fuse.mergerfs a:b rw",
-             "8:3 / /mnt/windows rw - fuseblk /dev/sda3 rw",
-             "8:3 / /var/lib/docker rw - ext4 /dev/sda3 rw",
-         })
-        EXPECT_TRUE(isVolume(line)) << line;
-    for (const char* line : {
-             "0:21 / /proc rw - proc proc rw",
-             "0:22 / /tmp rw - tmpfs tmpfs rw",
-             "0:23 / /sys/fs/fuse/connections rw - fusectl fusectl rw",
-             "0:24 / /mnt/auto rw - autofs systemd-1 rw",
-             "7:1 / /opt/app ro - squashfs /dev/loop1 ro",
-             "0:25 / /var/lib/docker/overlay2/a/merged rw - overlay overlay rw",
-             "8:3 /x /var/lib/docker/volumes/x rw - ext4 /dev/sda3 rw",
-             "8:3 /x /etc/hosts rw - ext4 /dev/sda3 rw",
-             "0:26 / /home/ann/.gvfs rw - fuse.gvfsd-fuse gvfsd-fuse rw",
-             "0:27 / /tmp/.mount_AppX ro - fuse.App.AppImage App.AppImage ro",
-             "0:4 net:[4026531840] /run/netns/x rw - nsfs nsfs rw",
-             "8:4 / /mnt/gone//deleted rw - ext4 /dev/sda4 rw",
-             "8:4 /dir//deleted /mnt/bound rw - ext4 /dev/sda4 rw",
-         })
-        EXPECT_FALSE(isVolume(line)) << line;
+    for (const char* mount :
+         {"/home ext4 /dev/sda2", "/boot/efi vfat /dev/sda2", "/run/media/ann/STICK exfat /dev/sdb1",
+          "/media/cdrom iso9660 /dev/sr0", "/tank zfs tank", "/srv/nfs nfs4 10.0.0.1:/export",
+          "/srv/sshfs fuse.sshfs ann@host:/", "/mnt/own fuse.mergerfs a:b", "/mnt/windows fuseblk /dev/sda3",
+          "/var/lib/docker ext4 /dev/sda3"})
+        EXPECT_TRUE(isVolume(mount)) << mount;
+    for (const char* mount :
+         {"/proc proc proc", "/dev/shm tmpfs tmpfs", "/tmp tmpfs tmpfs",
+          "/sys/fs/fuse/connections fusectl fusectl", "/mnt/auto autofs systemd-1",
+          "/snap/core/1 squashfs /dev/loop1", "/opt/app squashfs /dev/loop1",
+          "/var/lib/docker/overlay2/a/merged overlay overlay",
+          "/run/user/1000/gvfs fuse.gvfsd-fuse gvfsd-fuse", "/home/ann/.gvfs fuse.gvfsd-fuse gvfsd-fuse",
+          "/tmp/.mount_AppX fuse.App.AppImage App.AppImage", "/mnt/gone//deleted ext4 /dev/sda4"})
+        EXPECT_FALSE(isVolume(mount)) << mount;
+    EXPECT_TRUE(isVolume("/data btrfs sdc", "/@data"));
+    EXPECT_FALSE(isVolume("/var/lib/docker/volumes/x ext4 /dev/sda3", "/x"));
+    EXPECT_FALSE(isVolume("/etc/hosts ext4 /dev/sda3", "/x"));
+    EXPECT_FALSE(isVolume("/run/netns/x nsfs nsfs", "net:[4026531840]"));
+    EXPECT_FALSE(isVolume("/mnt/bound ext4 /dev/sda4", "/dir//deleted"));
     EXPECT_EQ(browsableMounts(parseMountInfo("10 1 0:30 / / rw - overlay overlay rw\n")).size(), 1u)
         << "the root is listed whatever it is made of";
 }
@@ -132,8 +126,7 @@ using State = VolumeAnswers::Answer::State;
 TEST(VolumeAnswers, AFirstCallWaitsForWhoAnswersAndNoOtherCallWaits) {
     Server server;
     VolumeAnswers volumes(server.ask(), 1h);
-    const std::vector<VolumeAnswers::Question> quick{{"1", "/quick"}, {"2", "/refuses"}};
-    const auto first = volumes.answers(quick);
+    const auto first = volumes.answers({{"1", "/quick"}, {"2", "/refuses"}});
     EXPECT_EQ(first[0].state, State::known);
     EXPECT_EQ(first[0].space.available, 40u);
     EXPECT_EQ(first[1].state, State::refused);
