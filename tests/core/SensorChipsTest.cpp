@@ -252,8 +252,8 @@ struct SlowChip : ::testing::Test {
     std::atomic<int> asked = 0;
     std::promise<void> release;
     std::shared_future<void> held = release.get_future().share();
+    std::shared_ptr<std::atomic<uint64_t>> clock; ///< of the machine
     std::optional<SensorMachine> machine;
-    std::shared_ptr<std::atomic<uint64_t>> clock; ///< its own
 };
 
 TEST_F(SlowChip, DelaysNobodyAndComesBack) {
