@@ -173,7 +173,7 @@ TEST(SocketList, KeepsWhatSleepsAndSeesWhatRan) {
     EXPECT_EQ(refreshed(child).size(), 0U);
     idle.kill();
     idle.reap();
-    EXPECT_TRUE(refreshed(child).empty());
+    for (const auto& socket : listed(lister)) EXPECT_STRNE(socket.local, "127.0.0.9");
 }
 
 TEST(SocketList, FindsSocketsBehindGapsInTheDescriptors) {

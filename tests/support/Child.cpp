@@ -41,8 +41,8 @@ void Child::tell(char letter) {
     ASSERT_EQ(::read(channel_, &answer, 1), 1);
 }
 
-void Child::settle() const {
-    const std::string path = "/proc/" + std::to_string(pid_) + "/stat";
+void settle(pid_t pid) {
+    const std::string path = "/proc/" + std::to_string(pid) + "/stat";
     for (;;) {
         const std::string text = readFile(path);
         const size_t close = text.rfind(')');

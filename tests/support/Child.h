@@ -8,6 +8,9 @@
 
 namespace quarn::testing {
 
+/// Waits until a process sleeps, so that it uses no more CPU time.
+void settle(pid_t pid);
+
 /// A real child process that obeys commands over a channel, one letter each, and confirms each one. So a test
 /// knows what the child has done without waiting any length of time.
 class Child {
@@ -21,8 +24,8 @@ public:
     pid_t pid() const { return pid_; }
     /// Sends a letter and returns once the child has carried it out.
     void tell(char letter);
-    /// Waits until the child sleeps in its next read, so that it uses no more CPU time.
-    void settle() const;
+    /// Waits until the child sleeps in its next read.
+    void settle() const { testing::settle(pid_); }
     void kill(); ///< SIGKILL; the child stays a zombie
     void reap(); ///< collects the zombie
 
