@@ -39,7 +39,8 @@ int quarn_flat_interface_check(void) {
     CHECK(self && self->ppid == getppid() && self->accessible && self->cpuPercent == 0);
     CHECK(self->startTimeMicros > 0 && self->startTimeMicros == sc_process_start_time(getpid()));
     CHECK(strlen(self->name) > 0 && strlen(self->path) > 0 && self->memBytes > 0);
-    CHECK(memcmp(&processes[count], &noProcess, sizeof noProcess) == 0); /* the extra record is always there */
+    CHECK(memcmp(&processes[count], &noProcess, sizeof noProcess) ==
+          0); /* the extra record is always there */
     sc_free_processes(processes);
     for (int pid = -1; pid <= 1; ++pid) CHECK(sc_process_start_time(pid) == 0);
 

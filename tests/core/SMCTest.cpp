@@ -192,12 +192,12 @@ TEST_F(SMCRules, OneValue) {
 }
 
 TEST_F(SMCRules, WithoutAControllerThereIsNothing) {
-    SMC none{std::unique_ptr<SMCConnection>()};
-    SMCSensors nothing(none);
+    SMC absent{std::unique_ptr<SMCConnection>()};
+    SMCSensors nothing(absent);
     SCSensor out[4];
     EXPECT_EQ(nothing.temps(out, 4), 0);
     EXPECT_EQ(nothing.keys('F', out, 4), 0);
-    EXPECT_TRUE(none.keys().empty());
+    EXPECT_TRUE(absent.keys().empty());
     EXPECT_TRUE(std::isnan(nothing.value("PSTR")));
 
     set({{"TC0P", 50}});
