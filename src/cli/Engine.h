@@ -2,8 +2,8 @@
 
 #include "HelperKit/RunLoop.h"
 #include "HelperKit/SerialQueue.h"
-#include "cli/Known.h"
 #include "monitor/Monitor.h"
+#include "ui/modules/Known.h"
 
 namespace quarn::cli {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/Known.h"
 #include "monitor/Snapshot.h"
+#include "ui/modules/Known.h"
 
 #include <array>
 #include <string_view>

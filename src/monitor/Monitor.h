@@ -77,6 +77,8 @@ public:
     /// For commands that show the machine once.
     void sampleAuxNow();
 
+    /// The plan in effect. Any thread.
+    SamplingPlan plan() const { return plan_.get(); }
     SamplingProfile profile() const { return profile_; }
     /// Takes effect with the next `start`.
     void setProfile(SamplingProfile profile) { profile_ = profile; }

@@ -1,6 +1,6 @@
-#include "cli/Known.h"
+#include "ui/modules/Known.h"
 
-namespace quarn::cli {
+namespace quarn {
 
 Known knownIn(const Snapshot& snapshot, const sysinfo::SystemRoot& root) {
     const SCMem& mem = snapshot.mem;
@@ -20,4 +20,4 @@ Known knownIn(const Snapshot& snapshot, const sysinfo::SystemRoot& root) {
     return known;
 }
 
-} // namespace quarn::cli
+} // namespace quarn

@@ -3,7 +3,7 @@
 #include "core/SystemRoot.h"
 #include "monitor/Snapshot.h"
 
-namespace quarn::cli {
+namespace quarn {
 
 /// Which flat figures of one snapshot are readings, and which are zeros that only fill their place. What a
 /// record says of itself (an optional, a flag, a −1) is not repeated here.
@@ -22,4 +22,4 @@ struct Known {
 /// `root` is where the snapshot was taken: under a captured machine a missing file leaves zeros.
 Known knownIn(const Snapshot& snapshot, const sysinfo::SystemRoot& root);
 
-} // namespace quarn::cli
+} // namespace quarn

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "HelperKit/SerialQueue.h"
+#include "desktop/QtExecutor.h"
+#include "monitor/Monitor.h"
+#include "ui/modules/LiveHistory.h"
+#include "ui/settings/SettingsStore.h"
+
+#include <QObject>
+#include <memory>
+#include <optional>
+
+namespace quarn::desktop {
+
+class MainWindow;
+class StatusItemController;
+class WidgetManager;
+
+/// The running application: the engine on its queues, and what shows its snapshots. Lives on the main thread,
+/// which never waits for the engine.
+class Desktop : public QObject {
+    Q_OBJECT
+public:
+    explicit Desktop(Prefs& prefs, sysinfo::SystemRoot root = sysinfo::SystemRoot::host());
+    ~Desktop() override;
+
+    /// Starts sampling, the status items and panels, and shows the window unless the settings say not to.
+    void start();
+    void showWindow();
+    MainWindow& window() { return *window_; }
+
+private:
+    void take(const Snapshot& snapshot);
+    void settingsChanged();
+    void windowClosed();
+
+    Prefs& prefs_;
+    sysinfo::SystemRoot root_;
+    QtExecutor main_;
+    SerialQueue queue_;
+    SerialQueue aux_;
+    NoHelper helper_;
+    LiveHistory history_;
+    std::unique_ptr<MainWindow> window_;
+    std::unique_ptr<StatusItemController> statusItems_;
+    std::unique_ptr<WidgetManager> panels_;
+    Monitor monitor_;                        ///< after what its observers show into, so that it ends first
+    std::optional<SensorRetention> sensors_; ///< while the window is open
+    SettingsStore::Subscription subscription_;
+    std::string profile_;
+};
+
+} // namespace quarn::desktop

@@ -1,0 +1,103 @@
+#include "desktop/SearchField.h"
+
+#include "desktop/Icon.h"
+#include "desktop/Page.h"
+#include "desktop/Text.h"
+#include "ui/settings/Prefs.h"
+
+#include <QKeyEvent>
+#include <QListWidget>
+#include <set>
+
+namespace quarn::desktop {
+
+SearchField::SearchField(Prefs& prefs, Navigator& navigator, Processes processes, QWidget* parent)
+    : QLineEdit(parent),
+      prefs_(prefs),
+      navigator_(navigator),
+      processes_(std::move(processes)),
+      list_(new QListWidget(this)) {
+    setPlaceholderText(say("Search (Ctrl+K)"));
+    setAccessibleName(say("Search pages, processes and settings"));
+    setClearButtonEnabled(true);
+    addAction(icon("search"), LeadingPosition);
+    list_->setWindowFlags(Qt::ToolTip);
+    list_->setFocusPolicy(Qt::NoFocus);
+    list_->setAccessibleName(say("Hits"));
+    connect(this, &QLineEdit::textEdited, this, [this] { showHits(); });
+    connect(list_, &QListWidget::itemClicked, this,
+            [this](QListWidgetItem* item) { choose(list_->row(item)); });
+}
+
+std::vector<SearchField::Hit> SearchField::hits(const QString& typed, const SharedList<ProcInfo>& processes,
+                                                const Prefs& prefs) {
+    constexpr size_t most = 12;
+    std::vector<Hit> found;
+    const QString query = typed.trimmed();
+    if (query.isEmpty()) return found;
+    for (const auto& page : pageTable())
+        if (say(page.title).contains(query, Qt::CaseInsensitive))
+            found.push_back({say(page.title), say("Page"), page.id, {}});
+    std::set<std::string_view> names;
+    for (const auto& process : processes) {
+        if (found.size() >= most) break;
+        const bool byPid = QString::number(process.pid) == query;
+        if (!byPid && !toQt(process.name).contains(query, Qt::CaseInsensitive)) continue;
+        if (!byPid && !names.insert(process.name.view()).second) continue;
+        found.push_back({byPid ? toQt(process.name) + " (" + query + ")" : toQt(process.name), say("Process"),
+                         "processes", byPid ? query : toQt(process.name)});
+    }
+    for (const auto* setting : prefs.settings()) {
+        if (found.size() >= most) break;
+        const QString key = toQt(setting->key()), meaning = toQt(setting->meaning());
+        if (key.contains(query, Qt::CaseInsensitive) || meaning.contains(query, Qt::CaseInsensitive))
+            found.push_back({meaning, say("Setting"), "settings", query});
+    }
+    if (found.size() > most) found.resize(most);
+    return found;
+}
+
+void SearchField::showHits() {
+    hits_ = hits(text(), processes_(), prefs_);
+    list_->clear();
+    for (const auto& hit : hits_) list_->addItem(hit.title + "   —   " + hit.kind);
+    if (hits_.empty()) {
+        list_->hide();
+        return;
+    }
+    list_->setCurrentRow(0);
+    const int rows = static_cast<int>(hits_.size());
+    list_->setGeometry(
+        QRect(mapToGlobal(QPoint(0, height() + 2)), QSize(420, rows * list_->sizeHintForRow(0) + 6)));
+    list_->show();
+}
+
+void SearchField::choose(int row) {
+    if (row < 0 || row >= static_cast<int>(hits_.size())) return;
+    const Hit hit = hits_[static_cast<size_t>(row)];
+    list_->hide();
+    clear();
+    navigator_.open(hit.page, hit.search);
+}
+
+void SearchField::keyPressEvent(QKeyEvent* event) {
+    const int row = list_->currentRow();
+    switch (event->key()) {
+    case Qt::Key_Down: list_->setCurrentRow(std::min(row + 1, list_->count() - 1)); return;
+    case Qt::Key_Up: list_->setCurrentRow(std::max(row - 1, 0)); return;
+    case Qt::Key_Return:
+    case Qt::Key_Enter: choose(row); return;
+    case Qt::Key_Escape:
+        list_->hide();
+        clear();
+        return;
+    default: QLineEdit::keyPressEvent(event);
+    }
+}
+
+void SearchField::focusOutEvent(QFocusEvent* event) {
+    list_->hide();
+    QLineEdit::focusOutEvent(event);
+}
+
+} // namespace quarn::desktop

@@ -1,0 +1,137 @@
+#include "desktop/Theme.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QPalette>
+#include <QStyleFactory>
+
+namespace quarn::desktop {
+
+namespace {
+
+Theme* installed = nullptr;
+
+QFont scaled(double factor, QFont::Weight weight) {
+    QFont font = QApplication::font();
+    font.setPointSizeF(font.pointSizeF() * factor);
+    font.setWeight(weight);
+    return font;
+}
+
+QColor mixed(const QColor& a, const QColor& b, double share) {
+    const auto mix = [&](double x, double y) { return x + (y - x) * share; };
+    return QColor::fromRgbF(static_cast<float>(mix(a.redF(), b.redF())),
+                            static_cast<float>(mix(a.greenF(), b.greenF())),
+                            static_cast<float>(mix(a.blueF(), b.blueF())));
+}
+
+constexpr auto sheet = R"(
+QToolTip { color: %text; background: %surface; border: 1px solid %line; padding: 4px; }
+QFrame#card, QFrame#tile { background: %surface; border: 1px solid %line; border-radius: 8px; }
+QFrame#tile:hover, QFrame#tile:focus { border-color: %accent; }
+QLabel[dim="true"] { color: %dim; }
+QLineEdit { background: %surface; border: 1px solid %line; border-radius: 6px; padding: 4px 8px; }
+QLineEdit:focus { border-color: %accent; }
+QTreeView, QTableView, QListView { background: %surface; border: 1px solid %line; border-radius: 8px;
+  outline: 0; selection-background-color: %selection; selection-color: %text; }
+QTreeView::item, QTableView::item { border-bottom: 1px solid %line; padding: 0 6px; }
+QTreeView::item:hover, QTableView::item:hover { background: %hover; }
+QTreeView::item:selected, QTableView::item:selected { background: %selection; color: %text; }
+QHeaderView { background: %surface; }
+QHeaderView::section { background: %surface; color: %dim; border: 0; border-bottom: 1px solid %line;
+  padding: 5px 6px; }
+QTableCornerButton::section { background: %surface; border: 0; }
+QScrollArea { background: transparent; border: 0; }
+QSplitter::handle { background: transparent; }
+QListView#sidebar { background: transparent; border: 0; }
+QListView#sidebar::item { border-radius: 6px; padding: 0 8px; }
+QListView#sidebar::item:hover { background: %hover; }
+QListView#sidebar::item:selected { background: %selection; color: %text; }
+)";
+
+} // namespace
+
+Theme& Theme::current() { return *installed; }
+
+void Theme::install(QApplication& application, Choice choice) {
+    if (!installed) installed = new Theme(application);
+    installed->choose(choice);
+}
+
+Theme::Theme(QApplication& application) : QObject(&application), application_(application) {
+    connect(this, &QObject::destroyed, [] { installed = nullptr; });
+    // The palette before ours tells whether the desktop is dark.
+    dark_ = application.palette().color(QPalette::Window).lightness() < 128;
+}
+
+void Theme::choose(Choice choice) {
+    static const bool desktopIsDark = dark_;
+    choice_ = choice;
+    dark_ = choice == Choice::dark || (choice == Choice::system && desktopIsDark);
+    apply();
+    Q_EMIT changed();
+}
+
+void Theme::apply() {
+    application_.setStyle(QStyleFactory::create("Fusion"));
+    QPalette palette;
+    palette.setColor(QPalette::Window, background());
+    palette.setColor(QPalette::Base, surface());
+    palette.setColor(QPalette::AlternateBase, background());
+    palette.setColor(QPalette::Button, surface());
+    palette.setColor(QPalette::ToolTipBase, surface());
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText,
+                            QPalette::HighlightedText})
+        palette.setColor(role, text());
+    palette.setColor(QPalette::PlaceholderText, dim());
+    palette.setColor(QPalette::Mid, line());
+    palette.setColor(QPalette::Midlight, line());
+    palette.setColor(QPalette::Highlight, mixed(surface(), accent(), dark_ ? 0.35 : 0.18));
+    palette.setColor(QPalette::Link, accent());
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, dim());
+    application_.setPalette(palette);
+
+    QString style = QString::fromLatin1(sheet);
+    style.replace("%text", text().name());
+    style.replace("%surface", surface().name());
+    style.replace("%line", line().name());
+    style.replace("%dim", dim().name());
+    style.replace("%accent", accent().name());
+    style.replace("%hover", mixed(surface(), text(), 0.05).name());
+    style.replace("%selection", mixed(surface(), accent(), dark_ ? 0.35 : 0.18).name());
+    application_.setStyleSheet(style);
+}
+
+QColor Theme::background() const { return dark_ ? QColor(0x15181C) : QColor(0xF6F7F9); }
+QColor Theme::surface() const { return dark_ ? QColor(0x1D2126) : QColor(0xFFFFFF); }
+QColor Theme::line() const { return dark_ ? QColor(0x2C3138) : QColor(0xE3E6EA); }
+QColor Theme::text() const { return dark_ ? QColor(0xE6E9ED) : QColor(0x1B1F24); }
+QColor Theme::dim() const { return dark_ ? QColor(0x939CA8) : QColor(0x667080); }
+QColor Theme::accent() const { return kind(WidgetKind::cpu); }
+QColor Theme::warning() const { return dark_ ? QColor(0xF0B429) : QColor(0xB36B00); }
+QColor Theme::critical() const { return dark_ ? QColor(0xF2777A) : QColor(0xC62828); }
+
+QColor Theme::kind(WidgetKind kind, bool second) const {
+    const QColor hue = [&] {
+        switch (kind) {
+        case WidgetKind::cpu: return QColor(0x0072B2);
+        case WidgetKind::memory: return QColor(0xCC79A7);
+        case WidgetKind::gpu: return QColor(0x009E73);
+        case WidgetKind::temperature: return QColor(0xD55E00);
+        case WidgetKind::network: return QColor(0x56B4E9);
+        case WidgetKind::disk: return QColor(0xE69F00);
+        case WidgetKind::power: return QColor(0xB39B00);
+        }
+        return QColor(0x667080);
+    }();
+    const QColor shown = dark_ ? mixed(hue, Qt::white, 0.22) : hue;
+    return second ? mixed(shown, surface(), 0.45) : shown;
+}
+
+QFont Theme::captionFont() { return scaled(11.0 / 13, QFont::Normal); }
+QFont Theme::cardTitleFont() { return scaled(1, QFont::DemiBold); }
+QFont Theme::pageTitleFont() { return scaled(18.0 / 13, QFont::DemiBold); }
+QFont Theme::figureFont() { return scaled(2, QFont::Medium); }
+
+} // namespace quarn::desktop

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "ui/modules/WidgetKind.h"
+
+#include <QColor>
+#include <QObject>
+#include <QString>
+
+class QApplication;
+
+namespace quarn::desktop {
+
+/// Colours, sizes and fonts of every surface: the one place that names them. Widgets ask when they paint, so
+/// a change of theme needs no more than a repaint.
+class Theme : public QObject {
+    Q_OBJECT
+public:
+    enum class Choice { system, light, dark };
+
+    /// The application's; made by `install`.
+    static Theme& current();
+    /// Gives the application its palette, style and style sheet; with `system` follows the desktop.
+    static void install(QApplication& application, Choice choice);
+
+    void choose(Choice choice);
+    bool isDark() const { return dark_; }
+
+    QColor background() const; ///< of the window
+    QColor surface() const;    ///< of cards and tables
+    QColor line() const;       ///< hair lines, grids, frames
+    QColor text() const;
+    QColor dim() const; ///< captions, units, what is unknown
+    QColor accent() const;
+    QColor warning() const;
+    QColor critical() const;
+    /// The hue of a kind of reading; `second` is that of its second series (system share, sent, written).
+    QColor kind(WidgetKind kind, bool second = false) const;
+
+    /// The 8-pixel grid.
+    static constexpr int gap = 8, cardPadding = 12, corner = 8, rowHeight = 26;
+    /// Point sizes derived from the system's font, which is the body: caption, card title, page title,
+    /// figure.
+    static QFont captionFont();
+    static QFont cardTitleFont();
+    static QFont pageTitleFont();
+    static QFont figureFont();
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    explicit Theme(QApplication& application);
+    void apply();
+
+    QApplication& application_;
+    Choice choice_ = Choice::system;
+    bool dark_ = false;
+};
+
+} // namespace quarn::desktop

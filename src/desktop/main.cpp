@@ -1,0 +1,44 @@
+#include "desktop/Desktop.h"
+#include "desktop/MainWindow.h"
+#include "desktop/SingleInstance.h"
+#include "desktop/Theme.h"
+#include "ui/settings/Prefs.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <unistd.h>
+
+int main(int argc, char** argv) {
+    using namespace quarn;
+    using namespace quarn::desktop;
+    QApplication application(argc, argv);
+    QApplication::setApplicationName("quarn");
+    QApplication::setApplicationDisplayName("Quarn");
+    QApplication::setApplicationVersion(QUARN_VERSION);
+    QApplication::setDesktopFileName("quarn");
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription("Process and hardware monitor");
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption root("root", "Read a captured machine in <folder>.", "folder", "/");
+    const QCommandLineOption page("page", "Open this page first.", "page");
+    const QCommandLineOption theme("theme", "Colours: system, light or dark.", "theme", "system");
+    parser.addOptions({root, page, theme});
+    parser.process(application);
+
+    const QString name = QString("quarn-%1-%2").arg(::getuid()).arg(qEnvironmentVariable("DISPLAY", "0"));
+    SingleInstance instance(name);
+    if (!instance.isFirst()) return 0;
+
+    const QString colours = parser.value(theme);
+    Theme::install(application, colours == "dark"    ? Theme::Choice::dark
+                                : colours == "light" ? Theme::Choice::light
+                                                     : Theme::Choice::system);
+    Desktop desktop(Prefs::shared(), sysinfo::SystemRoot(parser.value(root).toStdString()));
+    QObject::connect(&instance, &SingleInstance::raised, &desktop, &Desktop::showWindow);
+    desktop.start();
+    if (parser.isSet(page)) desktop.window().open(parser.value(page));
+    return QApplication::exec();
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "ui/modules/WidgetKind.h"
+
+#include <QObject>
+#include <map>
+#include <memory>
+
+namespace quarn {
+class Prefs;
+}
+
+namespace quarn::desktop {
+
+class WidgetPanel;
+
+/// The floating panels: those of the kinds in the setting `widgets` are open.
+class WidgetManager : public QObject {
+    Q_OBJECT
+public:
+    explicit WidgetManager(Prefs& prefs);
+    ~WidgetManager() override;
+
+    /// Opens and closes panels to match the settings, and applies opacity and staying on top.
+    void applyPrefs();
+    /// Adds the kind to the setting, or removes it.
+    void setEnabled(WidgetKind kind, bool enabled);
+    /// Stores the frames of all open panels.
+    void saveAll();
+    void snapshot(const Snapshot& snapshot, const Known& known);
+
+private:
+    void show(WidgetKind kind);
+    void hide(WidgetKind kind);
+
+    Prefs& prefs_;
+    std::map<WidgetKind, std::unique_ptr<WidgetPanel>> panels_;
+};
+
+} // namespace quarn::desktop

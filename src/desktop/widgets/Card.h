@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QFrame>
+#include <QString>
+
+class QLabel;
+class QVBoxLayout;
+
+namespace quarn::desktop {
+
+/// A titled surface. Without a title only its frame shows.
+class Card : public QFrame {
+    Q_OBJECT
+public:
+    explicit Card(const QString& title = {}, QWidget* parent = nullptr);
+
+    QVBoxLayout& content() { return *content_; }
+    void setTitle(const QString& title);
+    /// Dim text at the right of the title.
+    void setNote(const QString& note);
+
+private:
+    QLabel* title_;
+    QLabel* note_;
+    QVBoxLayout* content_;
+};
+
+/// Children from left to right, in as many rows as the width needs, each at least `minimum` wide and all of
+/// one row equally wide. Children are owned by this.
+class FlowGrid : public QWidget {
+    Q_OBJECT
+public:
+    explicit FlowGrid(int minimumWidth, QWidget* parent = nullptr);
+    void add(QWidget* child);
+
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    bool event(QEvent* event) override;
+
+private:
+    int place(int width, bool apply) const;
+
+    int minimumWidth_;
+    QList<QWidget*> children_;
+};
+
+} // namespace quarn::desktop

@@ -1,0 +1,73 @@
+#include "ui/modules/LiveHistory.h"
+
+#include "ui/modules/WidgetKind.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace quarn {
+
+namespace {
+
+constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+constexpr double pauseInTicks = 2.5;
+
+constexpr size_t at(LiveSeries series) { return static_cast<size_t>(series); }
+
+} // namespace
+
+void LiveHistory::add(const Snapshot& snapshot, const Known& known, double now, double tick) {
+    std::array<double, at(LiveSeries::count)> values;
+    values.fill(unknown);
+    if (!times_.empty() && now - times_.back() > pauseInTicks * tick) push(std::nextafter(now, 0), values);
+    const auto set = [&](LiveSeries series, bool isKnown, double value) {
+        if (isKnown) values[at(series)] = value;
+    };
+    const SCMem& mem = snapshot.mem;
+    set(LiveSeries::cpuTotal, known.cpu, snapshot.cpu.total);
+    set(LiveSeries::cpuSystem, known.cpu, snapshot.cpu.system);
+    set(LiveSeries::memoryUsed, known.memoryParts,
+        static_cast<double>(mem.used) * 100 / static_cast<double>(std::max<uint64_t>(mem.total, 1)));
+    set(LiveSeries::swapUsed, known.memory, static_cast<double>(mem.swapUsed));
+    set(LiveSeries::gpu, snapshot.gpu.device >= 0, snapshot.gpu.device);
+    const auto temperature = representativeTemperature(snapshot);
+    set(LiveSeries::temperature, temperature.has_value(), temperature.value_or(0));
+    set(LiveSeries::networkIn, known.network && known.rates, snapshot.net.rxRate);
+    set(LiveSeries::networkOut, known.network && known.rates, snapshot.net.txRate);
+    set(LiveSeries::diskRead, known.disk && known.rates, snapshot.disk.readRate);
+    set(LiveSeries::diskWrite, known.disk && known.rates, snapshot.disk.writeRate);
+    set(LiveSeries::power, snapshot.power.sysWatts > 0, snapshot.power.sysWatts);
+    set(LiveSeries::load, !snapshot.loadAvg.empty(), snapshot.loadAvg.empty() ? 0 : snapshot.loadAvg[0]);
+    push(now, values);
+}
+
+void LiveHistory::push(double time, const std::array<double, at(LiveSeries::count)>& values) {
+    times_.push_back(time);
+    for (size_t i = 0; i < values.size(); ++i) values_[i].push_back(values[i]);
+    // In batches, so that a point costs no move of all others.
+    if (time - times_.front() < longestSpan * 1.25) return;
+    const auto first = std::lower_bound(times_.begin(), times_.end(), time - longestSpan) - times_.begin();
+    times_.erase(times_.begin(), times_.begin() + first);
+    for (auto& series : values_) series.erase(series.begin(), series.begin() + first);
+}
+
+std::span<const double> LiveHistory::times() const { return times_; }
+std::span<const double> LiveHistory::values(LiveSeries series) const { return values_[at(series)]; }
+
+std::vector<double> LiveHistory::peaks(LiveSeries series, double span, size_t count) const {
+    std::vector<double> peaks(count, unknown);
+    if (times_.empty() || count == 0) return peaks;
+    const double slice = span / static_cast<double>(count);
+    const double newest = std::floor(times_.back() / slice);
+    const auto& values = values_[at(series)];
+    for (size_t i = times_.size(); i-- > 0;) {
+        const double back = newest - std::floor(times_[i] / slice);
+        if (back >= static_cast<double>(count)) break;
+        double& peak = peaks[count - 1 - static_cast<size_t>(back)];
+        if (std::isnan(peak) || values[i] > peak) peak = values[i];
+    }
+    return peaks;
+}
+
+} // namespace quarn

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "monitor/Snapshot.h"
+#include "ui/modules/Known.h"
+
+#include <array>
+#include <span>
+#include <vector>
+
+namespace quarn {
+
+/// What live graphs show over time.
+enum class LiveSeries {
+    cpuTotal,    ///< percent of the machine
+    cpuSystem,   ///< percent
+    memoryUsed,  ///< percent of what is built in
+    swapUsed,    ///< bytes
+    gpu,         ///< percent
+    temperature, ///< °C, the representative one
+    networkIn,   ///< bytes per second, as the next three
+    networkOut,
+    diskRead,
+    diskWrite,
+    power, ///< watts of the whole machine
+    load,  ///< of one minute
+    count
+};
+
+/// The readings of the last half hour, one point a tick. Belongs to the main thread.
+class LiveHistory {
+public:
+    static constexpr double longestSpan = 1800; ///< seconds
+
+    /// Takes the readings of `snapshot` at `now` (steady seconds); what is unknown becomes NaN. A pause of
+    /// more than two and a half times `tick` leaves a point of NaN, so that lines have a gap there.
+    void add(const Snapshot& snapshot, const Known& known, double now, double tick);
+
+    /// Steady seconds, ascending, one for each value of every series.
+    std::span<const double> times() const;
+    std::span<const double> values(LiveSeries series) const;
+    bool empty() const { return times().empty(); }
+
+    /// The largest value in each of `count` equal slices of the last `span` seconds, oldest first; NaN for a
+    /// slice without a reading. Slices lie on a fixed grid, so that columns move only when a slice ends.
+    std::vector<double> peaks(LiveSeries series, double span, size_t count) const;
+
+private:
+    void push(double time, const std::array<double, static_cast<size_t>(LiveSeries::count)>& values);
+
+    std::vector<double> times_;
+    std::array<std::vector<double>, static_cast<size_t>(LiveSeries::count)> values_;
+};
+
+} // namespace quarn

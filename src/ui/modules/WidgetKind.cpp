@@ -1,0 +1,163 @@
+#include "ui/modules/WidgetKind.h"
+
+#include "monitor/SensorGroups.h"
+#include "ui/modules/Format.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <limits>
+
+namespace quarn {
+
+namespace {
+
+constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+
+constexpr std::array<std::string_view, allWidgetKinds.size()> ids{"cpu",     "memory", "gpu",  "temperature",
+                                                                  "network", "disk",   "power"};
+constexpr std::array<std::string_view, allWidgetKinds.size()> titles{
+    "CPU", "Memory", "GPU", "Temperature", "Network", "Disk", "Power"};
+
+double memoryPercent(const SCMem& mem) {
+    return mem.total == 0 ? 0 : static_cast<double>(mem.used) * 100 / static_cast<double>(mem.total);
+}
+
+std::string degrees(double celsius, const ReadingStyle& style) {
+    return style.fahrenheit ? fmt::format("{:.0f} °F", celsius * 9 / 5 + 32)
+                            : fmt::format("{:.0f} °C", celsius);
+}
+
+/// Bytes a second, or bits where a person wants those.
+std::string networkRate(double bytesPerSecond, const ReadingStyle& style) {
+    if (!style.networkInBits) return format::rate(bytesPerSecond);
+    std::string text = format::rate(bytesPerSecond * 8); // "1.20 MB/s" → "1.20 Mb/s"
+    if (const auto unit = text.find('B'); unit != std::string::npos) text.replace(unit, 1, "b");
+    return text;
+}
+
+/// "12.3 MB/s", and "—" for what is not known.
+std::string diskRate(double bytesPerSecond) {
+    constexpr std::array<std::string_view, 5> units{"B", "kB", "MB", "GB", "TB"};
+    size_t unit = 0;
+    for (; bytesPerSecond >= 999.95 && unit + 1 < units.size(); ++unit) bytesPerSecond /= 1000;
+    return fmt::format("{:.1f} {}/s", bytesPerSecond, units[unit]);
+}
+
+/// Left-padded to `width` characters; characters are counted, not bytes.
+std::string padded(std::string text, size_t width) {
+    const auto isStart = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
+    const auto length = static_cast<size_t>(std::count_if(text.begin(), text.end(), isStart));
+    return length < width ? std::string(width - length, ' ') + text : text;
+}
+
+} // namespace
+
+std::string_view widgetKindId(WidgetKind kind) { return ids[static_cast<size_t>(kind)]; }
+
+std::optional<WidgetKind> widgetKindFromId(std::string_view id) {
+    const auto found = std::find(ids.begin(), ids.end(), id);
+    if (found == ids.end()) return {};
+    return static_cast<WidgetKind>(found - ids.begin());
+}
+
+std::string Reading::title(WidgetKind kind) { return std::string(titles[static_cast<size_t>(kind)]); }
+
+std::string Reading::headline(WidgetKind kind) const {
+    const std::string dash(format::unknown);
+    switch (kind) {
+    case WidgetKind::cpu: return known.cpu ? fmt::format("{:.0f} %", snapshot.cpu.total) : dash;
+    case WidgetKind::memory:
+        return known.memoryParts ? fmt::format("{:.0f} %", memoryPercent(snapshot.mem)) : dash;
+    case WidgetKind::gpu:
+        return snapshot.gpu.device >= 0 ? fmt::format("{:.0f} %", snapshot.gpu.device) : dash;
+    case WidgetKind::temperature: return temperature ? degrees(*temperature, style) : dash;
+    case WidgetKind::network:
+        return known.network && known.rates ? networkRate(snapshot.net.rxRate + snapshot.net.txRate, style)
+                                            : dash;
+    case WidgetKind::disk:
+        return known.disk && known.rates ? format::rate(snapshot.disk.readRate + snapshot.disk.writeRate)
+                                         : dash;
+    case WidgetKind::power:
+        return snapshot.power.sysWatts > 0 ? format::watts(snapshot.power.sysWatts) : dash;
+    }
+    return dash;
+}
+
+std::string Reading::caption(WidgetKind kind) const {
+    switch (kind) {
+    case WidgetKind::cpu: {
+        const size_t cores = snapshot.cpu.perCore.size();
+        if (snapshot.loadAvg.empty() || cores == 0) return "not known";
+        return fmt::format("load {:.2f} on {} {}", snapshot.loadAvg[0], cores, cores == 1 ? "core" : "cores");
+    }
+    case WidgetKind::memory:
+        if (!known.memoryParts) return "not known";
+        return fmt::format("{} of {}", format::memory(snapshot.mem.used), format::memory(snapshot.mem.total));
+    case WidgetKind::gpu:
+        if (snapshot.gpu.device < 0) return "no reading";
+        return snapshot.gpu.memUsed > 0 ? format::memory(snapshot.gpu.memUsed) + " in use" : "busy";
+    case WidgetKind::temperature: return temperature ? "hottest part" : "no sensors";
+    case WidgetKind::network:
+        if (!known.network || !known.rates) return "not known";
+        return fmt::format("in {}, out {}", networkRate(snapshot.net.rxRate, style),
+                           networkRate(snapshot.net.txRate, style));
+    case WidgetKind::disk:
+        if (!known.disk || !known.rates) return "not known";
+        return fmt::format("read {}, write {}", format::rate(snapshot.disk.readRate),
+                           format::rate(snapshot.disk.writeRate));
+    case WidgetKind::power:
+        if (snapshot.power.sysWatts > 0) return "whole machine";
+        return "no reading";
+    }
+    return {};
+}
+
+std::vector<double> Reading::values(WidgetKind kind) const {
+    switch (kind) {
+    case WidgetKind::cpu: return {known.cpu ? snapshot.cpu.total : unknown};
+    case WidgetKind::memory: return {known.memoryParts ? memoryPercent(snapshot.mem) : unknown};
+    case WidgetKind::gpu: return {snapshot.gpu.device >= 0 ? snapshot.gpu.device : unknown};
+    case WidgetKind::temperature: return {temperature.value_or(unknown)};
+    case WidgetKind::network:
+        if (!known.network || !known.rates) return {unknown, unknown};
+        return {snapshot.net.rxRate, snapshot.net.txRate};
+    case WidgetKind::disk:
+        if (!known.disk || !known.rates) return {unknown, unknown};
+        return {snapshot.disk.readRate, snapshot.disk.writeRate};
+    case WidgetKind::power: return {snapshot.power.sysWatts > 0 ? snapshot.power.sysWatts : unknown};
+    }
+    return {};
+}
+
+std::string Reading::menuBarText(WidgetKind kind) const {
+    const std::string dash(format::unknown);
+    const auto percent = [](double value) { return padded(fmt::format("{:.0f} %", value), 5); };
+    switch (kind) {
+    case WidgetKind::cpu: return percent(snapshot.cpu.total);
+    case WidgetKind::memory: return percent(memoryPercent(snapshot.mem));
+    case WidgetKind::gpu: return snapshot.gpu.device < 0 ? padded(dash, 5) : percent(snapshot.gpu.device);
+    case WidgetKind::temperature: return padded(temperature ? degrees(*temperature, style) : dash, 5);
+    case WidgetKind::network:
+        return padded(networkRate(snapshot.net.rxRate, style), 9) + " " +
+               padded(networkRate(snapshot.net.txRate, style), 9);
+    case WidgetKind::disk: return padded(diskRate(snapshot.disk.readRate + snapshot.disk.writeRate), 9);
+    case WidgetKind::power:
+        return padded(snapshot.power.sysWatts > 0 ? fmt::format("{:.1f} W", snapshot.power.sysWatts) : dash,
+                      6);
+    }
+    return dash;
+}
+
+std::optional<double> representativeTemperature(const Snapshot& snapshot) {
+    if (snapshot.temps.empty()) return {};
+    const auto maxima =
+        SensorGroups::maxima({snapshot.temps.data(), snapshot.temps.size()},
+                             snapshot.isAppleSilicon ? SensorNaming::appleSilicon : SensorNaming::intel);
+    if (!maxima.empty()) return maxima.front().celsius; // the slots begin with the processor
+    const auto hottest = std::max_element(snapshot.temps.begin(), snapshot.temps.end(),
+                                          [](const Sensor& a, const Sensor& b) { return a.value < b.value; });
+    return hottest->value;
+}
+
+} // namespace quarn
