@@ -1,0 +1,192 @@
+#include "desktop/SampleMachine.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace quarn::testing {
+namespace {
+
+constexpr uint64_t mib = 1ull << 20;
+constexpr uint64_t gib = 1ull << 30;
+
+/// A wave between 0 and 1 with bursts, different for each seed.
+double wave(double tick, double seed) {
+    const double slow = 0.5 + 0.5 * std::sin(tick / 17 + seed * 1.7);
+    const double quick = 0.5 + 0.5 * std::sin(tick / 3.1 + seed * 4.3);
+    const double burst = std::fmod(tick * 0.37 + seed * 5, 11) > 9.5 ? 1 : 0;
+    return std::min(1.0, 0.45 * slow + 0.3 * quick + 0.45 * burst);
+}
+
+struct Program {
+    const char *name, *path, *user;
+    double cpu;      ///< percent of a core at its busiest
+    uint64_t memory; ///< MiB
+    double diskRate; ///< bytes per second at its busiest
+};
+constexpr std::array programs{
+    Program{"firefox", "/usr/lib/firefox-esr/firefox-esr", "ada", 64, 812, 240e3},
+    Program{"cc1plus", "/usr/lib/gcc/x86_64-linux-gnu/12/cc1plus", "ada", 99, 460, 3.1e6},
+    Program{"gnome-shell", "/usr/bin/gnome-shell", "ada", 12, 388, 0},
+    Program{"Web Content", "/usr/lib/firefox-esr/firefox-esr", "ada", 31, 344, 12e3},
+    Program{"postgres", "/usr/lib/postgresql/15/bin/postgres", "postgres", 9, 168, 910e3},
+    Program{"Xorg", "/usr/lib/xorg/Xorg", "root", 6, 121, 0},
+    Program{"code", "/usr/share/code/code", "ada", 17, 512, 44e3},
+    Program{"pipewire", "/usr/bin/pipewire", "ada", 3, 18, 0},
+    Program{"sshd", "/usr/sbin/sshd", "root", 0.2, 6, 0},
+    Program{"bash", "/usr/bin/bash", "ada", 0.1, 5, 0},
+    Program{"systemd-journal", "/usr/lib/systemd/systemd-journald", "root", 0.6, 42, 18e3},
+    Program{"kworker/u16:2-events_unbound", "", "root", 1.1, 0, 0},
+};
+
+ProcInfo process(size_t index, double tick) {
+    const Program& program = programs[index % programs.size()];
+    const double share = index < programs.size() ? wave(tick, static_cast<double>(index)) : 0.02;
+    ProcInfo info;
+    info.pid = static_cast<int64_t>(index == 0 ? 1204 : 300 + index * 37);
+    info.ppid = index % 3 == 0 ? 1 : static_cast<int64_t>(300 + index / 3 * 37);
+    info.name = program.name;
+    info.user = program.user;
+    info.uid = program.user == std::string_view("ada") ? 1000 : 0;
+    info.state = share > 0.3 ? "Running" : "Sleeping";
+    info.path = program.path;
+    info.cpuPercent = program.cpu * share;
+    info.memBytes = program.memory * mib * (index < programs.size() ? 1 : 1.0 / (2 + index % 7));
+    info.threads = static_cast<int64_t>(1 + index * 7 % 40);
+    info.cpuTimeNs = static_cast<uint64_t>((tick + 3600) * program.cpu * 1e7);
+    info.startTime = 1'700'000'000 + index * 60;
+    info.startTimeMicros = *info.startTime * 1'000'000;
+    info.accessible = true;
+    info.ioKnown = info.uid == 1000;
+    info.diskRead = info.ioKnown ? 1'000'000 * index : 0;
+    info.diskReadRate = info.ioKnown ? program.diskRate * share : 0;
+    info.diskWriteRate = info.ioKnown ? program.diskRate * share / 3 : 0;
+    info.contextSwitches = 1000 * index;
+    info.cswRate = 40 * share;
+    return info;
+}
+
+NetInterface interface(const char* name, double in, double out) {
+    NetInterface link;
+    link.name = name;
+    link.mac = "02:42:ac:11:00:02";
+    link.addrs = "192.0.2.17, fd00::17";
+    link.up = true;
+    link.rxBytes = 74'210'000'000;
+    link.txBytes = 5'104'000'000;
+    link.mtu = 1500;
+    link.linkSpeedMbps = 1000;
+    link.media = "1000baseT full-duplex";
+    link.rxRate = in;
+    link.txRate = out;
+    return link;
+}
+
+DiskDevice disk(const char* bsd, const char* name, uint64_t size, bool isInternal, double read,
+                double write) {
+    DiskDevice device;
+    device.bsd = bsd;
+    device.name = name;
+    device.interconnect = isInternal ? "NVMe" : "USB";
+    device.medium = "SSD";
+    device.architecture = device.interconnect;
+    device.size = size;
+    device.isInternal = isInternal;
+    device.readRate = read;
+    device.writeRate = write;
+    return device;
+}
+
+} // namespace
+
+Snapshot SampleMachine::at(int tickNumber) const {
+    const double tick = tickNumber;
+    Snapshot s;
+    s.cpu = {};
+    for (size_t core = 0; core < cores; ++core) {
+        const double busy = 100 * wave(tick, static_cast<double>(core) / 3);
+        s.cpu.perCore.push_back(busy);
+        s.cpu.perCoreSystem.push_back(busy / 5);
+        s.cpu.total += busy / static_cast<double>(cores);
+    }
+    s.cpu.system = s.cpu.total / 5;
+    s.cpu.user = s.cpu.total - s.cpu.system;
+    s.cpu.idle = 100 - s.cpu.total;
+    s.mem.total = 16 * gib;
+    s.mem.app = static_cast<uint64_t>((5.1 + 0.8 * wave(tick / 4, 3)) * gib);
+    s.mem.wired = 900 * mib;
+    s.mem.compressed = 210 * mib;
+    s.mem.used = s.mem.app + s.mem.wired + s.mem.compressed;
+    s.mem.cached = 6 * gib;
+    s.mem.freeBytes = s.mem.total - s.mem.used - s.mem.cached;
+    s.mem.freeCount = s.mem.freeBytes;
+    s.mem.swapTotal = 4 * gib;
+    s.mem.swapUsed = 420 * mib;
+    s.mem.pageSize = 4096;
+    s.mem.pressureLevel = 1;
+    s.mem.freePercent = 61;
+    s.rates.faults = 1840;
+    s.rates.pageIn = 12;
+    s.rates.contextSwitches = 8'400;
+    s.net.rxRate = 2.4e6 * wave(tick, 7);
+    s.net.txRate = 310e3 * wave(tick, 8);
+    s.net.rxBytes = 74'210'000'000;
+    s.net.txBytes = 5'104'000'000;
+    s.interfaces = {interface("eth0", s.net.rxRate, s.net.txRate), interface("wlan0", 0, 0)};
+    s.disk.readRate = 14e6 * wave(tick, 9);
+    s.disk.writeRate = 5e6 * wave(tick, 10);
+    s.disk.activeFraction = 0.07;
+    s.disk.diskCount = 2;
+    s.disk.capacityBytes = 1'512'000'000'000;
+    s.disks = {disk("nvme0n1", "Samsung SSD 980", 1'000'204'886'016, true, s.disk.readRate, s.disk.writeRate),
+               disk("sda", "Portable SSD", 512'110'190'592, false, 0, 0)};
+    s.gpu = {.device = 100 * wave(tick, 11) / 2,
+             .renderer = 22,
+             .tiler = -1,
+             .memUsed = 1210 * mib,
+             .memAlloc = 4 * gib};
+    s.power.sysWatts = 9 + 14 * wave(tick, 12);
+    s.power.cpuWatts = s.power.sysWatts * 0.55;
+    s.power.gpuWatts = s.power.sysWatts * 0.2;
+    s.power.dramWatts = 1.2;
+    s.power.available = true;
+    s.powerSource = "Battery";
+    s.temps = {{"TCP1", 48 + 22 * wave(tick, 13)},
+               {"TC01", 51},
+               {"TC02", 49},
+               {"TN01", 38},
+               {"TGA1", 44},
+               {"TA01", 29}};
+    s.fanKeys = {{"F0Ac", 1900 + 300 * wave(tick, 14)}};
+    s.voltageKeys = {{"VP01", 12.08}};
+    Battery battery;
+    battery.present = true;
+    battery.percent = 74;
+    battery.timeToEmptyMin = 312;
+    battery.cycleCount = 208;
+    battery.designCapacity = 4400;
+    battery.nominalCapacity = 4031;
+    battery.voltage_mV = 11620;
+    battery.amperage_mA = -1290;
+    battery.temperatureC = 31;
+    battery.health = "Good";
+    s.battery = battery;
+    std::vector<ProcInfo> list;
+    for (size_t i = 0; i < processes; ++i) list.push_back(process(i, tick));
+    std::sort(list.begin(), list.end(), [](const ProcInfo& a, const ProcInfo& b) { return a.pid < b.pid; });
+    for (const auto& p : list) s.totalThreads += p.threads;
+    s.processes = std::move(list);
+    s.loadAvg = {2.31, 1.84, 1.40};
+    s.uptime = 273'600 + tick;
+    s.generation = s.processGeneration = s.disksGeneration = s.interfacesGeneration = 2 + tickNumber;
+    s.timestamp = WallTime(std::chrono::seconds(1'700'300'000 + tickNumber));
+    return s;
+}
+
+LiveHistory SampleMachine::history(int ticks) const {
+    LiveHistory history;
+    for (int tick = 0; tick < ticks; ++tick) history.add(at(tick), known(), tick, 1);
+    return history;
+}
+
+} // namespace quarn::testing

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "monitor/Snapshot.h"
+#include "ui/modules/Known.h"
+#include "ui/modules/LiveHistory.h"
+
+namespace quarn::testing {
+
+/// A machine with everything: a laptop of eight cores with sensors, battery, GPU, two disks and some traffic.
+/// A pure function of its arguments, so that pictures and tests are the same each time.
+struct SampleMachine {
+    size_t cores = 8;
+    size_t processes = 180;
+
+    /// Its state `tick` seconds after it was first sampled.
+    Snapshot at(int tick) const;
+    /// The readings of the first `ticks` seconds.
+    LiveHistory history(int ticks) const;
+
+    static Known known() { return {}; }
+};
+
+} // namespace quarn::testing

@@ -1,0 +1,20 @@
+#include "desktop/WindowFixture.h"
+
+#include "desktop/Theme.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+
+namespace quarn::testing {
+
+int withApplication(int argc, char** argv, const std::function<int()>& run) {
+    QTemporaryDir settings;
+    qputenv("XDG_CONFIG_HOME", settings.path().toUtf8());
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    desktop::Theme::install(application, desktop::Theme::Choice::light);
+    return run();
+}
+
+} // namespace quarn::testing

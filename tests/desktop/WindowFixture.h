@@ -1,0 +1,34 @@
+#pragma once
+
+#include "HelperKit/SerialQueue.h"
+#include "desktop/MainWindow.h"
+#include "desktop/QtExecutor.h"
+#include "desktop/SampleMachine.h"
+#include "monitor/Monitor.h"
+#include "ui/settings/Prefs.h"
+
+namespace quarn::testing {
+
+/// The main window over an engine that does not run: tests and pictures hand it its snapshots.
+class WindowFixture {
+public:
+    explicit WindowFixture(LiveHistory history) : history_(std::move(history)) {}
+
+    desktop::MainWindow& window() { return window_; }
+
+private:
+    desktop::QtExecutor main_;
+    SerialQueue queue_{"test.sampler"};
+    SerialQueue aux_{"test.aux"};
+    NoHelper helper_;
+    LiveHistory history_;
+    Monitor monitor_{
+        {.queue = queue_, .aux = aux_, .main = main_, .prefs = Prefs::shared(), .helper = helper_}};
+    desktop::MainWindow window_{monitor_, Prefs::shared(), history_};
+};
+
+/// Runs a QApplication without a display around `run`, with settings of its own in a folder that goes at the
+/// end.
+int withApplication(int argc, char** argv, const std::function<int()>& run);
+
+} // namespace quarn::testing

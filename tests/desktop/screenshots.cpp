@@ -1,0 +1,48 @@
+// screenshots DIR: every page of the window in light and dark, 1200 × 800 and 900 × 600, over a made-up
+// machine.
+#include "desktop/Theme.h"
+#include "desktop/WindowFixture.h"
+
+#include <QApplication>
+#include <QDir>
+#include <cstdio>
+
+int main(int argc, char** argv) {
+    using namespace quarn;
+    using namespace quarn::testing;
+    const QString folder = argc > 1 ? argv[1] : "screenshots";
+    if (!QDir().mkpath(folder)) {
+        std::fprintf(stderr, "screenshots: cannot make the folder %s\n", qPrintable(folder));
+        return 1;
+    }
+    return withApplication(argc, argv, [&] {
+        constexpr int seconds = 90;
+        const SampleMachine machine;
+        for (const auto theme : {desktop::Theme::Choice::light, desktop::Theme::Choice::dark}) {
+            desktop::Theme::current().choose(theme);
+            for (const QSize size : {QSize(1200, 800), QSize(900, 600)}) {
+                WindowFixture fixture(machine.history(seconds));
+                auto& window = fixture.window();
+                window.resize(size);
+                window.show();
+                for (const auto& page : desktop::pageTable()) {
+                    window.open(page.id);
+                    for (int tick = seconds - 2; tick < seconds; ++tick) {
+                        window.refresh(machine.at(tick), SampleMachine::known());
+                        for (int i = 0; i < 20; ++i) QApplication::processEvents(QEventLoop::AllEvents, 10);
+                    }
+                    const QString name =
+                        QString("%1/%2-%3-%4.png")
+                            .arg(folder, page.id, theme == desktop::Theme::Choice::dark ? "dark" : "light")
+                            .arg(size.width());
+                    if (!window.grab().save(name)) {
+                        std::fprintf(stderr, "screenshots: cannot write %s\n", qPrintable(name));
+                        return 1;
+                    }
+                }
+            }
+        }
+        std::printf("%s\n", qPrintable(QDir(folder).absolutePath()));
+        return 0;
+    });
+}
