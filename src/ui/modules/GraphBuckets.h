@@ -13,13 +13,16 @@ class GraphBuckets {
 public:
     explicit GraphBuckets(size_t bucketCount) : bucketCount_(bucketCount) {}
 
-    /// Takes a value at `time` (seconds). The slice is `sliceSeconds`, or else `spanSeconds` over the number
-    /// of columns, and never shorter than 0.2 s.
+    /// Takes a value at `time` (seconds); NaN is no reading. The slice is `sliceSeconds`, or else
+    /// `spanSeconds` over the number of columns, and never shorter than 0.2 s.
     void pushSample(double value, double time, double spanSeconds, std::optional<double> sliceSeconds = {});
 
     /// The closed slices, oldest first, at most as many as there are columns.
     const std::vector<double>& buckets() const { return buckets_; }
     size_t bucketCount() const { return bucketCount_; }
+
+    /// Forgets what was pushed and keeps `bucketCount` columns from now on.
+    void reset(size_t bucketCount) { *this = GraphBuckets(bucketCount); }
 
 private:
     std::vector<double> buckets_;

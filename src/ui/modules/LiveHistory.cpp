@@ -1,7 +1,5 @@
 #include "ui/modules/LiveHistory.h"
 
-#include "ui/modules/WidgetKind.h"
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -55,19 +53,46 @@ void LiveHistory::push(double time, const std::array<double, at(LiveSeries::coun
 std::span<const double> LiveHistory::times() const { return times_; }
 std::span<const double> LiveHistory::values(LiveSeries series) const { return values_[at(series)]; }
 
+double LiveHistory::sum(std::span<const LiveSeries> summands, size_t index) const {
+    double sum = 0;
+    for (const LiveSeries series : summands) sum += values(series)[index];
+    return sum;
+}
+
 std::vector<double> LiveHistory::peaks(LiveSeries series, double span, size_t count) const {
+    return peaks(std::span(&series, 1), span, count);
+}
+
+std::vector<double> LiveHistory::peaks(std::span<const LiveSeries> summands, double span,
+                                       size_t count) const {
     std::vector<double> peaks(count, unknown);
-    if (times_.empty() || count == 0) return peaks;
+    if (times_.empty() || count == 0 || !(span > 0)) return peaks;
     const double slice = span / static_cast<double>(count);
     const double newest = std::floor(times_.back() / slice);
-    const auto& values = values_[at(series)];
     for (size_t i = times_.size(); i-- > 0;) {
         const double back = newest - std::floor(times_[i] / slice);
         if (back >= static_cast<double>(count)) break;
         double& peak = peaks[count - 1 - static_cast<size_t>(back)];
-        if (std::isnan(peak) || values[i] > peak) peak = values[i];
+        if (const double value = sum(summands, i); std::isnan(peak) || value > peak) peak = value;
     }
     return peaks;
+}
+
+std::span<const LiveSeries> seriesOf(WidgetKind kind) {
+    static constexpr std::array all{LiveSeries::cpuTotal,    LiveSeries::memoryUsed, LiveSeries::gpu,
+                                    LiveSeries::temperature, LiveSeries::networkIn,  LiveSeries::networkOut,
+                                    LiveSeries::diskRead,    LiveSeries::diskWrite,  LiveSeries::power};
+    const auto from = [&](size_t first, size_t count) { return std::span(all).subspan(first, count); };
+    switch (kind) {
+    case WidgetKind::cpu: return from(0, 1);
+    case WidgetKind::memory: return from(1, 1);
+    case WidgetKind::gpu: return from(2, 1);
+    case WidgetKind::temperature: return from(3, 1);
+    case WidgetKind::network: return from(4, 2);
+    case WidgetKind::disk: return from(6, 2);
+    case WidgetKind::power: return from(8, 1);
+    }
+    return {};
 }
 
 } // namespace quarn

@@ -2,6 +2,7 @@
 
 #include "monitor/Snapshot.h"
 #include "ui/modules/Known.h"
+#include "ui/modules/WidgetKind.h"
 
 #include <array>
 #include <span>
@@ -26,7 +27,10 @@ enum class LiveSeries {
     count
 };
 
-/// The readings of the last half hour, one point a tick. Belongs to the main thread.
+/// The series whose sum is the graph of a kind.
+std::span<const LiveSeries> seriesOf(WidgetKind kind);
+
+/// The readings of the last half hour and a little more, one point a tick. Belongs to the main thread.
 class LiveHistory {
 public:
     static constexpr double longestSpan = 1800; ///< seconds
@@ -43,6 +47,10 @@ public:
     /// The largest value in each of `count` equal slices of the last `span` seconds, oldest first; NaN for a
     /// slice without a reading. Slices lie on a fixed grid, so that columns move only when a slice ends.
     std::vector<double> peaks(LiveSeries series, double span, size_t count) const;
+    /// The same of the sum of several series.
+    std::vector<double> peaks(std::span<const LiveSeries> summands, double span, size_t count) const;
+    /// The sum of several series at the point `index`; NaN where one of them is unknown.
+    double sum(std::span<const LiveSeries> summands, size_t index) const;
 
 private:
     void push(double time, const std::array<double, static_cast<size_t>(LiveSeries::count)>& values);

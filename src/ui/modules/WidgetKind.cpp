@@ -23,22 +23,10 @@ double memoryPercent(const SCMem& mem) {
     return mem.total == 0 ? 0 : static_cast<double>(mem.used) * 100 / static_cast<double>(mem.total);
 }
 
-std::string degrees(double celsius, const ReadingStyle& style) {
-    return style.fahrenheit ? fmt::format("{:.0f} °F", celsius * 9 / 5 + 32)
-                            : fmt::format("{:.0f} °C", celsius);
-}
-
-/// Bytes a second, or bits where a person wants those.
-std::string networkRate(double bytesPerSecond, const ReadingStyle& style) {
-    if (!style.networkInBits) return format::rate(bytesPerSecond);
-    std::string text = format::rate(bytesPerSecond * 8); // "1.20 MB/s" → "1.20 Mb/s"
-    if (const auto unit = text.find('B'); unit != std::string::npos) text.replace(unit, 1, "b");
-    return text;
-}
-
-/// "12.3 MB/s", and "—" for what is not known.
+/// "12.3 MB/s"; one decimal at any size, so that the text of a status item keeps its width.
 std::string diskRate(double bytesPerSecond) {
     constexpr std::array<std::string_view, 5> units{"B", "kB", "MB", "GB", "TB"};
+    if (!(bytesPerSecond >= 0)) return std::string(format::unknown);
     size_t unit = 0;
     for (; bytesPerSecond >= 999.95 && unit + 1 < units.size(); ++unit) bytesPerSecond /= 1000;
     return fmt::format("{:.1f} {}/s", bytesPerSecond, units[unit]);
@@ -49,6 +37,25 @@ std::string padded(std::string text, size_t width) {
     const auto isStart = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; };
     const auto length = static_cast<size_t>(std::count_if(text.begin(), text.end(), isStart));
     return length < width ? std::string(width - length, ' ') + text : text;
+}
+
+/// "34k", "1.2M", "0": a rate in at most four characters.
+std::string shortRate(double perSecond) {
+    constexpr std::array<std::string_view, 4> units{"k", "M", "G", "T"};
+    if (!(perSecond >= 0)) return std::string(format::unknown);
+    if (perSecond < 50) return "0";
+    size_t unit = 0;
+    for (perSecond /= 1000; perSecond >= 999.5 && unit + 1 < units.size(); ++unit) perSecond /= 1000;
+    return fmt::format("{:.{}f}{}", perSecond, perSecond < 9.95 ? 1 : 0, units[unit]);
+}
+
+/// The part of the machine that the representative temperature is of.
+std::string_view hottestPart(const Snapshot& snapshot) {
+    const auto naming = snapshot.isAppleSilicon ? SensorNaming::appleSilicon : SensorNaming::intel;
+    const auto maxima = SensorGroups::maxima({snapshot.temps.data(), snapshot.temps.size()}, naming);
+    for (const auto& slot : SensorGroups::slotNames(naming))
+        if (!maxima.empty() && slot.prefix == maxima.front().prefix) return slot.name;
+    return "hottest sensor";
 }
 
 } // namespace
@@ -71,10 +78,11 @@ std::string Reading::headline(WidgetKind kind) const {
         return known.memoryParts ? fmt::format("{:.0f} %", memoryPercent(snapshot.mem)) : dash;
     case WidgetKind::gpu:
         return snapshot.gpu.device >= 0 ? fmt::format("{:.0f} %", snapshot.gpu.device) : dash;
-    case WidgetKind::temperature: return temperature ? degrees(*temperature, style) : dash;
+    case WidgetKind::temperature: return temperature ? temperatureText(*temperature, style) : dash;
     case WidgetKind::network:
-        return known.network && known.rates ? networkRate(snapshot.net.rxRate + snapshot.net.txRate, style)
-                                            : dash;
+        return known.network && known.rates
+                   ? networkRateText(snapshot.net.rxRate + snapshot.net.txRate, style)
+                   : dash;
     case WidgetKind::disk:
         return known.disk && known.rates ? format::rate(snapshot.disk.readRate + snapshot.disk.writeRate)
                                          : dash;
@@ -97,11 +105,11 @@ std::string Reading::caption(WidgetKind kind) const {
     case WidgetKind::gpu:
         if (snapshot.gpu.device < 0) return "no reading";
         return snapshot.gpu.memUsed > 0 ? format::memory(snapshot.gpu.memUsed) + " in use" : "busy";
-    case WidgetKind::temperature: return temperature ? "hottest part" : "no sensors";
+    case WidgetKind::temperature: return temperature ? std::string(hottestPart(snapshot)) : "no sensors";
     case WidgetKind::network:
         if (!known.network || !known.rates) return "not known";
-        return fmt::format("in {}, out {}", networkRate(snapshot.net.rxRate, style),
-                           networkRate(snapshot.net.txRate, style));
+        return fmt::format("in {}, out {}", networkRateText(snapshot.net.rxRate, style),
+                           networkRateText(snapshot.net.txRate, style));
     case WidgetKind::disk:
         if (!known.disk || !known.rates) return "not known";
         return fmt::format("read {}, write {}", format::rate(snapshot.disk.readRate),
@@ -130,23 +138,50 @@ std::vector<double> Reading::values(WidgetKind kind) const {
     return {};
 }
 
+double Reading::value(WidgetKind kind) const {
+    double sum = 0;
+    for (const double value : values(kind)) sum += value;
+    return sum;
+}
+
 std::string Reading::menuBarText(WidgetKind kind) const {
     const std::string dash(format::unknown);
-    const auto percent = [](double value) { return padded(fmt::format("{:.0f} %", value), 5); };
+    const auto percent = [&](double value) { return value >= 0 ? fmt::format("{:.0f} %", value) : dash; };
     switch (kind) {
-    case WidgetKind::cpu: return percent(snapshot.cpu.total);
-    case WidgetKind::memory: return percent(memoryPercent(snapshot.mem));
-    case WidgetKind::gpu: return snapshot.gpu.device < 0 ? padded(dash, 5) : percent(snapshot.gpu.device);
-    case WidgetKind::temperature: return padded(temperature ? degrees(*temperature, style) : dash, 5);
-    case WidgetKind::network:
-        return padded(networkRate(snapshot.net.rxRate, style), 9) + " " +
-               padded(networkRate(snapshot.net.txRate, style), 9);
-    case WidgetKind::disk: return padded(diskRate(snapshot.disk.readRate + snapshot.disk.writeRate), 9);
+    case WidgetKind::cpu: return padded(known.cpu ? percent(snapshot.cpu.total) : dash, 5);
+    case WidgetKind::memory:
+        // Nothing built in is no memory used; an amount whose use cannot be read is another thing.
+        return padded(
+            known.memoryParts || snapshot.mem.total == 0 ? percent(memoryPercent(snapshot.mem)) : dash, 5);
+    case WidgetKind::gpu: return padded(percent(snapshot.gpu.device), 5);
+    case WidgetKind::temperature: return padded(temperature ? temperatureText(*temperature, style) : dash, 5);
+    case WidgetKind::network: {
+        const auto rates = values(kind); // NaN, which reads as "—", where they are not known
+        return padded(networkRateText(rates[0], style), 9) + " " +
+               padded(networkRateText(rates[1], style), 9);
+    }
+    case WidgetKind::disk: return padded(diskRate(value(kind)), 9);
     case WidgetKind::power:
         return padded(snapshot.power.sysWatts > 0 ? fmt::format("{:.1f} W", snapshot.power.sysWatts) : dash,
                       6);
     }
     return dash;
+}
+
+std::string Reading::shortText(WidgetKind kind) const {
+    const double value = this->value(kind);
+    if (std::isnan(value)) return std::string(format::unknown);
+    switch (kind) {
+    case WidgetKind::cpu:
+    case WidgetKind::memory:
+    case WidgetKind::gpu: return fmt::format("{:.0f}", value);
+    case WidgetKind::temperature:
+        return fmt::format("{:.0f}°", style.fahrenheit ? value * 9 / 5 + 32 : value);
+    case WidgetKind::network: return shortRate(style.networkInBits ? value * 8 : value);
+    case WidgetKind::disk: return shortRate(value);
+    case WidgetKind::power: return fmt::format("{:.{}f}W", value, value < 9.95 ? 1 : 0);
+    }
+    return {};
 }
 
 std::optional<double> representativeTemperature(const Snapshot& snapshot) {

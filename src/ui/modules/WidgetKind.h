@@ -2,6 +2,7 @@
 
 #include "monitor/Snapshot.h"
 #include "ui/modules/Known.h"
+#include "ui/modules/ReadingStyle.h"
 
 #include <array>
 #include <optional>
@@ -21,12 +22,6 @@ inline constexpr std::array allWidgetKinds{WidgetKind::cpu,         WidgetKind::
 std::string_view widgetKindId(WidgetKind kind);
 std::optional<WidgetKind> widgetKindFromId(std::string_view id);
 
-/// How a person wants readings written.
-struct ReadingStyle {
-    bool fahrenheit = false;
-    bool networkInBits = false;
-};
-
 /// What one snapshot says of each kind. A reading that is not known is "—" in texts and NaN in values.
 struct Reading {
     const Snapshot& snapshot;
@@ -41,10 +36,28 @@ struct Reading {
     std::string caption(WidgetKind kind) const;
     /// The numbers of its graph: one, or two for network (received, sent) and disk (read, written).
     std::vector<double> values(WidgetKind kind) const;
+    /// The sum of `values`: what a graph of one line shows.
+    double value(WidgetKind kind) const;
     /// The fixed-width text of a status item; padded on the left with blanks so that the item keeps its
     /// width.
     std::string menuBarText(WidgetKind kind) const;
+    /// The same in at most four characters, for a square of a few pixels: "37", "54°", "1.2M", "12W".
+    std::string shortText(WidgetKind kind) const;
 };
+
+/// The value at the top of a kind's graph; 0 where that follows what is shown.
+constexpr double fullScale(WidgetKind kind) {
+    switch (kind) {
+    case WidgetKind::cpu:
+    case WidgetKind::memory:
+    case WidgetKind::gpu:
+    case WidgetKind::temperature: return 100;
+    case WidgetKind::network:
+    case WidgetKind::disk:
+    case WidgetKind::power: return 0;
+    }
+    return 0;
+}
 
 /// The representative temperature of the machine: the hottest of the first group that has any, of CPU, GPU,
 /// and the rest. nullopt without sensors.
