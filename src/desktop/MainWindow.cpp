@@ -52,7 +52,7 @@ MainWindow::~MainWindow() = default;
 QString MainWindow::firstPage() const {
     const auto shown = sidebarPages(prefs_.sidebarLayout.get());
     if (prefs_.rememberPage.get())
-        if (const QString last = UiState::text("window/page"); shown.contains(last)) return last;
+        if (QString last = UiState::text("window/page"); shown.contains(last)) return last;
     const auto& table = pageTable();
     const auto start = static_cast<size_t>(prefs_.startPage.get());
     return start < table.size() ? QString(table[start].id) : shown.first();

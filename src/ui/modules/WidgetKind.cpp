@@ -71,7 +71,7 @@ std::optional<WidgetKind> widgetKindFromId(std::string_view id) {
 std::string Reading::title(WidgetKind kind) { return std::string(titles[static_cast<size_t>(kind)]); }
 
 std::string Reading::headline(WidgetKind kind) const {
-    const std::string dash(format::unknown);
+    std::string dash(format::unknown);
     switch (kind) {
     case WidgetKind::cpu: return known.cpu ? fmt::format("{:.0f} %", snapshot.cpu.total) : dash;
     case WidgetKind::memory:
@@ -145,7 +145,7 @@ double Reading::value(WidgetKind kind) const {
 }
 
 std::string Reading::menuBarText(WidgetKind kind) const {
-    const std::string dash(format::unknown);
+    std::string dash(format::unknown);
     const auto percent = [&](double value) { return value >= 0 ? fmt::format("{:.0f} %", value) : dash; };
     switch (kind) {
     case WidgetKind::cpu: return padded(known.cpu ? percent(snapshot.cpu.total) : dash, 5);
