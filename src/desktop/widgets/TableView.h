@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QTreeView>
+
+class QTimer;
+
+namespace quarn::desktop {
+
+class TableModel;
+
+/// Every list of the application: even rows with a faint line below, whole rows selected, headers that sort
+/// (with the arrow always visible), columns that can be moved, resized and chosen with a right click on the
+/// header. Ctrl+C copies the selected rows as text. What the user arranged is kept under the table's name.
+///
+/// The first column of the model is always shown and takes the room that the others leave.
+class TableView : public QTreeView {
+    Q_OBJECT
+public:
+    enum class Shape { list, tree };
+
+    /// `name` stands for the table in the stored state.
+    explicit TableView(const QString& name, Shape shape = Shape::list, QWidget* parent = nullptr);
+    ~TableView() override;
+
+    /// Shows a model whose rows are sorted by `sortColumn` as long as the user chose no other.
+    void show(TableModel& model, int sortColumn, Qt::SortOrder order);
+    void setShape(Shape shape);
+    /// What an empty table says, in the place of its rows: why it is empty and what to do.
+    void setEmptyText(const QString& text);
+
+    /// The selected rows, from top to bottom, each once, with the index of its first column.
+    QModelIndexList selectedRows() const;
+    /// The shown columns of the selected rows, tabs between them.
+    QString selectedText() const;
+
+    void drawRow(QPainter* painter, const QStyleOptionViewItem& options,
+                 const QModelIndex& index) const override;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    using QTreeView::setModel;
+
+    void arrangeAsBuilt();
+    void restore(int sortColumn, Qt::SortOrder order);
+    void save() const;
+    void saveSoon();
+    void fillWidth();
+    void chooseColumns(const QPoint& at);
+
+    QString name_;
+    QString emptyText_;
+    TableModel* table_ = nullptr;
+    QTimer* saving_;
+    QModelIndex hovered_;     ///< while painting
+    int leastFirstWidth_ = 0; ///< what the user gave the first column
+    bool arranging_ = false;  ///< the columns move by our own doing
+    int builtSortColumn_ = 0;
+    Qt::SortOrder builtOrder_ = Qt::AscendingOrder;
+};
+
+} // namespace quarn::desktop
