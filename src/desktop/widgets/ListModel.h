@@ -54,7 +54,7 @@ public:
         show();
     }
     Qt::ItemFlags flags(const QModelIndex& index) const override {
-        return TableModel::flags(index) | Qt::ItemNeverHasChildren;
+        return index.isValid() ? TableModel::flags(index) | Qt::ItemNeverHasChildren : Qt::NoItemFlags;
     }
 
     QVariant data(const QModelIndex& index, int role) const override {

@@ -89,6 +89,12 @@ void TableView::setShape(Shape shape) {
     setItemsExpandable(shape == Shape::tree);
 }
 
+void TableView::fitRows() {
+    setSizeAdjustPolicy(AdjustToContents);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+}
+
 void TableView::setEmptyText(const QString& text) {
     if (emptyText_ == text) return;
     emptyText_ = text;

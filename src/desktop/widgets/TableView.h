@@ -25,6 +25,8 @@ public:
     /// Shows a model whose rows are sorted by `sortColumn` as long as the user chose no other.
     void show(TableModel& model, int sortColumn, Qt::SortOrder order);
     void setShape(Shape shape);
+    /// For short lists within a page that scrolls as a whole: as high as the rows, without a scroll bar.
+    void fitRows();
     /// What an empty table says, in the place of its rows: why it is empty and what to do.
     void setEmptyText(const QString& text);
 
