@@ -126,7 +126,11 @@ QColor Theme::kind(WidgetKind kind, bool second) const {
         return QColor(0x667080);
     }();
     const QColor shown = dark_ ? mixed(hue, Qt::white, 0.22) : hue;
-    return second ? mixed(shown, surface(), 0.45) : shown;
+    return second ? mixed(surface(), shown, secondStrength) : shown;
+}
+
+QColor Theme::shade(WidgetKind of, double strength) const {
+    return strength > 0 ? mixed(surface(), kind(of), strength) : line();
 }
 
 QFont Theme::captionFont() { return scaled(11.0 / 13, QFont::Normal); }

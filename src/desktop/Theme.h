@@ -35,6 +35,9 @@ public:
     QColor critical() const;
     /// The hue of a kind of reading; `second` is that of its second series (system share, sent, written).
     QColor kind(WidgetKind kind, bool second = false) const;
+    /// A weaker hue of a kind, for parts of one whole: 1 is the hue itself; 0 is what is empty.
+    QColor shade(WidgetKind kind, double strength) const;
+    static constexpr double secondStrength = 0.55; ///< the shade that is the second series
 
     /// The 8-pixel grid.
     static constexpr int gap = 8, cardPadding = 12, corner = 8, rowHeight = 26;
