@@ -54,6 +54,7 @@ void Desktop::take(const Snapshot& snapshot) {
     window_->refresh(snapshot, known);
     statusItems_->snapshot(snapshot, known);
     panels_->snapshot(snapshot, known);
+    Q_EMIT refreshed();
 }
 
 void Desktop::settingsChanged() {

@@ -29,6 +29,10 @@ public:
     void showWindow();
     MainWindow& window() { return *window_; }
 
+Q_SIGNALS:
+    /// Everything that is shown has followed the latest snapshot.
+    void refreshed();
+
 private:
     void take(const Snapshot& snapshot);
     void settingsChanged();
