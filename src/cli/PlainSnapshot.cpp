@@ -1,9 +1,9 @@
 #include "cli/PlainSnapshot.h"
 
 #include "cli/ProcessColumns.h"
-#include "cli/view/Frame.h"
 #include "cli/view/MeterList.h"
 #include "ui/modules/Format.h"
+#include "ui/modules/StateSentence.h"
 
 #include <array>
 #include <fmt/format.h>

@@ -7,6 +7,7 @@
 #include "core/NeuralEngine.h"
 #include "monitor/HardwareConversion.h"
 #include "ui/modules/Format.h"
+#include "ui/modules/HardwareText.h"
 
 #include <fmt/format.h>
 #include <thread>
@@ -92,19 +93,6 @@ void addGpu(const sysinfo::GpuReading& gpu, FactList& facts) {
 }
 
 // ---- Hardware
-
-std::string coresText(const Hardware& hardware) {
-    if (hardware.physCpu <= 0) return {};
-    std::string text = fmt::format("{}", hardware.physCpu);
-    if (hardware.effCores > 0)
-        text += fmt::format(" ({} performance, {} efficiency)", hardware.perfCores, hardware.effCores);
-    if (hardware.ncpu != hardware.physCpu) text += fmt::format(", {} threads", hardware.ncpu);
-    return text;
-}
-
-std::string clockText(uint64_t hertz) {
-    return hertz > 0 ? fmt::format("{:.2f} GHz", static_cast<double>(hertz) / 1e9) : std::string();
-}
 
 std::string virtualText(const Hardware& hardware) {
     if (hardware.vmPresent) return "this is a virtual machine";

@@ -4,6 +4,7 @@
 #include "cli/view/MeterList.h"
 #include "cli/view/ProcessTable.h"
 #include "ui/modules/Format.h"
+#include "ui/modules/StateSentence.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +17,6 @@ namespace {
 constexpr int wide = 124;         ///< from here on two meters stand side by side
 constexpr int leastProcesses = 5; ///< rows of processes that meters give way to
 constexpr int meterGap = 4;
-constexpr double noticeable = 1; ///< percent of a core from which on a process is worth naming
 
 struct Layout { // which row holds what; rows are counted from the top
     int margin = 1;
@@ -142,23 +142,7 @@ int drawMeters(Canvas& canvas, Strip top, int rows, const std::vector<Meter>& me
     return top.row + std::min(rows, static_cast<int>((meters.size() + perRow - 1) / perRow));
 }
 
-/// "1.9"; from a hundred on whole cores.
-std::string busyCores(double busy) { return fmt::format("{:.{}f}", busy, busy < 99.95 ? 1 : 0); }
-
 } // namespace
-
-std::string stateSentence(const Snapshot& snapshot, const Known& known) {
-    if (!known.cpu) return {};
-    const size_t cores = snapshot.cpu.perCore.size();
-    const double busy = snapshot.cpu.total / 100 * static_cast<double>(cores);
-    std::string sentence = cores == 1 ? fmt::format("The core is {:.0f} % busy", snapshot.cpu.total)
-                                      : fmt::format("{} of {} cores busy", busyCores(busy), cores);
-    const auto top = ordered(snapshot.processes, ProcessOrder::cpu, 1, known);
-    if (!top.empty() && known.processRates && top.front()->cpuPercent >= noticeable) {
-        sentence += fmt::format("; {} uses most", top.front()->name.view());
-    }
-    return sentence;
-}
 
 Canvas frame(const Snapshot& snapshot, Size size, const FrameOptions& options) {
     Canvas canvas(size, options.charset);

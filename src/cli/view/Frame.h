@@ -24,7 +24,4 @@ struct FrameOptions {
 /// Pure. A small terminal shows fewer rows and columns, down to a single cell.
 Canvas frame(const Snapshot& snapshot, Size size, const FrameOptions& options);
 
-/// The state of the machine in plain words: "1.9 of 8 cores busy; firefox uses most".
-std::string stateSentence(const Snapshot& snapshot, const Known& known);
-
 } // namespace quarn::cli

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "monitor/Snapshot.h"
+#include "ui/modules/Known.h"
+#include "ui/modules/WidgetKind.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace quarn {
+
+class Prefs;
+
+enum class NoticeLevel { note, warning, critical };
+
+/// Something about the machine that is worth saying.
+struct Notice {
+    NoticeLevel level;
+    std::string text;   ///< "/home is nearly full"
+    std::string detail; ///< "3.21 GB of 512 GB free"
+    std::string page;   ///< the id of the page that shows more
+    std::string search; ///< what to search for there
+    bool operator==(const Notice&) const = default;
+};
+
+/// From where on things are worth saying; the thresholds of alerts.
+struct AttentionLimits {
+    double celsius = 95;
+    double freeSpacePercent = 10;
+    double batteryPercent = 15;
+    double swapBytes = 8e9;
+};
+AttentionLimits attentionLimits(const Prefs& prefs);
+
+/// Looks for what needs attention, snapshot after snapshot. Belongs to one thread.
+class Attention {
+public:
+    /// What is worth saying at `now` (steady seconds), the gravest first. `volumes` may be some seconds old.
+    std::vector<Notice> look(const Snapshot& snapshot, const Known& known, std::span<const Volume> volumes,
+                             const AttentionLimits& limits, const ReadingStyle& style, double now);
+
+private:
+    void lookAtZombies(const Snapshot& snapshot, double now, std::vector<Notice>& notices);
+
+    struct Zombie {
+        int64_t pid;
+        std::optional<uint64_t> start;
+        double since;
+    };
+    std::vector<Zombie> zombies_; ///< ascending by pid
+};
+
+} // namespace quarn
