@@ -83,7 +83,7 @@ TEST(Frame, FillsAnyTerminalWhateverTheMachineAndItsProcessesAreCalled) {
 
 TEST(Frame, AStandardTerminalShowsMetersCoresAndProcesses) {
     const auto rows = rowsOf(sampleSnapshot(), {80, 24});
-    EXPECT_TRUE(rows[0].starts_with(" workshop  1.9 of 8 cores busy; sshd uses most")) << rows[0];
+    EXPECT_TRUE(rows[0].starts_with(" workshop  1.9 of 8 cores busy; systemd uses most")) << rows[0];
     EXPECT_TRUE(contains(rows[0], "up 3 d 4 h"));
     EXPECT_TRUE(contains(rows[rowWith(rows, "CPU ")], "23.4 %  load 0.52 0.41 0.30"));
     EXPECT_TRUE(contains(rows[rowWith(rows, "Memory")], "37.5 %  3.00 of 8.00 GiB   2.00 GiB cached"));
