@@ -1,6 +1,7 @@
 #include "desktop/Desktop.h"
 
 #include "desktop/MainWindow.h"
+#include "desktop/Theme.h"
 #include "desktop/panels/WidgetManager.h"
 #include "desktop/tray/StatusItemController.h"
 #include "ui/settings/Prefs.h"
@@ -46,6 +47,11 @@ void Desktop::start() {
     if (prefs_.openWindowAtLaunch.get() || !statusItems_->hasTray()) showWindow();
 }
 
+void Desktop::followThemeSetting() {
+    followsTheme_ = true;
+    Theme::current().choose(prefs_.appTheme.get());
+}
+
 void Desktop::showWindow() { window_->present(); }
 
 void Desktop::take(const Snapshot& snapshot) {
@@ -63,6 +69,7 @@ void Desktop::settingsChanged() {
         monitor_.setProfile(profileFromText(profile).value_or(SamplingProfile::normal));
         monitor_.start();
     }
+    if (followsTheme_) followThemeSetting();
     window_->settingsChanged();
     statusItems_->prefsChanged();
     panels_->applyPrefs();

@@ -26,6 +26,8 @@ public:
 
     /// Starts sampling, the status items and panels, and shows the window unless the settings say not to.
     void start();
+    /// Has the colours of the setting `appTheme` from now on.
+    void followThemeSetting();
     void showWindow();
     MainWindow& window() { return *window_; }
 
@@ -52,6 +54,7 @@ private:
     std::optional<SensorRetention> sensors_; ///< while the window is open
     SettingsStore::Subscription subscription_;
     std::string profile_;
+    bool followsTheme_ = false;
 };
 
 } // namespace quarn::desktop

@@ -20,7 +20,7 @@ MainWindow::MainWindow(Monitor& monitor, Prefs& prefs, const LiveHistory& histor
     : prefs_(prefs),
       context_{monitor, prefs, history, *this},
       sidebar_(new Sidebar(prefs)),
-      search_(new SearchField(prefs, *this, [this] { return snapshot_.processes; })),
+      search_(new SearchField(*this, [this] { return snapshot_.processes; })),
       stack_(new QStackedWidget) {
     setWindowTitle("Quarn");
     setWindowIcon(icon("quarn"));

@@ -3,7 +3,7 @@
 #include "desktop/Icon.h"
 #include "desktop/Page.h"
 #include "desktop/Text.h"
-#include "ui/settings/Prefs.h"
+#include "ui/modules/SettingRows.h"
 
 #include <QKeyEvent>
 #include <QListWidget>
@@ -11,9 +11,8 @@
 
 namespace quarn::desktop {
 
-SearchField::SearchField(Prefs& prefs, Navigator& navigator, Processes processes, QWidget* parent)
+SearchField::SearchField(Navigator& navigator, Processes processes, QWidget* parent)
     : QLineEdit(parent),
-      prefs_(prefs),
       navigator_(navigator),
       processes_(std::move(processes)),
       list_(new QListWidget(this)) {
@@ -29,8 +28,7 @@ SearchField::SearchField(Prefs& prefs, Navigator& navigator, Processes processes
             [this](QListWidgetItem* item) { choose(list_->row(item)); });
 }
 
-std::vector<SearchField::Hit> SearchField::hits(const QString& typed, const SharedList<ProcInfo>& processes,
-                                                const Prefs& prefs) {
+std::vector<SearchField::Hit> SearchField::hits(const QString& typed, const SharedList<ProcInfo>& processes) {
     constexpr size_t most = 12;
     std::vector<Hit> found;
     const QString query = typed.trimmed();
@@ -47,18 +45,16 @@ std::vector<SearchField::Hit> SearchField::hits(const QString& typed, const Shar
         found.push_back({byPid ? toQt(process.name) + " (" + query + ")" : toQt(process.name), say("Process"),
                          "processes", byPid ? query : toQt(process.name)});
     }
-    for (const auto* setting : prefs.settings()) {
-        if (found.size() >= most) break;
-        const QString key = toQt(setting->key()), meaning = toQt(setting->meaning());
-        if (key.contains(query, Qt::CaseInsensitive) || meaning.contains(query, Qt::CaseInsensitive))
-            found.push_back({meaning, say("Setting"), "settings", query});
-    }
+    for (const auto& group : settingRowGroups())
+        for (const auto& row : group.rows)
+            if (settingMatches(group, row, query.toStdString()))
+                found.push_back({say(row.label), say("Setting"), "settings", query});
     if (found.size() > most) found.resize(most);
     return found;
 }
 
 void SearchField::showHits() {
-    hits_ = hits(text(), processes_(), prefs_);
+    hits_ = hits(text(), processes_());
     list_->clear();
     for (const auto& hit : hits_) list_->addItem(hit.title + "   —   " + hit.kind);
     if (hits_.empty()) {

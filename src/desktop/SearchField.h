@@ -7,21 +7,17 @@
 
 class QListWidget;
 
-namespace quarn {
-class Prefs;
-}
-
 namespace quarn::desktop {
 
 class Navigator;
 
-/// The global search: pages, processes by name or pid, and settings by their name or explanation. Choosing a
+/// The global search: pages, processes by name or pid, and settings by their label or explanation. Choosing a
 /// hit opens its page; on the process and settings pages what was typed is searched for.
 class SearchField : public QLineEdit {
     Q_OBJECT
 public:
     using Processes = std::function<SharedList<ProcInfo>()>;
-    SearchField(Prefs& prefs, Navigator& navigator, Processes processes, QWidget* parent = nullptr);
+    SearchField(Navigator& navigator, Processes processes, QWidget* parent = nullptr);
 
     struct Hit {
         QString title;
@@ -30,8 +26,7 @@ public:
         QString search; ///< what the page is asked to search for
     };
     /// The best hits for what was typed, pages first, at most twelve.
-    static std::vector<Hit> hits(const QString& typed, const SharedList<ProcInfo>& processes,
-                                 const Prefs& prefs);
+    static std::vector<Hit> hits(const QString& typed, const SharedList<ProcInfo>& processes);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -41,7 +36,6 @@ private:
     void showHits();
     void choose(int row);
 
-    Prefs& prefs_;
     Navigator& navigator_;
     Processes processes_;
     QListWidget* list_;

@@ -11,6 +11,6 @@ QString toQt(std::string_view text) {
     return result;
 }
 
-QString say(const char* text) { return QString::fromStdString(worded(text)); }
+QString say(std::string_view text) { return QString::fromStdString(worded(text)); }
 
 } // namespace quarn::desktop

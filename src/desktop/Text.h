@@ -10,6 +10,6 @@ namespace quarn::desktop {
 QString toQt(std::string_view text);
 
 /// The one translation hook: every text that people read goes through it. English is the text itself.
-QString say(const char* text);
+QString say(std::string_view text);
 
 } // namespace quarn::desktop

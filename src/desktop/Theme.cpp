@@ -1,9 +1,10 @@
 #include "desktop/Theme.h"
 
+#include "desktop/ControlStyle.h"
+
 #include <QApplication>
 #include <QFont>
 #include <QPalette>
-#include <QStyleFactory>
 
 namespace quarn::desktop {
 
@@ -28,6 +29,9 @@ QColor mixed(const QColor& a, const QColor& b, double share) {
 constexpr auto sheet = R"(
 QToolTip { color: %text; background: %surface; border: 1px solid %line; padding: 4px; }
 QFrame#card, QFrame#tile { background: %surface; border: 1px solid %line; border-radius: 8px; }
+QFrame#notice { background: %surface; border: 1px solid %warning; border-radius: 8px; }
+QPushButton#link { border: 0; padding: 0; background: transparent; color: %link; }
+QPushButton#link:hover, QPushButton#link:focus { text-decoration: underline; }
 QFrame#tile:hover, QFrame#tile:focus { border-color: %accent; }
 QLabel[dim="true"] { color: %dim; }
 QLineEdit { background: %surface; border: 1px solid %line; border-radius: 6px; padding: 4px 8px; }
@@ -42,6 +46,14 @@ QHeaderView::section { background: %surface; color: %dim; border: 0; border-bott
   padding: 5px 6px; }
 QTableCornerButton::section { background: %surface; border: 0; }
 QScrollArea { background: transparent; border: 0; }
+QScrollBar:vertical { background: transparent; width: 12px; margin: 0; }
+QScrollBar:horizontal { background: transparent; height: 12px; margin: 0; }
+QScrollBar::handle { background: %handle; border-radius: 4px; }
+QScrollBar::handle:vertical { min-height: 32px; margin: 0 0 0 4px; }
+QScrollBar::handle:horizontal { min-width: 32px; margin: 4px 0 0 0; }
+QScrollBar::handle:hover { background: %dim; }
+QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
+QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
 QSplitter::handle { background: transparent; }
 QListView#sidebar { background: transparent; border: 0; }
 QListView#sidebar::item { border-radius: 6px; padding: 0 8px; }
@@ -66,6 +78,7 @@ Theme::Theme(QApplication& application) : QObject(&application), application_(ap
 
 void Theme::choose(Choice choice) {
     static const bool desktopIsDark = dark_;
+    if (choice_ == choice) return;
     choice_ = choice;
     dark_ = choice == Choice::dark || (choice == Choice::system && desktopIsDark);
     apply();
@@ -73,7 +86,7 @@ void Theme::choose(Choice choice) {
 }
 
 void Theme::apply() {
-    application_.setStyle(QStyleFactory::create("Fusion"));
+    application_.setStyle(new ControlStyle);
     QPalette palette;
     palette.setColor(QPalette::Window, background());
     palette.setColor(QPalette::Base, surface());
@@ -87,7 +100,7 @@ void Theme::apply() {
     palette.setColor(QPalette::Mid, line());
     palette.setColor(QPalette::Midlight, line());
     palette.setColor(QPalette::Highlight, mixed(surface(), accent(), dark_ ? 0.35 : 0.18));
-    palette.setColor(QPalette::Link, accent());
+    palette.setColor(QPalette::Link, link());
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, dim());
     application_.setPalette(palette);
@@ -98,6 +111,9 @@ void Theme::apply() {
     style.replace("%line", line().name());
     style.replace("%dim", dim().name());
     style.replace("%accent", accent().name());
+    style.replace("%link", link().name());
+    style.replace("%warning", warning().name());
+    style.replace("%handle", mixed(surface(), text(), 0.25).name());
     style.replace("%hover", mixed(surface(), text(), 0.05).name());
     style.replace("%selection", mixed(surface(), accent(), dark_ ? 0.35 : 0.18).name());
     application_.setStyleSheet(style);
@@ -109,6 +125,7 @@ QColor Theme::line() const { return dark_ ? QColor(0x2C3138) : QColor(0xE3E6EA);
 QColor Theme::text() const { return dark_ ? QColor(0xE6E9ED) : QColor(0x1B1F24); }
 QColor Theme::dim() const { return dark_ ? QColor(0x939CA8) : QColor(0x667080); }
 QColor Theme::accent() const { return kind(WidgetKind::cpu); }
+QColor Theme::link() const { return dark_ ? QColor(0x6CB4E4) : accent(); }
 QColor Theme::warning() const { return dark_ ? QColor(0xF0B429) : QColor(0xB36B00); }
 QColor Theme::critical() const { return dark_ ? QColor(0xF2777A) : QColor(0xC62828); }
 

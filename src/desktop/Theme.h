@@ -1,10 +1,12 @@
 #pragma once
 
 #include "ui/modules/WidgetKind.h"
+#include "ui/settings/PrefTypes.h"
 
 #include <QColor>
 #include <QObject>
 #include <QString>
+#include <optional>
 
 class QApplication;
 
@@ -15,13 +17,14 @@ namespace quarn::desktop {
 class Theme : public QObject {
     Q_OBJECT
 public:
-    enum class Choice { system, light, dark };
+    using Choice = AppTheme;
 
     /// The application's; made by `install`.
     static Theme& current();
     /// Gives the application its palette, style and style sheet; with `system` follows the desktop.
     static void install(QApplication& application, Choice choice);
 
+    /// Repaints everything when the choice is another one.
     void choose(Choice choice);
     bool isDark() const { return dark_; }
 
@@ -31,6 +34,7 @@ public:
     QColor text() const;
     QColor dim() const; ///< captions, units, what is unknown
     QColor accent() const;
+    QColor link() const; ///< text that acts, readable as text
     QColor warning() const;
     QColor critical() const;
     /// The hue of a kind of reading; `second` is that of its second series (system share, sent, written).
@@ -56,7 +60,7 @@ private:
     void apply();
 
     QApplication& application_;
-    Choice choice_ = Choice::system;
+    std::optional<Choice> choice_;
     bool dark_ = false;
 };
 

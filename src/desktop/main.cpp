@@ -24,7 +24,8 @@ int main(int argc, char** argv) {
     parser.addVersionOption();
     const QCommandLineOption root("root", "Read a captured machine in <folder>.", "folder", "/");
     const QCommandLineOption page("page", "Open this page first.", "page");
-    const QCommandLineOption theme("theme", "Colours: system, light or dark.", "theme", "system");
+    const QCommandLineOption theme("theme", "Colours, whatever the settings say: system, light or dark.",
+                                   "theme");
     parser.addOptions({root, page, theme});
     parser.process(application);
 
@@ -32,12 +33,11 @@ int main(int argc, char** argv) {
     SingleInstance instance(name);
     if (!instance.isFirst()) return 0;
 
-    const QString colours = parser.value(theme);
-    Theme::install(application, colours == "dark"    ? Theme::Choice::dark
-                                : colours == "light" ? Theme::Choice::light
-                                                     : Theme::Choice::system);
+    const auto colours = PrefStorable<AppTheme>::fromStored(parser.value(theme).toStdString());
+    Theme::install(application, colours.value_or(Prefs::shared().appTheme.get()));
     Desktop desktop(Prefs::shared(), sysinfo::SystemRoot(parser.value(root).toStdString()));
     QObject::connect(&instance, &SingleInstance::raised, &desktop, &Desktop::showWindow);
+    if (!colours) desktop.followThemeSetting();
     desktop.start();
     if (parser.isSet(page)) desktop.window().open(parser.value(page));
     return QApplication::exec();

@@ -23,6 +23,5 @@ UNBUILT(Sensors)
 UNBUILT(Power)
 UNBUILT(Gpu)
 UNBUILT(System)
-UNBUILT(Settings)
 
 } // namespace quarn::desktop

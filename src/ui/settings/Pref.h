@@ -46,6 +46,8 @@ template <>
 struct PrefStorable<HistoryRange> : PrefStorableEnum<HistoryRange, historyRangeTexts> {};
 template <>
 struct PrefStorable<TopAppsRange> : PrefStorableEnum<TopAppsRange, topAppsRangeTexts> {};
+template <>
+struct PrefStorable<AppTheme> : PrefStorableEnum<AppTheme, appThemeTexts> {};
 
 template <>
 struct PrefStorable<SidebarLayout> {

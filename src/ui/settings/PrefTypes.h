@@ -17,10 +17,13 @@ namespace quarn {
 enum class HistoryRange { oneMinute, fiveMinutes, thirtyMinutes };
 /// The window of the top-apps ranking.
 enum class TopAppsRange { hour, day, week, month };
+/// The colours of the application; `system` follows the desktop.
+enum class AppTheme { system, light, dark };
 
 inline constexpr std::array<std::string_view, 3> historyRangeTexts{"oneMinute", "fiveMinutes",
                                                                    "thirtyMinutes"};
 inline constexpr std::array<std::string_view, 4> topAppsRangeTexts{"hour", "day", "week", "month"};
+inline constexpr std::array<std::string_view, 3> appThemeTexts{"system", "light", "dark"};
 
 double seconds(HistoryRange range);
 /// The shortest range that shows `span` seconds, else the longest; none when the span makes no sense.

@@ -124,6 +124,8 @@ public:
                                          "normal",
                                          "How often the machine is sampled.",
                                          {.choices = samplingProfileTexts}};
+    Setting<AppTheme> appTheme{*this, "appTheme", AppTheme::system,
+                               "The colours: those of the desktop, light or dark."};
 
     /// The modules of the menu bar in their order, each once: the compact one, then the detailed ones.
     std::vector<std::string> menuBarModules() const;

@@ -1,0 +1,140 @@
+// The settings: one line each, in groups; see SettingRows.h for the table of them.
+#include "desktop/Icon.h"
+#include "desktop/Text.h"
+#include "desktop/Theme.h"
+#include "desktop/pages/Pages.h"
+#include "desktop/settings/SettingLine.h"
+#include "desktop/widgets/Card.h"
+#include "desktop/widgets/Notice.h"
+#include "ui/settings/Prefs.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+namespace quarn::desktop {
+namespace {
+
+constexpr int widest = 860; ///< beyond it, eyes lose the way from a label to its editor
+
+class SettingsPage final : public Page {
+public:
+    explicit SettingsPage(PageContext& context)
+        : Page(context, say("Settings")),
+          prefs_(context.prefs),
+          notice_(new Notice),
+          search_(new QLineEdit),
+          nothing_(new QLabel(say("No setting matches what you typed. Clear the search to see them all."))) {
+        search_->setPlaceholderText(say("Find a setting"));
+        search_->setAccessibleName(say("Find a setting"));
+        search_->setClearButtonEnabled(true);
+        search_->addAction(icon("search"), QLineEdit::LeadingPosition);
+        search_->setFixedWidth(220);
+        connect(search_, &QLineEdit::textChanged, this, [this] { filter(); });
+        addTool(search_);
+        addGroups();
+        load();
+    }
+
+    void refresh(const Snapshot&, const Known&) override {
+        prefs_.d.values(); // looks whether another program changed the file
+        if (prefs_.d.generation() != generation_) load();
+    }
+
+    void search(const QString& text) override { search_->setText(text); }
+
+private:
+    struct Group {
+        const SettingRowGroup& table;
+        Card* card;
+        std::vector<SettingLine*> lines;
+    };
+
+    void addGroups() {
+        auto* column = new QWidget;
+        column->setMaximumWidth(widest);
+        auto* groups = new QVBoxLayout(column);
+        groups->setContentsMargins(0, 0, 0, 0);
+        groups->setSpacing(Theme::gap);
+        nothing_->setProperty("dim", true);
+        nothing_->hide();
+        groups->addWidget(notice_);
+        groups->addWidget(nothing_);
+        for (const auto& table : settingRowGroups()) {
+            Group group{table, new Card(say(table.title)), {}};
+            for (const auto& row : table.rows) {
+                auto* setting = prefs_.find(row.key);
+                if (!setting) continue;
+                auto* line = new SettingLine(row, *setting);
+                connect(line, &SettingLine::failed, notice_, &Notice::tell);
+                connect(line, &SettingLine::stored, this, [this] {
+                    notice_->tell({});
+                    load();
+                });
+                group.card->content().addWidget(line);
+                group.lines.push_back(line);
+            }
+            groups->addWidget(group.card);
+            groups_.push_back(std::move(group));
+        }
+        auto* where = new QLabel(say("The settings are stored in a file that you may edit as well:") + "\n" +
+                                 QString::fromStdString(prefs_.d.file().string()));
+        where->setTextFormat(Qt::PlainText);
+        where->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        where->setFont(Theme::captionFont());
+        where->setProperty("dim", true);
+        groups->addWidget(where);
+        groups->addStretch();
+        auto* aside = new QHBoxLayout;
+        aside->addWidget(column, 1);
+        aside->addStretch();
+        content().addLayout(aside);
+    }
+
+    void load() {
+        generation_ = prefs_.d.generation();
+        int changed = 0;
+        for (const auto& group : groups_) {
+            for (auto* line : group.lines) {
+                line->load();
+                changed += line->isChanged();
+                const auto& needed = line->row().onlyWhile;
+                const auto* other = needed ? prefs_.find(needed->key) : nullptr;
+                line->setEnabled(!other || other->storedValue() == SettingValue(needed->value));
+            }
+        }
+        setSentence(changed == 0 ? say("Every setting has its default. Changes act at once.")
+                    : changed == 1
+                        ? say("One setting differs from its default. Changes act at once.")
+                        : say("%1 settings differ from their defaults. Changes act at once.").arg(changed));
+    }
+
+    void filter() {
+        const std::string query = search_->text().trimmed().toStdString();
+        bool any = false;
+        for (const auto& group : groups_) {
+            bool anyHere = false;
+            for (auto* line : group.lines) {
+                const bool matches = settingMatches(group.table, line->row(), query);
+                line->setVisible(matches);
+                anyHere |= matches;
+            }
+            group.card->setVisible(anyHere);
+            any |= anyHere;
+        }
+        nothing_->setVisible(!any);
+    }
+
+    Prefs& prefs_;
+    Notice* notice_;
+    QLineEdit* search_;
+    QLabel* nothing_;
+    std::vector<Group> groups_;
+    uint64_t generation_ = 0;
+};
+
+} // namespace
+
+Page* makeSettingsPage(PageContext& context) { return new SettingsPage(context); }
+
+} // namespace quarn::desktop
