@@ -62,9 +62,9 @@ TEST_F(SettingsPage, EveryEditorWritesWhatItShows) {
     auto& theme = control<QComboBox>("appTheme");
     theme.setCurrentIndex(2);
     Q_EMIT theme.activated(2);
-    auto& page = control<QComboBox>("startPage");
-    page.setCurrentIndex(3);
-    Q_EMIT page.activated(3);
+    auto& first = control<QComboBox>("startPage");
+    first.setCurrentIndex(3);
+    Q_EMIT first.activated(3);
     control<QDoubleSpinBox>("backgroundInterval").setValue(7.5);
     auto& opacity = control<QSlider>("widgetOpacity");
     opacity.setValue(40);
@@ -115,7 +115,6 @@ TEST_F(SettingsPage, WhatCannotBeStoredIsSaidAndTakenBack) {
     // A folder where the lock should be keeps even root from writing.
     std::filesystem::remove(folder.file().string() + ".lock");
     std::filesystem::create_directory(folder.file().string() + ".lock");
-    ::chmod((folder.file().string() + ".lock").c_str(), 0);
     control<QCheckBox>("flashChanges").click();
     control<QListWidget>("widgets").item(1)->setCheckState(Qt::Checked);
     EXPECT_TRUE(notice().startsWith("Cannot write ")) << notice().toStdString();
