@@ -19,8 +19,13 @@ Desktop::Desktop(Prefs& prefs, sysinfo::SystemRoot root)
           {.queue = queue_, .aux = aux_, .main = main_, .prefs = prefs_, .helper = helper_, .root = root_}),
       profile_(prefs.samplingProfile.get()) {
     window_ = std::make_unique<MainWindow>(monitor_, prefs_, history_);
-    statusItems_ = std::make_unique<StatusItemController>(prefs_, [this] { showWindow(); });
-    panels_ = std::make_unique<WidgetManager>(prefs_);
+    const auto openPage = [this](const QString& page) {
+        showWindow();
+        window_->open(page);
+    };
+    statusItems_ = std::make_unique<StatusItemController>(
+        prefs_, history_, StatusItemActions{[this] { showWindow(); }, openPage});
+    panels_ = std::make_unique<WidgetManager>(prefs_, history_);
     connect(window_.get(), &MainWindow::visibilityChanged, this, [this](bool visible) {
         monitor_.setBackground(!visible);
         if (visible && !sensors_) sensors_.emplace(monitor_, PowerSplit::wanted);
@@ -56,9 +61,10 @@ void Desktop::showWindow() { window_->present(); }
 
 void Desktop::take(const Snapshot& snapshot) {
     const Known known = knownIn(snapshot, root_);
-    history_.add(snapshot, known, steadySeconds(), monitor_.plan().tick);
+    const double now = steadySeconds();
+    history_.add(snapshot, known, now, monitor_.plan().tick);
     window_->refresh(snapshot, known);
-    statusItems_->snapshot(snapshot, known);
+    statusItems_->snapshot(snapshot, known, now);
     panels_->snapshot(snapshot, known);
     Q_EMIT refreshed();
 }

@@ -26,6 +26,30 @@ QColor mixed(const QColor& a, const QColor& b, double share) {
                             static_cast<float>(mix(a.blueF(), b.blueF())));
 }
 
+QColor hueOf(WidgetKind kind, bool onDark) {
+    const QColor hue = [&] {
+        switch (kind) {
+        case WidgetKind::cpu: return QColor(0x0072B2);
+        case WidgetKind::memory: return QColor(0xCC79A7);
+        case WidgetKind::gpu: return QColor(0x009E73);
+        case WidgetKind::temperature: return QColor(0xD55E00);
+        case WidgetKind::network: return QColor(0x56B4E9);
+        case WidgetKind::disk: return QColor(0xE69F00);
+        case WidgetKind::power: return QColor(0xB39B00);
+        }
+        return QColor(0x667080);
+    }();
+    return onDark ? mixed(hue, Qt::white, 0.22) : hue;
+}
+
+/// Of desktops whose panel is dark in their light theme too.
+bool panelIsAlwaysDark() {
+    const QString desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP").toLower();
+    for (const char* name : {"gnome", "unity", "xfce", "cinnamon", "pantheon", "budgie"})
+        if (desktop.contains(QLatin1String(name))) return true;
+    return false;
+}
+
 constexpr auto sheet = R"(
 QToolTip { color: %text; background: %surface; border: 1px solid %line; padding: 4px; }
 QFrame#card, QFrame#tile { background: %surface; border: 1px solid %line; border-radius: 8px; }
@@ -74,6 +98,7 @@ Theme::Theme(QApplication& application) : QObject(&application), application_(ap
     connect(this, &QObject::destroyed, [] { installed = nullptr; });
     // The palette before ours tells whether the desktop is dark.
     dark_ = application.palette().color(QPalette::Window).lightness() < 128;
+    trayIsDark_ = dark_ || panelIsAlwaysDark();
 }
 
 void Theme::choose(Choice choice) {
@@ -130,25 +155,16 @@ QColor Theme::warning() const { return dark_ ? QColor(0xF0B429) : QColor(0xB36B0
 QColor Theme::critical() const { return dark_ ? QColor(0xF2777A) : QColor(0xC62828); }
 
 QColor Theme::kind(WidgetKind kind, bool second) const {
-    const QColor hue = [&] {
-        switch (kind) {
-        case WidgetKind::cpu: return QColor(0x0072B2);
-        case WidgetKind::memory: return QColor(0xCC79A7);
-        case WidgetKind::gpu: return QColor(0x009E73);
-        case WidgetKind::temperature: return QColor(0xD55E00);
-        case WidgetKind::network: return QColor(0x56B4E9);
-        case WidgetKind::disk: return QColor(0xE69F00);
-        case WidgetKind::power: return QColor(0xB39B00);
-        }
-        return QColor(0x667080);
-    }();
-    const QColor shown = dark_ ? mixed(hue, Qt::white, 0.22) : hue;
+    const QColor shown = hueOf(kind, dark_);
     return second ? mixed(surface(), shown, secondStrength) : shown;
 }
 
 QColor Theme::shade(WidgetKind of, double strength) const {
     return strength > 0 ? mixed(surface(), kind(of), strength) : line();
 }
+
+QColor Theme::trayText() const { return trayIsDark_ ? QColor(0xF2F4F7) : QColor(0x1B1F24); }
+QColor Theme::trayKind(WidgetKind kind) const { return hueOf(kind, trayIsDark_); }
 
 QFont Theme::captionFont() { return scaled(11.0 / 13, QFont::Normal); }
 QFont Theme::cardTitleFont() { return scaled(1, QFont::DemiBold); }

@@ -42,6 +42,10 @@ public:
     /// A weaker hue of a kind, for parts of one whole: 1 is the hue itself; 0 is what is empty.
     QColor shade(WidgetKind kind, double strength) const;
     static constexpr double secondStrength = 0.55; ///< the shade that is the second series
+    /// The same for items in the desktop's panel. Panels do not tell their colour: many are dark whatever the
+    /// windows are, the others follow the desktop.
+    QColor trayText() const;
+    QColor trayKind(WidgetKind kind) const;
 
     /// The 8-pixel grid.
     static constexpr int gap = 8, cardPadding = 12, corner = 8, rowHeight = 26;
@@ -62,6 +66,7 @@ private:
     QApplication& application_;
     std::optional<Choice> choice_;
     bool dark_ = false;
+    bool trayIsDark_ = false;
 };
 
 } // namespace quarn::desktop

@@ -7,8 +7,9 @@
 #include <memory>
 
 namespace quarn {
+class LiveHistory;
 class Prefs;
-}
+} // namespace quarn
 
 namespace quarn::desktop {
 
@@ -18,7 +19,7 @@ class WidgetPanel;
 class WidgetManager : public QObject {
     Q_OBJECT
 public:
-    explicit WidgetManager(Prefs& prefs);
+    WidgetManager(Prefs& prefs, const LiveHistory& history);
     ~WidgetManager() override;
 
     /// Opens and closes panels to match the settings, and applies opacity and staying on top.
@@ -29,12 +30,18 @@ public:
     void saveAll();
     void snapshot(const Snapshot& snapshot, const Known& known);
 
+    const std::map<WidgetKind, std::unique_ptr<WidgetPanel>>& panels() const { return panels_; }
+
 private:
     void show(WidgetKind kind);
     void hide(WidgetKind kind);
+    void screensChanged();
 
     Prefs& prefs_;
+    const LiveHistory& history_;
     std::map<WidgetKind, std::unique_ptr<WidgetPanel>> panels_;
+    Snapshot snapshot_; ///< the last one, for panels that are opened between two
+    Known known_;
 };
 
 } // namespace quarn::desktop

@@ -18,8 +18,7 @@ Tile::Tile(WidgetKind kind, QWidget* parent)
       title_(new QLabel(say(Reading::title(kind).c_str()))),
       figure_(new QLabel("—")),
       caption_(new QLabel),
-      graph_(new MiniGraph(
-          kind, kind == WidgetKind::cpu || kind == WidgetKind::memory || kind == WidgetKind::gpu ? 100 : 0)) {
+      graph_(new MiniGraph(kind, fullScale(kind))) {
     setObjectName("tile");
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);

@@ -19,6 +19,18 @@ struct Known {
     sysinfo::platform::MemoryCapabilities capabilities{};
 };
 
+/// Of before the first snapshot.
+constexpr Known nothingKnown() {
+    return {.rates = false,
+            .processRates = false,
+            .cpu = false,
+            .memory = false,
+            .memoryParts = false,
+            .uptime = false,
+            .network = false,
+            .disk = false};
+}
+
 /// `root` is where the snapshot was taken: under a captured machine a missing file leaves zeros.
 Known knownIn(const Snapshot& snapshot, const sysinfo::SystemRoot& root);
 
