@@ -1,6 +1,7 @@
 // screenshots DIR: every page of the window in light and dark, 1200 × 800 and 900 × 600, over a made-up
-// machine.
+// machine; status items, popovers and floating panels too.
 #include "desktop/Theme.h"
+#include "desktop/TrayPictures.h"
 #include "desktop/WindowFixture.h"
 
 #include <QApplication>
@@ -20,6 +21,8 @@ int main(int argc, char** argv) {
         const SampleMachine machine;
         for (const auto theme : {desktop::Theme::Choice::light, desktop::Theme::Choice::dark}) {
             desktop::Theme::current().choose(theme);
+            const QString colours = theme == desktop::Theme::Choice::dark ? "dark" : "light";
+            if (!drawTrayPictures(folder, colours)) return 1;
             for (const QSize size : {QSize(1200, 800), QSize(900, 600)}) {
                 WindowFixture fixture(machine.history(seconds));
                 auto& window = fixture.window();

@@ -62,9 +62,9 @@ TEST(WidgetKind, MenuBarTextKeepsItsWidth) {
              r.style.fahrenheit = true;
          },
          "130 °F", "130°"},
-        {"network", WidgetKind::network, same, "1.20 MB/s 34.0 kB/s", "1.2M"},
+        {"network", WidgetKind::network, same, "1.20 MB/s 34.0 kB/s", "1M"},
         {"bits", WidgetKind::network, [](S&, R& r) { r.style.networkInBits = true; }, "9.60 Mb/s  272 kb/s",
-         "9.9M"},
+         "10M"},
         {"idle network", WidgetKind::network, [](S& s, R&) { s.net.rxRate = s.net.txRate = 0; },
          "    0 B/s     0 B/s", "0"},
         {"first network sample", WidgetKind::network, [](S&, R& r) { r.known.rates = false; },
@@ -77,11 +77,11 @@ TEST(WidgetKind, MenuBarTextKeepsItsWidth) {
              s.disk.readRate = 999.96;
              s.disk.writeRate = 0;
          },
-         " 1.0 kB/s", "1.0k"},
-        {"wide disk", WidgetKind::disk, [](S& s, R&) { s.disk.readRate = 600e6; }, "601.3 MB/s", "601M"},
+         " 1.0 kB/s", "1k"},
+        {"wide disk", WidgetKind::disk, [](S& s, R&) { s.disk.readRate = 600e6; }, "601.3 MB/s", ".6G"},
         {"no disk", WidgetKind::disk, [](S&, R& r) { r.known.disk = false; }, "        —", "—"},
         {"power", WidgetKind::power, same, "12.4 W", "12W"},
-        {"little power", WidgetKind::power, [](S& s, R&) { s.power.sysWatts = 3.26; }, " 3.3 W", "3.3W"},
+        {"little power", WidgetKind::power, [](S& s, R&) { s.power.sysWatts = 3.26; }, " 3.3 W", "3W"},
         {"no power", WidgetKind::power, [](S& s, R&) { s.power.sysWatts = 0; }, "     —", "—"},
         {"power unread", WidgetKind::power, [](S& s, R&) { s.power.sysWatts = nan; }, "     —", "—"},
     };

@@ -90,7 +90,6 @@ void MenuBarModule::show(const Reading& reading) {
     auto next = rendering(reading);
     if (rendered_ == next) return;
     item_->setIcon(statusIcon(next));
-    if (!rendered_) item_->show(); // an item without an icon cannot be shown
     rendered_ = std::move(next);
     ++redraws_;
 }

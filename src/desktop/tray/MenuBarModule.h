@@ -44,7 +44,7 @@ public:
     ~MenuBarModule() override;
 
     WidgetKind kind() const { return kind_; }
-    /// The item in the tray; made anew by `renewItem`.
+    /// The item; made anew by `renewItem`. Who owns the module shows it in the tray.
     QSystemTrayIcon& item() { return *item_; }
     const std::optional<Rendering>& rendered() const { return rendered_; }
     int redraws() const { return redraws_; }
@@ -63,7 +63,7 @@ public:
     /// Shows the reading. Draws only when something that shows changed.
     void show(const Reading& reading);
 
-    /// Takes the item out of the tray and puts a new one at its end.
+    /// Takes the item out of the tray; the new one is not shown yet.
     void renewItem();
 
 Q_SIGNALS:

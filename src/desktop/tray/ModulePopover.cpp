@@ -55,13 +55,20 @@ ModulePopover::ModulePopover(WidgetKind kind, PopoverDetail detail)
     column->addWidget(view_);
     column->addWidget(spanText_);
     column->addSpacing(Theme::gap);
+    const auto heading = [&](const QString& text) {
+        auto* label = dimLabel();
+        label->setText(text);
+        column->addWidget(label);
+    };
     if (hasProcesses(kind)) {
+        heading(say("Busiest processes"));
         processes_ = new DetailList(detail == PopoverDetail::full ? 10 : 5);
         column->addWidget(processes_);
     }
     column->addWidget(none_);
     if (!processes_ || detail == PopoverDetail::full) {
         if (processes_) column->addSpacing(Theme::gap);
+        heading(say("In detail"));
         parts_ = new DetailList(5);
         column->addWidget(parts_);
     }

@@ -6,7 +6,6 @@
 #include <QIconEngine>
 #include <QPainter>
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace quarn::desktop {
@@ -40,10 +39,11 @@ void drawFigure(QPainter& painter, const QString& text, const QRect& box, const 
     const QPointF at(std::round(box.x() + (box.width() - ink.width()) / 2 - ink.x()),
                      std::round(box.y() + (box.height() - ink.height()) / 2 - ink.y()));
     QColor edge = color.lightness() > 127 ? Qt::black : Qt::white;
-    edge.setAlpha(90);
+    edge.setAlpha(120);
     painter.setPen(edge);
-    constexpr std::array<QPointF, 4> around{{{-1, 0}, {1, 0}, {0, -1}, {0, 1}}};
-    for (const QPointF& offset : around) painter.drawText(at + offset, text);
+    for (const double x : {-1, 0, 1})
+        for (const double y : {-1, 0, 1})
+            if (x != 0 || y != 0) painter.drawText(at + QPointF(x, y), text);
     painter.setPen(color);
     painter.drawText(at, text);
 }

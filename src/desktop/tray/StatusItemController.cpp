@@ -28,10 +28,11 @@ bool contains(const std::vector<WidgetKind>& kinds, WidgetKind kind) {
 } // namespace
 
 StatusItemController::StatusItemController(Prefs& prefs, const LiveHistory& history,
-                                           StatusItemActions actions)
+                                           StatusItemActions actions, std::function<bool()> trayIsThere)
     : prefs_(prefs),
       history_(history),
       actions_(std::move(actions)),
+      trayIsThere_(std::move(trayIsThere)),
       menu_(std::make_unique<StatusMenu>(prefs, actions_)),
       popover_(std::make_unique<ModulePopoverController>(prefs, history, actions_)),
       known_(nothingKnown()) {
@@ -52,7 +53,7 @@ Reading StatusItemController::reading() const {
 
 QMenu& StatusItemController::menu() { return *menu_; }
 
-bool StatusItemController::hasTray() const { return QSystemTrayIcon::isSystemTrayAvailable(); }
+bool StatusItemController::hasTray() const { return trayIsThere_(); }
 
 void StatusItemController::snapshot(const Snapshot& snapshot, const Known& known, double now) {
     snapshot_ = snapshot;
@@ -84,6 +85,7 @@ void StatusItemController::prefsChanged() {
         module.applyDetailMode(
             std::find(detailed.begin(), detailed.end(), widgetKindId(kind)) != detailed.end(), history_);
         module.show(reading);
+        module.item().show(); // with its icon: an item without one cannot be shown
     }
 }
 

@@ -3,6 +3,7 @@
 #include "desktop/tray/MenuBarModule.h"
 
 #include <QObject>
+#include <QSystemTrayIcon>
 #include <QTimer>
 #include <functional>
 #include <map>
@@ -10,7 +11,6 @@
 #include <vector>
 
 class QMenu;
-class QSystemTrayIcon;
 
 namespace quarn {
 class LiveHistory;
@@ -34,7 +34,8 @@ struct StatusItemActions {
 class StatusItemController : public QObject {
     Q_OBJECT
 public:
-    StatusItemController(Prefs& prefs, const LiveHistory& history, StatusItemActions actions);
+    StatusItemController(Prefs& prefs, const LiveHistory& history, StatusItemActions actions,
+                         std::function<bool()> trayIsThere = QSystemTrayIcon::isSystemTrayAvailable);
     ~StatusItemController() override;
 
     bool hasTray() const;
@@ -64,6 +65,7 @@ private:
     Prefs& prefs_;
     const LiveHistory& history_;
     StatusItemActions actions_;
+    std::function<bool()> trayIsThere_;
     std::unique_ptr<StatusMenu> menu_;
     std::unique_ptr<ModulePopoverController> popover_;
     std::map<WidgetKind, std::unique_ptr<MenuBarModule>> modules_;

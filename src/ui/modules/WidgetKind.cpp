@@ -39,14 +39,14 @@ std::string padded(std::string text, size_t width) {
     return length < width ? std::string(width - length, ' ') + text : text;
 }
 
-/// "34k", "1.2M", "0": a rate in at most four characters.
+/// "0", "34k", ".7M", "8M", "12M": a rate in at most three characters.
 std::string shortRate(double perSecond) {
     constexpr std::array<std::string_view, 4> units{"k", "M", "G", "T"};
-    if (!(perSecond >= 0)) return std::string(format::unknown);
     if (perSecond < 50) return "0";
     size_t unit = 0;
-    for (perSecond /= 1000; perSecond >= 999.5 && unit + 1 < units.size(); ++unit) perSecond /= 1000;
-    return fmt::format("{:.{}f}{}", perSecond, perSecond < 9.95 ? 1 : 0, units[unit]);
+    for (perSecond /= 1000; perSecond >= 99.5 && unit + 1 < units.size(); ++unit) perSecond /= 1000;
+    if (perSecond < 0.95) return fmt::format(".{:.0f}{}", perSecond * 10, units[unit]);
+    return fmt::format("{:.0f}{}", perSecond, units[unit]);
 }
 
 /// The part of the machine that the representative temperature is of.
@@ -179,7 +179,7 @@ std::string Reading::shortText(WidgetKind kind) const {
         return fmt::format("{:.0f}°", style.fahrenheit ? value * 9 / 5 + 32 : value);
     case WidgetKind::network: return shortRate(style.networkInBits ? value * 8 : value);
     case WidgetKind::disk: return shortRate(value);
-    case WidgetKind::power: return fmt::format("{:.{}f}W", value, value < 9.95 ? 1 : 0);
+    case WidgetKind::power: return fmt::format("{:.0f}W", value);
     }
     return {};
 }

@@ -41,7 +41,8 @@ struct Reading {
     /// The fixed-width text of a status item; padded on the left with blanks so that the item keeps its
     /// width.
     std::string menuBarText(WidgetKind kind) const;
-    /// The same in at most four characters, for a square of a few pixels: "37", "54°", "1.2M", "12W".
+    /// The same in three characters where that is possible, for a square of a few pixels: "37", "54°", ".7M",
+    /// "12W".
     std::string shortText(WidgetKind kind) const;
 };
 
