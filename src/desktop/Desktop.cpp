@@ -41,6 +41,7 @@ Desktop::Desktop(Prefs& prefs, sysinfo::SystemRoot root)
 Desktop::~Desktop() {
     subscription_.reset();
     sensors_.reset();
+    window_.reset(); // its pages may still be reading with the monitor
 }
 
 void Desktop::start() {

@@ -68,6 +68,21 @@ void draw(QPainter& p, const QString& name) {
         polyline({{5, 3}, {12.5, 8}, {5, 13}, {5, 3}});
     } else if (name == "close") {
         line(4, 4, 12, 12), line(12, 4, 4, 12);
+    } else if (name == "warning") {
+        polyline({{8, 2}, {14.5, 13.5}, {1.5, 13.5}, {8, 2}}), line(8, 6.5, 8, 9.5), line(8, 11.5, 8, 11.6);
+    } else if (name == "critical") {
+        polyline({{5.5, 2},
+                  {10.5, 2},
+                  {14, 5.5},
+                  {14, 10.5},
+                  {10.5, 14},
+                  {5.5, 14},
+                  {2, 10.5},
+                  {2, 5.5},
+                  {5.5, 2}});
+        line(8, 5, 8, 8.5), line(8, 11, 8, 11.1);
+    } else if (name == "note") {
+        p.drawEllipse(QPointF(8, 8), 6, 6), line(8, 7.5, 8, 11), line(8, 5, 8, 5.1);
     } else if (name == "quarn") {
         polyline({{1.5, 9}, {4.5, 9}, {6.5, 3}, {9.5, 13}, {11.5, 7}, {14.5, 7}});
     } else {
@@ -86,6 +101,8 @@ public:
         painter->translate(rect.topLeft());
         painter->scale(rect.width() / 16.0, rect.height() / 16.0);
         const QColor color = name_ == "quarn"          ? theme.accent()
+                             : name_ == "warning"      ? theme.warning()
+                             : name_ == "critical"     ? theme.critical()
                              : mode == QIcon::Disabled ? theme.dim()
                                                        : theme.text();
         painter->setPen(

@@ -1,6 +1,7 @@
 #include "desktop/Page.h"
 
 #include "desktop/Theme.h"
+#include "desktop/widgets/ElidedLabel.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -12,16 +13,14 @@ namespace quarn::desktop {
 Page::Page(PageContext& context, const QString& title, QWidget* parent)
     : QWidget(parent),
       context_(context),
-      sentence_(new QLabel),
+      sentence_(new ElidedLabel),
       body_(new QWidget),
       tools_(new QWidget),
       content_(new QVBoxLayout(body_)) {
     setAccessibleName(title);
     auto* heading = new QLabel(title);
     heading->setFont(Theme::pageTitleFont());
-    sentence_->setTextFormat(Qt::PlainText);
     sentence_->setProperty("dim", true);
-    sentence_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
 
     auto* names = new QVBoxLayout;
     names->setSpacing(2);
@@ -56,8 +55,7 @@ void Page::search(const QString&) {}
 
 void Page::setSentence(const QString& sentence) {
     if (sentence_->text() == sentence) return;
-    sentence_->setText(sentence);
-    sentence_->setToolTip(sentence);
+    sentence_->show(sentence);
     setAccessibleDescription(sentence);
 }
 

@@ -7,7 +7,6 @@
 #include <functional>
 #include <vector>
 
-class QLabel;
 class QVBoxLayout;
 
 namespace quarn {
@@ -18,6 +17,7 @@ class Prefs;
 
 namespace quarn::desktop {
 
+class ElidedLabel;
 class Navigator;
 
 /// What pages work with; outlives them.
@@ -61,7 +61,7 @@ protected:
     PageContext& context_;
 
 private:
-    QLabel* sentence_;
+    ElidedLabel* sentence_;
     QWidget* body_;
     QWidget* tools_;
     QVBoxLayout* content_;

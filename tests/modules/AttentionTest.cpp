@@ -29,9 +29,9 @@ Volume volume(const char* mount, const char* device, uint64_t total, uint64_t fr
 
 std::vector<std::string> look(const Snapshot& snapshot, std::span<const Volume> volumes = {}) {
     std::vector<std::string> texts;
-    for (const auto& notice : Attention().look(snapshot, {}, volumes, {}, {}, 0)) {
+    for (const auto& item : Attention().look(snapshot, {}, volumes, {}, {}, 0)) {
         const char* const marks[] = {"", "! ", "!! "};
-        texts.push_back(marks[static_cast<int>(notice.level)] + notice.text + ": " + notice.detail);
+        texts.push_back(marks[static_cast<int>(item.level)] + item.text + ": " + item.detail);
     }
     return texts;
 }
@@ -95,10 +95,10 @@ TEST(Attention, waitsBeforeItSpeaksOfZombies) {
     };
     EXPECT_TRUE(at(0, 1).empty());
     EXPECT_TRUE(at(9, 1).empty());
-    const auto notices = at(10, 1);
-    ASSERT_EQ(notices.size(), 1U);
-    EXPECT_EQ(notices[0].text, "step has ended but is still listed (zombie)");
-    EXPECT_EQ(notices[0].detail, "builder has not asked how it ended");
+    const auto items = at(10, 1);
+    ASSERT_EQ(items.size(), 1U);
+    EXPECT_EQ(items[0].text, "step has ended but is still listed (zombie)");
+    EXPECT_EQ(items[0].detail, "builder has not asked how it ended");
     EXPECT_TRUE(at(11, 2).empty()) << "another process with the same number";
 }
 

@@ -12,16 +12,12 @@ public:
 
 #define UNBUILT(name)                                                                                        \
     Page* make##name##Page(PageContext& context) { return new UnbuiltPage(context, #name); }
-UNBUILT(Overview)
-UNBUILT(Cpu)
-UNBUILT(Memory)
 UNBUILT(Processes)
 UNBUILT(Network)
 UNBUILT(Connections)
 UNBUILT(Disks)
 UNBUILT(Sensors)
 UNBUILT(Power)
-UNBUILT(Gpu)
 UNBUILT(System)
 
 } // namespace quarn::desktop

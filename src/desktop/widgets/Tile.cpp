@@ -2,6 +2,8 @@
 
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
+#include "desktop/widgets/ElidedLabel.h"
+#include "desktop/widgets/Figure.h"
 #include "desktop/widgets/MiniGraph.h"
 
 #include <QKeyEvent>
@@ -16,21 +18,24 @@ Tile::Tile(WidgetKind kind, QWidget* parent)
     : QFrame(parent),
       kind_(kind),
       title_(new QLabel(say(Reading::title(kind).c_str()))),
+<<<<<<< HEAD
       figure_(new QLabel("—")),
       caption_(new QLabel),
       graph_(new MiniGraph(kind, fullScale(kind))) {
+=======
+      figure_(new Figure),
+      caption_(new ElidedLabel),
+      graph_(new MiniGraph(
+          kind, kind == WidgetKind::cpu || kind == WidgetKind::memory || kind == WidgetKind::gpu ? 100 : 0)) {
+>>>>>>> 2a8b55a (Add the overview, CPU, memory and GPU pages)
     setObjectName("tile");
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
     title_->setFont(Theme::captionFont());
     title_->setContentsMargins(12, 0, 0, 0); // behind the dot of its hue
-    figure_->setFont(Theme::figureFont());
     caption_->setFont(Theme::captionFont());
-    for (auto* label : {title_, caption_}) label->setProperty("dim", true);
-    for (auto* label : {title_, figure_, caption_}) {
-        label->setTextFormat(Qt::PlainText);
-        label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    }
+    title_->setProperty("dim", true);
+    caption_->setProperty("dim", true);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(Theme::cardPadding, Theme::cardPadding, Theme::cardPadding,
                                Theme::cardPadding);
@@ -43,11 +48,8 @@ Tile::Tile(WidgetKind kind, QWidget* parent)
 }
 
 void Tile::show(const QString& figure, const QString& caption, const std::vector<double>& graph) {
-    if (figure_->text() != figure) figure_->setText(figure);
-    if (caption_->text() != caption) {
-        caption_->setText(caption);
-        caption_->setToolTip(caption);
-    }
+    figure_->setText(figure);
+    caption_->show(caption);
     graph_->setValues(graph);
     const QString name = title_->text() + ": " + figure + ", " + caption;
     if (accessibleName() != name) setAccessibleName(name);

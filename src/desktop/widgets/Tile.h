@@ -9,6 +9,8 @@ class QLabel;
 
 namespace quarn::desktop {
 
+class ElidedLabel;
+class Figure;
 class MiniGraph;
 
 /// One reading at a glance: its kind, the figure, a caption and a mini graph. A click, or Return, opens it.
@@ -29,8 +31,8 @@ protected:
 private:
     WidgetKind kind_;
     QLabel* title_;
-    QLabel* figure_;
-    QLabel* caption_;
+    Figure* figure_;
+    ElidedLabel* caption_;
     MiniGraph* graph_;
 };
 

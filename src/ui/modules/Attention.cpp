@@ -20,40 +20,42 @@ constexpr double uncollected = 10; ///< seconds; most parents collect at once
 
 double share(double part, double whole) { return whole > 0 ? part * 100 / whole : 0; }
 
-NoticeLevel graver(NoticeLevel level, bool isCritical) { return isCritical ? NoticeLevel::critical : level; }
+AttentionLevel graver(AttentionLevel level, bool isCritical) {
+    return isCritical ? AttentionLevel::critical : level;
+}
 
 void lookAtMemory(const Snapshot& snapshot, const Known& known, const AttentionLimits& limits,
-                  std::vector<Notice>& notices) {
+                  std::vector<AttentionItem>& items) {
     const SCMem& mem = snapshot.mem;
     if (!known.memory) return;
     const bool isShort = mem.pressureLevel >= 2;
     if (isShort)
-        notices.push_back({graver(NoticeLevel::warning, mem.pressureLevel >= 4),
-                           std::string(pressureText(mem.pressureLevel)),
-                           fmt::format("{} % can be given to programs without swapping", mem.freePercent),
-                           "memory",
-                           {}});
+        items.push_back({graver(AttentionLevel::warning, mem.pressureLevel >= 4),
+                         std::string(pressureText(mem.pressureLevel)),
+                         fmt::format("{} % can be given to programs without swapping", mem.freePercent),
+                         "memory",
+                         {}});
     const double swapped =
         (snapshot.rates.swapIn + snapshot.rates.swapOut) * static_cast<double>(mem.pageSize);
     if (known.rates && swapped >= busySwapRate)
-        notices.push_back({NoticeLevel::warning,
-                           "Memory is being swapped",
-                           format::rate(swapped) + "; programs wait for the disk",
-                           "memory",
-                           {}});
+        items.push_back({AttentionLevel::warning,
+                         "Memory is being swapped",
+                         format::rate(swapped) + "; programs wait for the disk",
+                         "memory",
+                         {}});
     const auto used = static_cast<double>(mem.swapUsed);
     if (mem.swapTotal == 0) return;
     const bool full = share(used, static_cast<double>(mem.swapTotal)) >= fullSwapPercent;
     if (full || used > limits.swapBytes)
-        notices.push_back({full && isShort ? NoticeLevel::warning : NoticeLevel::note,
-                           full ? "Swap is nearly full" : "Much swap is in use",
-                           format::memory(mem.swapUsed) + " of " + format::memory(mem.swapTotal),
-                           "memory",
-                           {}});
+        items.push_back({full && isShort ? AttentionLevel::warning : AttentionLevel::note,
+                         full ? "Swap is nearly full" : "Much swap is in use",
+                         format::memory(mem.swapUsed) + " of " + format::memory(mem.swapTotal),
+                         "memory",
+                         {}});
 }
 
 void lookAtVolumes(std::span<const Volume> volumes, const AttentionLimits& limits,
-                   std::vector<Notice>& notices) {
+                   std::vector<AttentionItem>& items) {
     std::vector<const Volume*> told;
     for (const Volume& volume : volumes) {
         // Optical media are full by nature; what is mounted in several places is one volume.
@@ -65,37 +67,38 @@ void lookAtVolumes(std::span<const Volume> volumes, const AttentionLimits& limit
         };
         if (free >= limits.freeSpacePercent || std::any_of(told.begin(), told.end(), isSame)) continue;
         told.push_back(&volume);
-        notices.push_back({graver(NoticeLevel::warning, free < hardlyFreePercent),
-                           volume.mount + (free < hardlyFreePercent ? " is full" : " is nearly full"),
-                           format::diskSize(volume.free) + " of " + format::diskSize(volume.total) + " free",
-                           "disks",
-                           {}});
+        items.push_back({graver(AttentionLevel::warning, free < hardlyFreePercent),
+                         volume.mount + (free < hardlyFreePercent ? " is full" : " is nearly full"),
+                         format::diskSize(volume.free) + " of " + format::diskSize(volume.total) + " free",
+                         "disks",
+                         {}});
     }
 }
 
 void lookAtHeat(const Snapshot& snapshot, const AttentionLimits& limits, const ReadingStyle& style,
-                std::vector<Notice>& notices) {
+                std::vector<AttentionItem>& items) {
     const auto naming = snapshot.isAppleSilicon ? SensorNaming::appleSilicon : SensorNaming::intel;
     const auto slots = SensorGroups::slotNames(naming);
     for (const auto& hottest : SensorGroups::maxima({snapshot.temps.data(), snapshot.temps.size()}, naming)) {
         if (hottest.celsius <= limits.celsius) continue;
         const auto slot = std::find_if(slots.begin(), slots.end(),
                                        [&](const auto& one) { return one.prefix == hottest.prefix; });
-        notices.push_back({NoticeLevel::warning,
-                           fmt::format("{} is hot", slot->name),
-                           temperatureText(hottest.celsius, style),
-                           "sensors",
-                           {}});
+        items.push_back({AttentionLevel::warning,
+                         fmt::format("{} is hot", slot->name),
+                         temperatureText(hottest.celsius, style),
+                         "sensors",
+                         {}});
     }
     if (snapshot.thermalState >= ThermalState::serious)
-        notices.push_back({graver(NoticeLevel::warning, snapshot.thermalState == ThermalState::critical),
-                           "The machine slows down to stay cool",
-                           fmt::format("Its thermal state is {}", thermalStateName(snapshot.thermalState)),
-                           "sensors",
-                           {}});
+        items.push_back({graver(AttentionLevel::warning, snapshot.thermalState == ThermalState::critical),
+                         "The machine slows down to stay cool",
+                         fmt::format("Its thermal state is {}", thermalStateName(snapshot.thermalState)),
+                         "sensors",
+                         {}});
 }
 
-void lookAtBattery(const Snapshot& snapshot, const AttentionLimits& limits, std::vector<Notice>& notices) {
+void lookAtBattery(const Snapshot& snapshot, const AttentionLimits& limits,
+                   std::vector<AttentionItem>& items) {
     const auto& battery = snapshot.battery;
     if (!battery || !battery->present || battery->onAC || battery->charging || battery->percent < 0) return;
     const auto percent = static_cast<double>(battery->percent);
@@ -103,11 +106,11 @@ void lookAtBattery(const Snapshot& snapshot, const AttentionLimits& limits, std:
     std::string detail = fmt::format("{} %", battery->percent);
     if (battery->timeToEmptyMin >= 0)
         detail += ", " + format::duration(60 * static_cast<double>(battery->timeToEmptyMin)) + " left";
-    notices.push_back({graver(NoticeLevel::warning, percent < hardlyChargedPercent),
-                       "The battery is low",
-                       detail,
-                       "power",
-                       {}});
+    items.push_back({graver(AttentionLevel::warning, percent < hardlyChargedPercent),
+                     "The battery is low",
+                     detail,
+                     "power",
+                     {}});
 }
 
 const ProcInfo* find(const SharedList<ProcInfo>& processes, int64_t pid) {
@@ -126,21 +129,21 @@ AttentionLimits attentionLimits(const Prefs& prefs) {
             static_cast<double>(prefs.alertSwapGB.get()) * 1e9};
 }
 
-std::vector<Notice> Attention::look(const Snapshot& snapshot, const Known& known,
-                                    std::span<const Volume> volumes, const AttentionLimits& limits,
-                                    const ReadingStyle& style, double now) {
-    std::vector<Notice> notices;
-    lookAtMemory(snapshot, known, limits, notices);
-    lookAtVolumes(volumes, limits, notices);
-    lookAtHeat(snapshot, limits, style, notices);
-    lookAtBattery(snapshot, limits, notices);
-    lookAtZombies(snapshot, now, notices);
-    std::stable_sort(notices.begin(), notices.end(),
-                     [](const Notice& a, const Notice& b) { return a.level > b.level; });
-    return notices;
+std::vector<AttentionItem> Attention::look(const Snapshot& snapshot, const Known& known,
+                                           std::span<const Volume> volumes, const AttentionLimits& limits,
+                                           const ReadingStyle& style, double now) {
+    std::vector<AttentionItem> items;
+    lookAtMemory(snapshot, known, limits, items);
+    lookAtVolumes(volumes, limits, items);
+    lookAtHeat(snapshot, limits, style, items);
+    lookAtBattery(snapshot, limits, items);
+    lookAtZombies(snapshot, now, items);
+    std::stable_sort(items.begin(), items.end(),
+                     [](const AttentionItem& a, const AttentionItem& b) { return a.level > b.level; });
+    return items;
 }
 
-void Attention::lookAtZombies(const Snapshot& snapshot, double now, std::vector<Notice>& notices) {
+void Attention::lookAtZombies(const Snapshot& snapshot, double now, std::vector<AttentionItem>& items) {
     std::vector<Zombie> seen;
     size_t count = 0;
     const ProcInfo* last = nullptr;
@@ -158,17 +161,17 @@ void Attention::lookAtZombies(const Snapshot& snapshot, double now, std::vector<
     zombies_ = std::move(seen);
     if (count == 0) return;
     if (count > 1) {
-        notices.push_back({NoticeLevel::note,
-                           fmt::format("{} ended processes are still listed (zombies)", count),
-                           "Their parents have not asked how they ended",
-                           "processes",
-                           {}});
+        items.push_back({AttentionLevel::note,
+                         fmt::format("{} ended processes are still listed (zombies)", count),
+                         "Their parents have not asked how they ended",
+                         "processes",
+                         {}});
         return;
     }
     const std::string name(last->name.view());
     const ProcInfo* parent = find(snapshot.processes, last->ppid);
-    notices.push_back(
-        {NoticeLevel::note, name + " has ended but is still listed (zombie)",
+    items.push_back(
+        {AttentionLevel::note, name + " has ended but is still listed (zombie)",
          (parent ? std::string(parent->name.view()) : "Its parent") + " has not asked how it ended",
          "processes", name});
 }

@@ -12,16 +12,16 @@ namespace quarn {
 
 class Prefs;
 
-enum class NoticeLevel { note, warning, critical };
+enum class AttentionLevel { note, warning, critical };
 
 /// Something about the machine that is worth saying.
-struct Notice {
-    NoticeLevel level;
+struct AttentionItem {
+    AttentionLevel level;
     std::string text;   ///< "/home is nearly full"
     std::string detail; ///< "3.21 GB of 512 GB free"
     std::string page;   ///< the id of the page that shows more
     std::string search; ///< what to search for there
-    bool operator==(const Notice&) const = default;
+    bool operator==(const AttentionItem&) const = default;
 };
 
 /// From where on things are worth saying; the thresholds of alerts.
@@ -37,11 +37,12 @@ AttentionLimits attentionLimits(const Prefs& prefs);
 class Attention {
 public:
     /// What is worth saying at `now` (steady seconds), the gravest first. `volumes` may be some seconds old.
-    std::vector<Notice> look(const Snapshot& snapshot, const Known& known, std::span<const Volume> volumes,
-                             const AttentionLimits& limits, const ReadingStyle& style, double now);
+    std::vector<AttentionItem> look(const Snapshot& snapshot, const Known& known,
+                                    std::span<const Volume> volumes, const AttentionLimits& limits,
+                                    const ReadingStyle& style, double now);
 
 private:
-    void lookAtZombies(const Snapshot& snapshot, double now, std::vector<Notice>& notices);
+    void lookAtZombies(const Snapshot& snapshot, double now, std::vector<AttentionItem>& items);
 
     struct Zombie {
         int64_t pid;

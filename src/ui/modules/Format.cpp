@@ -80,6 +80,14 @@ std::string diskSize(uint64_t bytes) { return scaled(static_cast<double>(bytes),
 
 std::string rate(double bytesPerSecond) { return scaled(bytesPerSecond, 1000, decimalUnits, "/s"); }
 
+std::string perSecond(double count) {
+    if (!sensible(count)) return std::string(unknown);
+    constexpr std::array<std::string_view, 4> steps{"", " k", " M", " G"};
+    size_t step = 0;
+    for (; count >= fullThreeDigits && step + 1 < steps.size(); ++step) count /= 1000;
+    return fmt::format("{}{}/s", step == 0 ? fmt::format("{:.0f}", count) : threeDigits(count), steps[step]);
+}
+
 std::string watts(double watts) {
     if (!sensible(watts)) return std::string(unknown);
     return threeDigits(watts) + " W";

@@ -21,6 +21,7 @@ std::string percent(double percent); ///< "23.4 %"
 std::string memory(uint64_t bytes);      ///< binary units: "3.21 GiB"
 std::string diskSize(uint64_t bytes);    ///< decimal units, as drives are sold: "512 GB"
 std::string rate(double bytesPerSecond); ///< decimal units: "1.20 MB/s"
+std::string perSecond(double count);     ///< how often: "12.3 k/s"
 std::string watts(double watts);         ///< "12.4 W"
 
 /// The two largest units: "3 d 4 h", "4 h 5 min", "5 min 12 s", "12.3 s".

@@ -1,0 +1,142 @@
+#include "HelperKit/SerialQueue.h"
+#include "desktop/Background.h"
+#include "desktop/Text.h"
+#include "desktop/Theme.h"
+#include "desktop/pages/Pages.h"
+#include "desktop/widgets/ApplicationList.h"
+#include "desktop/widgets/AttentionList.h"
+#include "desktop/widgets/Card.h"
+#include "desktop/widgets/RangePicker.h"
+#include "desktop/widgets/Tile.h"
+#include "desktop/widgets/TimeChart.h"
+#include "monitor/Monitor.h"
+#include "ui/modules/Format.h"
+#include "ui/modules/StateSentence.h"
+#include "ui/settings/Prefs.h"
+
+#include <QVBoxLayout>
+#include <array>
+#include <optional>
+
+namespace quarn::desktop {
+
+namespace {
+
+constexpr int tileWidth = 150;
+constexpr int cardWidth = 320;
+constexpr int chartHeight = 150; // so that all cards show in a window of the usual size
+constexpr double tileSpan = 60; ///< seconds
+constexpr size_t tileColumns = 30;
+constexpr double volumesEvery = 30; ///< seconds
+
+/// The page that shows more of a kind.
+const char* pageOf(WidgetKind kind) {
+    switch (kind) {
+    case WidgetKind::temperature: return "sensors";
+    case WidgetKind::disk: return "disks";
+    default: return widgetKindId(kind).data();
+    }
+}
+
+class OverviewPage final : public Page {
+public:
+    explicit OverviewPage(PageContext& context);
+    void refresh(const Snapshot& snapshot, const Known& known) override;
+
+private:
+    void showTiles(const Snapshot& snapshot, const Known& known);
+    void showAttention(const Snapshot& snapshot, const Known& known);
+    void readVolumes(double now);
+
+    RangePicker* range_;
+    std::array<Tile*, allWidgetKinds.size()> tiles_{};
+    TimeChart* chart_;
+    ApplicationList* busiest_;
+    AttentionList* attention_;
+    Attention watch_;
+    std::vector<Volume> volumes_;
+    std::optional<double> volumesRead_; ///< when they were asked for last, steady seconds
+    SerialQueue queue_{"overview"};     ///< last: what runs on it ends first
+};
+
+OverviewPage::OverviewPage(PageContext& context)
+    : Page(context, say("Overview")),
+      range_(new RangePicker(context.prefs)),
+      chart_(new TimeChart(context.history,
+                           {{LiveSeries::cpuTotal, say("CPU"), WidgetKind::cpu},
+                            {LiveSeries::cpuSystem, say("System share"), WidgetKind::cpu, true}},
+                           {.full = 100, .text = [](double value) { return toQt(format::percent(value)); }})),
+      busiest_(new ApplicationList(GroupOrder::cpu)),
+      attention_(new AttentionList) {
+    addTool(range_);
+    auto* tiles = new FlowGrid(tileWidth);
+    for (const WidgetKind kind : allWidgetKinds) {
+        auto* tile = tiles_[static_cast<size_t>(kind)] = new Tile(kind);
+        connect(tile, &Tile::opened, this, [this, kind] { context_.navigator.open(pageOf(kind)); });
+        tiles->add(tile);
+    }
+    content().addWidget(tiles);
+
+    auto* chart = new Card(say("CPU"));
+    chart->content().addWidget(chart_);
+    chart_->setFixedHeight(chartHeight);
+    content().addWidget(chart);
+
+    auto* cards = new FlowGrid(cardWidth);
+    auto* busiest = new Card(say("Busiest applications"));
+    busiest->content().addWidget(busiest_);
+    busiest->content().addStretch();
+    auto* attention = new Card(say("Needs attention"));
+    attention->content().addWidget(attention_);
+    attention->content().addStretch();
+    cards->add(busiest);
+    cards->add(attention);
+    content().addWidget(cards);
+    content().addStretch();
+
+    connect(busiest_, &ApplicationList::opened, this,
+            [this](const QString& name) { context_.navigator.open("processes", name); });
+    connect(attention_, &AttentionList::opened, this,
+            [this](const QString& page, const QString& search) { context_.navigator.open(page, search); });
+}
+
+void OverviewPage::refresh(const Snapshot& snapshot, const Known& known) {
+    const std::string sentence = stateSentence(snapshot, known);
+    setSentence(sentence.empty() ? say("How busy the machine is will be known with the next sample")
+                                 : toQt(sentence));
+    showTiles(snapshot, known);
+    chart_->refresh(range_->follow());
+    busiest_->refresh(snapshot, known,
+                      context_.prefs.appCPUWholeMac.get() ? ApplicationList::CpuShare::ofTheMachine
+                                                          : ApplicationList::CpuShare::ofOneCore);
+    showAttention(snapshot, known);
+}
+
+void OverviewPage::showTiles(const Snapshot& snapshot, const Known& known) {
+    const Reading reading{snapshot, known, readingStyle(context_.prefs), representativeTemperature(snapshot)};
+    for (const WidgetKind kind : allWidgetKinds)
+        tiles_[static_cast<size_t>(kind)]->show(
+            toQt(reading.headline(kind)), toQt(reading.caption(kind)),
+            context_.history.peaks(seriesOf(kind), tileSpan, tileColumns));
+}
+
+void OverviewPage::showAttention(const Snapshot& snapshot, const Known& known) {
+    const double now = steadySeconds();
+    readVolumes(now);
+    attention_->show(watch_.look(snapshot, known, volumes_, attentionLimits(context_.prefs),
+                                 readingStyle(context_.prefs), now));
+}
+
+void OverviewPage::readVolumes(double now) {
+    if (volumesRead_ && now - *volumesRead_ < volumesEvery) return;
+    volumesRead_ = now;
+    inBackground(
+        queue_, this, [&monitor = context_.monitor] { return monitor.volumes(); },
+        [this](std::vector<Volume> volumes) { volumes_ = std::move(volumes); });
+}
+
+} // namespace
+
+Page* makeOverviewPage(PageContext& context) { return new OverviewPage(context); }
+
+} // namespace quarn::desktop

@@ -1,0 +1,44 @@
+#include "desktop/widgets/ApplicationList.h"
+
+#include "desktop/Text.h"
+#include "ui/modules/Format.h"
+
+#include <algorithm>
+
+namespace quarn::desktop {
+
+namespace {
+
+constexpr size_t rows = 6;
+
+std::vector<RankList::Column> columnsOf(GroupOrder order) {
+    std::vector<RankList::Column> columns{{say("CPU"), WidgetKind::cpu}, {say("Memory"), WidgetKind::memory}};
+    if (order == GroupOrder::memory) std::swap(columns[0], columns[1]);
+    return columns;
+}
+
+} // namespace
+
+ApplicationList::ApplicationList(GroupOrder order, QWidget* parent)
+    : RankList(say("Name"), columnsOf(order), parent), order_(order) {}
+
+void ApplicationList::refresh(const Snapshot& snapshot, const Known& known, CpuShare share) {
+    const auto cores = static_cast<double>(std::max<size_t>(snapshot.cpu.perCore.size(), 1));
+    const auto total = static_cast<double>(std::max<uint64_t>(snapshot.mem.total, 1));
+    std::vector<Row> list;
+    for (const auto& group : topGroups(snapshot.processes, known, order_, rows)) {
+        const double cpu = group.cpuPercent.value_or(0);
+        const double shown = share == CpuShare::ofTheMachine ? cpu / cores : cpu;
+        const uint64_t bytes = group.memBytes.value_or(0);
+        Row row{toQt(group.name.view()),
+                group.processes > 1 ? say("%1 processes").arg(group.processes) : QString(),
+                {{toQt(group.cpuPercent ? format::percent(shown) : format::unknown), cpu / 100 / cores},
+                 {toQt(group.memBytes ? format::memory(bytes) : format::unknown),
+                  static_cast<double>(bytes) / total}}};
+        if (order_ == GroupOrder::memory) std::swap(row.cells[0], row.cells[1]);
+        list.push_back(std::move(row));
+    }
+    show(list);
+}
+
+} // namespace quarn::desktop
