@@ -41,7 +41,7 @@ public:
     QColor kind(WidgetKind kind, bool second = false) const;
     /// A weaker hue of a kind, for parts of one whole: 1 is the hue itself; 0 is what is empty.
     QColor shade(WidgetKind kind, double strength) const;
-    static constexpr double secondStrength = 0.55; ///< the shade that is the second series
+    static constexpr double secondStrength = 0.65; ///< the shade that is the second series
     /// The same for items in the desktop's panel. Panels do not tell their colour: many are dark whatever the
     /// windows are, the others follow the desktop.
     QColor trayText() const;

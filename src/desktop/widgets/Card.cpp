@@ -45,7 +45,7 @@ void Card::setNote(const QString& note) {
 }
 
 FlowGrid::FlowGrid(int minimumWidth, QWidget* parent) : QWidget(parent), minimumWidth_(minimumWidth) {
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Minimum);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
 }
@@ -84,9 +84,8 @@ int FlowGrid::place(int width, bool apply) const {
 
 int FlowGrid::heightForWidth(int width) const { return place(width, false); }
 QSize FlowGrid::sizeHint() const { return {4 * minimumWidth_, place(4 * minimumWidth_, false)}; }
-QSize FlowGrid::minimumSizeHint() const {
-    return {minimumWidth_, place(std::max(width(), minimumWidth_), false)};
-}
+// How high it must be depends on the width alone: a height of its own would outlive a former width.
+QSize FlowGrid::minimumSizeHint() const { return {minimumWidth_, 0}; }
 
 void FlowGrid::resizeEvent(QResizeEvent*) { place(width(), true); }
 

@@ -42,7 +42,7 @@ void paintBar(QPainter& painter, const QRectF& whole, double busy, double system
 
 CoreBars::CoreBars(QWidget* parent) : QWidget(parent) {
     setTextValue(this, {});
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
 }
@@ -61,7 +61,7 @@ void CoreBars::show(const std::vector<double>& busy, const std::vector<double>& 
 
 int CoreBars::heightForWidth(int width) const { return coreLayout(busy_.size(), width).height(); }
 QSize CoreBars::sizeHint() const { return {600, heightForWidth(600)}; }
-QSize CoreBars::minimumSizeHint() const { return {200, heightForWidth(std::max(width(), 200))}; }
+QSize CoreBars::minimumSizeHint() const { return {200, 0}; }
 
 void CoreBars::paintEvent(QPaintEvent*) {
     QPainter painter(this);

@@ -18,7 +18,7 @@ int rowHeight() { return QFontMetrics(Theme::captionFont()).height() + 2; }
 } // namespace
 
 Legend::Legend(QWidget* parent) : QWidget(parent) {
-    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
     setAttribute(Qt::WA_TransparentForMouseEvents);

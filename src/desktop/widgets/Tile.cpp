@@ -2,7 +2,6 @@
 
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
-#include "desktop/widgets/ElidedLabel.h"
 #include "desktop/widgets/Figure.h"
 #include "desktop/widgets/MiniGraph.h"
 
@@ -14,20 +13,24 @@
 
 namespace quarn::desktop {
 
+namespace {
+
+constexpr int wideTile = 200; ///< from here on every caption fits into one line
+
+/// Room for two lines in narrow tiles, whatever the caption, so that tiles keep their height.
+int captionHeight(int width) {
+    return QFontMetrics(Theme::captionFont()).lineSpacing() * (width < wideTile ? 2 : 1) + 1;
+}
+
+} // namespace
+
 Tile::Tile(WidgetKind kind, QWidget* parent)
     : QFrame(parent),
       kind_(kind),
       title_(new QLabel(say(Reading::title(kind).c_str()))),
-<<<<<<< HEAD
-      figure_(new QLabel("—")),
+      figure_(new Figure),
       caption_(new QLabel),
       graph_(new MiniGraph(kind, fullScale(kind))) {
-=======
-      figure_(new Figure),
-      caption_(new ElidedLabel),
-      graph_(new MiniGraph(
-          kind, kind == WidgetKind::cpu || kind == WidgetKind::memory || kind == WidgetKind::gpu ? 100 : 0)) {
->>>>>>> 2a8b55a (Add the overview, CPU, memory and GPU pages)
     setObjectName("tile");
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
@@ -36,6 +39,11 @@ Tile::Tile(WidgetKind kind, QWidget* parent)
     caption_->setFont(Theme::captionFont());
     title_->setProperty("dim", true);
     caption_->setProperty("dim", true);
+    caption_->setTextFormat(Qt::PlainText);
+    caption_->setWordWrap(true);
+    caption_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    caption_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    caption_->setFixedHeight(captionHeight(wideTile));
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(Theme::cardPadding, Theme::cardPadding, Theme::cardPadding,
                                Theme::cardPadding);
@@ -49,11 +57,17 @@ Tile::Tile(WidgetKind kind, QWidget* parent)
 
 void Tile::show(const QString& figure, const QString& caption, const std::vector<double>& graph) {
     figure_->setText(figure);
-    caption_->show(caption);
+    if (caption_->text() != caption) caption_->setText(caption);
     graph_->setValues(graph);
     const QString name = title_->text() + ": " + figure + ", " + caption;
     if (accessibleName() != name) setAccessibleName(name);
 }
+
+int Tile::heightForWidth(int width) const {
+    return layout()->sizeHint().height() - caption_->height() + captionHeight(width);
+}
+
+void Tile::resizeEvent(QResizeEvent*) { caption_->setFixedHeight(captionHeight(width())); }
 
 void Tile::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton && rect().contains(event->pos())) Q_EMIT opened();

@@ -9,7 +9,6 @@ class QLabel;
 
 namespace quarn::desktop {
 
-class ElidedLabel;
 class Figure;
 class MiniGraph;
 
@@ -20,10 +19,14 @@ public:
     explicit Tile(WidgetKind kind, QWidget* parent = nullptr);
     void show(const QString& figure, const QString& caption, const std::vector<double>& graph);
 
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
+
 Q_SIGNALS:
     void opened();
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -32,7 +35,7 @@ private:
     WidgetKind kind_;
     QLabel* title_;
     Figure* figure_;
-    ElidedLabel* caption_;
+    QLabel* caption_;
     MiniGraph* graph_;
 };
 
