@@ -25,7 +25,7 @@ namespace {
 constexpr int tileWidth = 150;
 constexpr int cardWidth = 320;
 constexpr int chartHeight = 150; // so that all cards show in a window of the usual size
-constexpr double tileSpan = 60; ///< seconds
+constexpr double tileSpan = 60;  ///< seconds
 constexpr size_t tileColumns = 30;
 constexpr double volumesEvery = 30; ///< seconds
 

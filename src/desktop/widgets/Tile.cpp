@@ -57,7 +57,10 @@ Tile::Tile(WidgetKind kind, QWidget* parent)
 
 void Tile::show(const QString& figure, const QString& caption, const std::vector<double>& graph) {
     figure_->setText(figure);
-    if (caption_->text() != caption) caption_->setText(caption);
+    // A line may end behind a comma only, never between a figure and its unit.
+    QString lines = caption;
+    lines.replace(' ', QChar::Nbsp).replace(QString(',') + QChar::Nbsp, ", ");
+    if (caption_->text() != lines) caption_->setText(lines);
     graph_->setValues(graph);
     const QString name = title_->text() + ": " + figure + ", " + caption;
     if (accessibleName() != name) setAccessibleName(name);
