@@ -18,9 +18,6 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr int factsWidth = 280;
-constexpr int chartHeight = 260;
-
 QString orDash(const std::string& text) { return text.empty() ? QString("—") : toQt(text); }
 
 class CpuPage final : public Page {
@@ -29,6 +26,9 @@ public:
     void refresh(const Snapshot& snapshot, const Known& known) override;
 
 private:
+    static constexpr int factsWidth = 280;
+    static constexpr int chartHeight = 260;
+
     void showCores(const Snapshot& snapshot, const Known& known);
     void showActivity(const Snapshot& snapshot, const Known& known);
     void showLoad(const Snapshot& snapshot, const Known& known);

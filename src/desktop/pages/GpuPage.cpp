@@ -17,15 +17,15 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr int factsWidth = 280;
-constexpr int chartHeight = 260;
-
 class GpuPage final : public Page {
 public:
     explicit GpuPage(PageContext& context);
     void refresh(const Snapshot& snapshot, const Known& known) override;
 
 private:
+    static constexpr int factsWidth = 280;
+    static constexpr int chartHeight = 260;
+
     void showEmpty(bool hasReading);
     void showUse(const Snapshot& snapshot);
     void showMemory(const Snapshot& snapshot);
@@ -56,6 +56,7 @@ GpuPage::GpuPage(PageContext& context)
     empty_->setWordWrap(true);
     empty_->setProperty("dim", true);
     emptyCard_->content().addWidget(empty_);
+    emptyCard_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     content().addWidget(emptyCard_);
     chartCard_->content().addWidget(chart_);
     chart_->setFixedHeight(chartHeight);

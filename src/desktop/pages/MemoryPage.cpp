@@ -21,8 +21,6 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr int cardWidth = 320;
-constexpr int chartHeight = 200;
 /// Shades of the parts in use, then of those that are given away when asked for.
 constexpr std::array usedShades{1.0, 0.78, 0.6, 0.48};
 constexpr double cacheShade = 0.26;
@@ -38,6 +36,9 @@ public:
     void refresh(const Snapshot& snapshot, const Known& known) override;
 
 private:
+    static constexpr int cardWidth = 320;
+    static constexpr int chartHeight = 200;
+
     void showParts(const Snapshot& snapshot, const Known& known);
     void showPressure(const Snapshot& snapshot, const Known& known);
     void showRates(const Snapshot& snapshot, const Known& known);

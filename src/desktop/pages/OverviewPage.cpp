@@ -22,13 +22,6 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr int tileWidth = 150;
-constexpr int cardWidth = 320;
-constexpr int chartHeight = 150; // so that all cards show in a window of the usual size
-constexpr double tileSpan = 60;  ///< seconds
-constexpr size_t tileColumns = 30;
-constexpr double volumesEvery = 30; ///< seconds
-
 /// The page that shows more of a kind.
 const char* pageOf(WidgetKind kind) {
     switch (kind) {
@@ -44,6 +37,13 @@ public:
     void refresh(const Snapshot& snapshot, const Known& known) override;
 
 private:
+    static constexpr int tileWidth = 150;
+    static constexpr int cardWidth = 320;
+    static constexpr int chartHeight = 150; // so that all cards show in a window of the usual size
+    static constexpr double tileSpan = 60;  ///< seconds
+    static constexpr size_t tileColumns = 30;
+    static constexpr double volumesEvery = 30; ///< seconds
+
     void showTiles(const Snapshot& snapshot, const Known& known);
     void showAttention(const Snapshot& snapshot, const Known& known);
     void readVolumes(double now);
@@ -77,11 +77,6 @@ OverviewPage::OverviewPage(PageContext& context)
     }
     content().addWidget(tiles);
 
-    auto* chart = new Card(say("CPU"));
-    chart->content().addWidget(chart_);
-    chart_->setFixedHeight(chartHeight);
-    content().addWidget(chart);
-
     auto* cards = new FlowGrid(cardWidth);
     auto* busiest = new Card(say("Busiest applications"));
     busiest->content().addWidget(busiest_);
@@ -92,6 +87,11 @@ OverviewPage::OverviewPage(PageContext& context)
     cards->add(busiest);
     cards->add(attention);
     content().addWidget(cards);
+
+    auto* chart = new Card(say("CPU"));
+    chart->content().addWidget(chart_);
+    chart_->setFixedHeight(chartHeight);
+    content().addWidget(chart);
     content().addStretch();
 
     connect(busiest_, &ApplicationList::opened, this,

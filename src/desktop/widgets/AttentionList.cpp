@@ -45,7 +45,7 @@ public:
         item_ = item;
         const auto level = of(item.level);
         setAccessibleName(say(level.word) + ": " + toQt(item.text) + ", " + toQt(item.detail));
-        setToolTip(accessibleName());
+        setToolTip(accessibleName().toHtmlEscaped());
         update();
     }
     const AttentionItem& item() const { return item_; }

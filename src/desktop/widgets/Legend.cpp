@@ -9,7 +9,7 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr int swatch = 8;
+constexpr int edge = 8;               // of a swatch
 constexpr int between = 6;            // swatch, label and value
 constexpr int apart = 2 * Theme::gap; // entries
 
@@ -31,7 +31,7 @@ void Legend::show(const std::vector<Entry>& entries) {
     const QFontMetrics metrics(Theme::captionFont());
     bool wider = false;
     for (size_t i = 0; i < entries_.size(); ++i) {
-        const int width = swatch + between + metrics.horizontalAdvance(entries_[i].label) + between +
+        const int width = edge + between + metrics.horizontalAdvance(entries_[i].label) + between +
                           metrics.horizontalAdvance(entries_[i].value);
         wider |= width > widths_[i];
         widths_[i] = std::max(widths_[i], width);
@@ -78,9 +78,9 @@ void Legend::paintEvent(QPaintEvent*) {
         const QRect& row = rows[i];
         painter.setPen(Qt::NoPen);
         painter.setBrush(theme.shade(entries_[i].kind, entries_[i].strength));
-        painter.drawRoundedRect(QRect(row.x(), row.center().y() - swatch / 2 + 1, swatch, swatch), 2, 2);
+        painter.drawRoundedRect(QRect(row.x(), row.center().y() - edge / 2 + 1, edge, edge), 2, 2);
         painter.setPen(theme.dim());
-        const QRect text = row.adjusted(swatch + between, 0, 0, 0);
+        const QRect text = row.adjusted(edge + between, 0, 0, 0);
         painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter, entries_[i].label);
         painter.setPen(theme.text());
         painter.drawText(text, Qt::AlignRight | Qt::AlignVCenter, entries_[i].value);

@@ -1,5 +1,6 @@
 #include "desktop/widgets/RankList.h"
 
+#include "desktop/Text.h"
 #include "desktop/Theme.h"
 #include "desktop/widgets/RowButton.h"
 
@@ -25,13 +26,14 @@ public:
     void set(const RankList::Row& row) {
         row_ = row;
         QStringList spoken{row_.name};
+        if (!row_.note.isEmpty()) spoken.append(row_.note);
         for (size_t i = 0; i < row_.cells.size(); ++i)
             spoken.append(list_.columns()[i].title + ' ' + row_.cells[i].text);
-        if (const QString name = spoken.join(", "); accessibleName() != name) {
-            setAccessibleName(name);
-            setToolTip(row_.note.isEmpty() ? row_.name : row_.name + ", " + row_.note);
-            update();
-        }
+        const QString name = spoken.join(", ");
+        if (accessibleName() == name) return;
+        setAccessibleName(name);
+        setToolTip(name.toHtmlEscaped());
+        update();
     }
     const QString& name() const { return row_.name; }
 
@@ -75,6 +77,7 @@ RankList::RankList(const QString& nameTitle, std::vector<Column> columns, QWidge
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, QFontMetrics(Theme::captionFont()).height() + 4, 0, 0);
     column->setSpacing(0);
+    setMinimumHeight(column->contentsMargins().top() + Theme::rowHeight);
 }
 
 void RankList::show(const std::vector<Row>& rows) {
@@ -107,6 +110,10 @@ void RankList::paintEvent(QPaintEvent*) {
         painter.drawText(place.adjusted(0, 0, -inset, 0), Qt::AlignRight | Qt::AlignVCenter,
                          columns_[i].title);
     }
+    if (!rows_.empty() && !rows_.front()->isHidden()) return;
+    painter.setFont(font());
+    painter.drawText(QRect(inset, height, width(), Theme::rowHeight), Qt::AlignLeft | Qt::AlignVCenter,
+                     say("No process could be read"));
 }
 
 } // namespace quarn::desktop

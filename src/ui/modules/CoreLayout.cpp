@@ -31,8 +31,9 @@ CoreLayout coreLayout(size_t cores, int width) {
         layout.gap = 2;
         layout.labelWidth = 40;
         const int most = std::max(1, (width - layout.labelWidth + layout.gap) / (leastColumn + layout.gap));
-        layout.columns = most < octet ? most : most / octet * octet;
-        layout.rows = ceilDivide(count, layout.columns);
+        layout.rows = ceilDivide(count, most < octet ? most : most / octet * octet);
+        const int even = ceilDivide(count, layout.rows); // rows of equal length
+        layout.columns = most < octet ? even : ceilDivide(even, octet) * octet;
         layout.cellHeight = std::clamp(compactHeight / layout.rows, 14, 40);
     }
     const int room = std::max(width - layout.labelWidth, 1) + layout.gap;

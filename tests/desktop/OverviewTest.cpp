@@ -1,0 +1,61 @@
+// The ways from the overview to the other pages.
+#include "desktop/WindowFixture.h"
+#include "desktop/widgets/ApplicationList.h"
+#include "desktop/widgets/AttentionList.h"
+#include "desktop/widgets/RowButton.h"
+#include "desktop/widgets/Tile.h"
+
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace quarn::testing {
+namespace {
+
+class Overview : public ::testing::Test {
+protected:
+    Overview() {
+        window.resize(1200, 800);
+        window.show();
+        window.open("overview");
+        Snapshot snapshot = SampleMachine{}.at(30);
+        snapshot.mem.pressureLevel = 4;
+        window.refresh(snapshot, SampleMachine::known());
+    }
+    template <class List>
+    desktop::RowButton* firstRow() {
+        return window.findChild<List*>()->template findChild<desktop::RowButton*>();
+    }
+
+    WindowFixture fixture{SampleMachine{}.history(30)};
+    desktop::MainWindow& window = fixture.window();
+};
+
+TEST_F(Overview, EveryTileOpensItsPage) {
+    const QStringList pages{"cpu", "memory", "gpu", "sensors", "network", "disks", "power"};
+    QStringList opened;
+    for (auto* tile : window.findChildren<desktop::Tile*>()) {
+        window.open("overview");
+        QTest::keyClick(tile, Qt::Key_Return);
+        opened.append(window.currentPage());
+    }
+    EXPECT_EQ(opened, pages);
+}
+
+TEST_F(Overview, AnApplicationOpensTheProcesses) {
+    auto* row = firstRow<desktop::ApplicationList>();
+    ASSERT_NE(row, nullptr);
+    EXPECT_TRUE(row->accessibleName().contains(" %")) << row->accessibleName().toStdString();
+    QTest::mouseClick(row, Qt::LeftButton);
+    EXPECT_EQ(window.currentPage(), "processes");
+}
+
+TEST_F(Overview, WhatNeedsAttentionOpensItsPage) {
+    auto* row = firstRow<desktop::AttentionList>();
+    ASSERT_NE(row, nullptr);
+    EXPECT_TRUE(row->accessibleName().startsWith("Critical: Memory is very short"));
+    QTest::keyClick(row, Qt::Key_Return);
+    EXPECT_EQ(window.currentPage(), "memory");
+}
+
+} // namespace
+} // namespace quarn::testing
