@@ -18,7 +18,11 @@ namespace quarn::desktop {
 
 namespace {
 
-QString orDash(const std::string& text) { return text.empty() ? QString("—") : toQt(text); }
+/// A fact of the machine that it may keep to itself.
+FactTable::Fact machineFact(const char* label, const std::string& value) {
+    if (value.empty()) return {say(label), "—", say("The machine does not tell")};
+    return {say(label), toQt(value), {}};
+}
 
 class CpuPage final : public Page {
 public:
@@ -80,8 +84,9 @@ CpuPage::CpuPage(PageContext& context)
 
 void CpuPage::refresh(const Snapshot& snapshot, const Known& known) {
     const std::string sentence = stateSentence(snapshot, known);
-    setSentence(sentence.empty() ? say("How busy the cores are will be known with the next sample")
-                                 : toQt(sentence));
+    setSentence(!sentence.empty()         ? toQt(sentence)
+                : snapshot.generation < 2 ? say("How busy the cores are will be known with the next sample")
+                                          : say("How busy the cores are could not be read"));
     chart_->refresh(range_->follow());
     showCores(snapshot, known);
     showLoad(snapshot, known);
@@ -123,14 +128,16 @@ void CpuPage::showLoad(const Snapshot& snapshot, const Known&) {
 void CpuPage::showActivity(const Snapshot& snapshot, const Known& known) {
     const auto count = [](auto number) { return QLocale::c().toString(static_cast<qlonglong>(number)); };
     const bool listed = !snapshot.processes.empty();
-    const QString next = say("Known with the next sample");
+    const QString next =
+        snapshot.generation < 2 ? say("Known with the next sample") : say("Could not be read");
+    const QString none = listed ? QString() : say("No process could be read");
     activity_->show({
         {say("Programs"), known.cpu ? toQt(format::percent(snapshot.cpu.user)) : QString("—"),
          known.cpu ? say("Time spent in programs (user)") : next},
         {say("System"), known.cpu ? toQt(format::percent(snapshot.cpu.system)) : QString("—"),
          known.cpu ? say("Time spent in the kernel for them (system)") : next},
-        {say("Processes"), listed ? count(snapshot.processes.size()) : QString("—"), {}},
-        {say("Threads"), listed ? count(snapshot.totalThreads) : QString("—"), {}},
+        {say("Processes"), listed ? count(snapshot.processes.size()) : QString("—"), none},
+        {say("Threads"), listed ? count(snapshot.totalThreads) : QString("—"), none},
         {say("Context switches"),
          known.rates ? toQt(format::perSecond(snapshot.rates.contextSwitches)) : QString("—"),
          known.rates ? say("How often a core went on with another thread") : next},
@@ -142,12 +149,11 @@ void CpuPage::showActivity(const Snapshot& snapshot, const Known& known) {
 void CpuPage::showProcessor() {
     const Hardware& hardware = context_.monitor.hardware();
     processor_->show({
-        {say("Model"), orDash(hardware.cpuBrand), {}},
-        {say("Cores"), orDash(coresText(hardware)), {}},
-        {say("Architecture"), orDash(hardware.arch), {}},
-        {say("Base clock"), orDash(clockText(hardware.baseClockHz)),
-         hardware.baseClockHz > 0 ? QString() : say("The processor does not tell")},
-        {say("Caches"), orDash(cachesText(hardware)), {}},
+        machineFact("Model", hardware.cpuBrand),
+        machineFact("Cores", coresText(hardware)),
+        machineFact("Architecture", hardware.arch),
+        machineFact("Base clock", clockText(hardware.baseClockHz)),
+        machineFact("Caches", cachesText(hardware)),
     });
 }
 

@@ -161,7 +161,9 @@ void MemoryPage::showRates(const Snapshot& snapshot, const Known& known) {
     const auto page = static_cast<double>(snapshot.mem.pageSize);
     const auto fact = [&](const char* label, const std::string& value, const char* meaning) {
         return FactTable::Fact{say(label), isKnown ? toQt(value) : QString("—"),
-                               isKnown ? say(meaning) : say("Known with the next sample")};
+                               isKnown                   ? say(meaning)
+                               : snapshot.generation < 2 ? say("Known with the next sample")
+                                                         : say("Could not be read")};
     };
     rates_->show({
         fact("Read from disk", format::rate(rates.pageIn * page), "Pages brought in (page-in)"),
@@ -169,9 +171,9 @@ void MemoryPage::showRates(const Snapshot& snapshot, const Known& known) {
         fact("Swapped in", format::rate(rates.swapIn * page), "Memory brought back from swap"),
         fact("Swapped out", format::rate(rates.swapOut * page), "Memory moved to swap"),
         fact("Page faults", format::perSecond(rates.faults), "How often a page had to be provided"),
-        fact("Compressed", format::rate(rates.compressions * page),
+        fact("Compression", format::rate(rates.compressions * page),
              "Memory that was compressed (zswap, zram)"),
-        fact("Decompressed", format::rate(rates.decompressions * page),
+        fact("Decompression", format::rate(rates.decompressions * page),
              "Compressed memory that was needed again"),
     });
 }

@@ -55,8 +55,8 @@ private:
     AttentionList* attention_;
     Attention watch_;
     std::vector<Volume> volumes_;
-    std::optional<double> volumesRead_; ///< when they were asked for last, steady seconds
-    SerialQueue queue_{"overview"};     ///< last: what runs on it ends first
+    std::optional<double> volumesRead_;               ///< when they were asked for last, steady seconds
+    SerialQueue queue_{"com.kelmora.quarn.overview"}; ///< last: what runs on it ends first
 };
 
 OverviewPage::OverviewPage(PageContext& context)
@@ -102,8 +102,9 @@ OverviewPage::OverviewPage(PageContext& context)
 
 void OverviewPage::refresh(const Snapshot& snapshot, const Known& known) {
     const std::string sentence = stateSentence(snapshot, known);
-    setSentence(sentence.empty() ? say("How busy the machine is will be known with the next sample")
-                                 : toQt(sentence));
+    setSentence(!sentence.empty()         ? toQt(sentence)
+                : snapshot.generation < 2 ? say("How busy the machine is will be known with the next sample")
+                                          : say("How busy the machine is could not be read"));
     showTiles(snapshot, known);
     chart_->refresh(range_->follow());
     busiest_->refresh(snapshot, known,

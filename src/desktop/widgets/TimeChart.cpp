@@ -137,7 +137,6 @@ TimeChart::TimeChart(const LiveHistory& history, std::vector<Line> lines, Scale 
     setAccessibleName(say("%1 over time").arg(names.join(", ")));
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
-    setToolTip({});
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -147,7 +146,6 @@ TimeChart::TimeChart(const LiveHistory& history, std::vector<Line> lines, Scale 
     auto& plot = *plot_->widget;
     plot.setAttribute(Qt::WA_TransparentForMouseEvents);
     plot.setMinimumSize(0, 0);
-    plot.setNoAntialiasingOnDrag(true);
     plot.layer("overlay")->setMode(QCPLayer::lmLogical); // one buffer is enough: ours is a widget of its own
     plot.axisRect()->setAutoMargins(QCP::msNone);
     plot_->time().setVisible(false);
