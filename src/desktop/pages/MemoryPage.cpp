@@ -137,19 +137,15 @@ void MemoryPage::showPressure(const Snapshot& snapshot, const Known& known) {
     const QString dash = "—", why = say("The system does not tell");
     const auto ifKnown = [&](const QString& text) { return known.memory ? text : dash; };
     const bool swap = known.memory && mem.swapTotal > 0;
+    const QString noSwap = known.memory ? say("This system has no swap") : why;
+    const QString used = toQt(format::memory(mem.swapUsed)), inAll = toQt(format::memory(mem.swapTotal));
     pressure_->show({
         {say("State"), ifKnown(toQt(pressureText(mem.pressureLevel))),
          known.memory ? say("From how long programs wait for memory, and from what is left") : why},
         {say("Available"), ifKnown(say("%1 %").arg(mem.freePercent)),
          known.memory ? say("What programs can be given without swapping") : why},
-        {say("Swap used"),
-         swap           ? toQt(format::memory(mem.swapUsed))
-         : known.memory ? say("none set up")
-                        : dash,
-         swap ? say("%1 of %2").arg(toQt(format::memory(mem.swapUsed)), toQt(format::memory(mem.swapTotal)))
-              : QString()},
-        {say("Swap in all"), swap ? toQt(format::memory(mem.swapTotal)) : dash,
-         swap ? QString() : say("This system swaps to no disk")},
+        {say("Swap used"), swap ? used : dash, swap ? say("%1 of %2").arg(used, inAll) : noSwap},
+        {say("Swap in all"), swap ? inAll : dash, swap ? QString() : noSwap},
         {say("Compressed"), known.memoryParts ? toQt(format::memory(mem.compressed)) : dash,
          say("Room that compressed memory takes (zswap, zram)")},
     });
