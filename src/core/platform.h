@@ -130,6 +130,33 @@ std::optional<std::span<const KernelProcess>> readProcesses(Readers& readers);
 
 /// Start of one process in microseconds since the epoch, nullopt when there is none.
 std::optional<uint64_t> processStartMicros(const SystemRoot& root, int32_t pid);
+/// What a process was started with, nullopt when it may not be read; empty for threads of the kernel, and
+/// changed by programs that rewrite their title. May wait for a process that is busy with its memory, so
+/// never on a thread that must not wait.
+std::optional<std::vector<std::string>> processCommandLine(const SystemRoot& root, int32_t pid);
+/// The folder in which a process works, nullopt when it may not be read.
+std::optional<std::string> processWorkingFolder(const SystemRoot& root, int32_t pid);
+/// The nice value of the main thread, −20 to 19.
+std::optional<int> processPriority(const SystemRoot& root, int32_t pid);
+
+/// One run of one program: a pid that was given to another process since does not stand for it.
+struct ProcessInstance {
+    int32_t pid = 0;
+    uint64_t startTimeMicros = 0; ///< as in KernelProcess
+    uint64_t bootTime = 0; ///< seconds, by which the start was reckoned: the clock may be set meanwhile
+};
+enum class ProcessAnswer {
+    done,
+    gone,   ///< ended, or its pid is another's by now
+    denied, ///< not this user's to command
+    failed,
+};
+/// Sends a signal to that process and to no other, whatever happens to its pid meanwhile. Under a captured
+/// root nothing is sent: `failed`.
+ProcessAnswer signalProcess(const SystemRoot& root, const ProcessInstance& process, int signal);
+/// Sets the nice value of all threads of a process.
+ProcessAnswer setProcessPriority(const SystemRoot& root, const ProcessInstance& process, int nice);
+
 /// The account name of a user, nullopt when there is none.
 std::optional<std::string> userName(const SystemRoot& root, uint32_t uid);
 

@@ -29,6 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         break;
     default:
         parseProcessStatus(text);
+        parseCommandLine(text);
         parseProcessIo(text);
         break;
     }

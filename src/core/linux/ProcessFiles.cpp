@@ -17,7 +17,7 @@ std::optional<ProcessStat> parseProcessStat(std::string_view text) {
     if (state.size() != 1) return {};
     stat.state = state.front();
     // Columns as proc(5) numbers them; the state is the third.
-    enum Column { ppid = 4, utime = 14, stime = 15, threads = 20, starttime = 22 };
+    enum Column { ppid = 4, utime = 14, stime = 15, nice = 19, threads = 20, starttime = 22 };
     for (int column = ppid; column <= starttime; ++column) {
         const std::string_view word = scutil::takeWord(rest);
         if (word.empty()) return {};
@@ -26,6 +26,7 @@ std::optional<ProcessStat> parseProcessStat(std::string_view text) {
         case ppid: stat.ppid = scutil::toNumber<int32_t>(word).value_or(0); break;
         case utime:
         case stime: stat.cpuTicks += number(); break;
+        case nice: stat.nice = scutil::toNumber<int>(word).value_or(0); break;
         case threads: stat.threads = static_cast<uint32_t>(number()); break;
         case starttime: stat.startTicks = number(); break;
         default: break;
@@ -68,6 +69,13 @@ std::optional<ProcessIo> parseProcessIo(std::string_view text) {
     }
     if (!read || !written) return {};
     return ProcessIo{*read, *written};
+}
+
+std::vector<std::string> parseCommandLine(std::string_view text) {
+    while (text.ends_with('\0')) text.remove_suffix(1);
+    std::vector<std::string> arguments;
+    while (!text.empty()) arguments.emplace_back(scutil::takeUntil(text, '\0'));
+    return arguments;
 }
 
 uint64_t startMicros(uint64_t bootSeconds, uint64_t startTicks) {

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace sysinfo::platform {
 
@@ -11,6 +13,7 @@ struct ProcessStat {
     std::string_view comm; ///< raw bytes: may hold blanks, brackets and line feeds
     char state = '?';
     int32_t ppid = 0;
+    int nice = 0;
     uint64_t cpuTicks = 0; ///< user + system
     uint32_t threads = 0;
     uint64_t startTicks = 0; ///< since boot
@@ -36,6 +39,10 @@ struct ProcessIo {
 };
 /// nullopt when a line is missing.
 std::optional<ProcessIo> parseProcessIo(std::string_view text);
+
+/// proc/<pid>/cmdline: texts that each end in a NUL. A program that wrote its title over them leaves one text
+/// and a tail of NULs.
+std::vector<std::string> parseCommandLine(std::string_view text);
 
 /// The start of a process in microseconds since the epoch.
 uint64_t startMicros(uint64_t bootSeconds, uint64_t startTicks);
