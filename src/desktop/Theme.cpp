@@ -68,6 +68,7 @@ QTreeView::item:selected, QTableView::item:selected { background: %selection; co
 QHeaderView { background: %surface; }
 QHeaderView::section { background: %surface; color: %dim; border: 0; border-bottom: 1px solid %line;
   padding: 5px 6px; }
+QAbstractScrollArea::corner { background: transparent; border: 0; }
 QTableCornerButton::section { background: %surface; border: 0; }
 QScrollArea { background: transparent; border: 0; }
 QScrollBar:vertical { background: transparent; width: 12px; margin: 0; }

@@ -66,6 +66,9 @@ public:
     /// The program's one instance on this machine, publishing on the `main` of the first call.
     static Monitor& shared(Executor& main);
 
+    /// Where the machine is read. Any thread.
+    const sysinfo::SystemRoot& root() const { return setup_.root; }
+
     /// The machine itself, as it was when this was made.
     const Hardware& hardware() const { return hardware_; }
 

@@ -173,7 +173,7 @@ TEST(TableView, WhatWasArrangedComesBack) {
         EXPECT_TRUE(view.isColumnHidden(2));
         view.header()->moveSection(1, 0);
         view.header()->resizeSection(1, 123);
-        view.setColumnHidden(2, false);
+        view.showColumn(2, true);
         view.sortByColumn(2, Qt::AscendingOrder);
     }
     TableView view("kept");

@@ -12,7 +12,6 @@ public:
 
 #define UNBUILT(name)                                                                                        \
     Page* make##name##Page(PageContext& context) { return new UnbuiltPage(context, #name); }
-UNBUILT(Processes)
 UNBUILT(Network)
 UNBUILT(Connections)
 UNBUILT(Disks)

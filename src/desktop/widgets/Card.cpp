@@ -11,7 +11,11 @@
 namespace quarn::desktop {
 
 Card::Card(const QString& title, QWidget* parent)
-    : QFrame(parent), title_(new QLabel), note_(new QLabel), content_(new QVBoxLayout) {
+    : QFrame(parent),
+      title_(new QLabel),
+      note_(new QLabel),
+      top_(new QHBoxLayout),
+      content_(new QVBoxLayout) {
     setObjectName("card");
     title_->setFont(Theme::cardTitleFont());
     title_->setTextFormat(Qt::PlainText);
@@ -19,14 +23,13 @@ Card::Card(const QString& title, QWidget* parent)
     note_->setTextFormat(Qt::PlainText);
     note_->setProperty("dim", true);
     note_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    auto* top = new QHBoxLayout;
-    top->addWidget(title_);
-    top->addWidget(note_, 1);
+    top_->addWidget(title_);
+    top_->addWidget(note_, 1);
     content_->setSpacing(Theme::gap);
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(Theme::cardPadding, Theme::cardPadding, Theme::cardPadding, Theme::cardPadding);
     whole->setSpacing(Theme::gap);
-    whole->addLayout(top);
+    whole->addLayout(top_);
     whole->addLayout(content_, 1);
     setTitle(title);
     note_->hide();
@@ -37,6 +40,8 @@ void Card::setTitle(const QString& title) {
     title_->setVisible(!title.isEmpty());
     setAccessibleName(title);
 }
+
+void Card::addCorner(QWidget* widget) { top_->addWidget(widget); }
 
 void Card::setNote(const QString& note) {
     if (note_->text() == note && note_->isHidden() == note.isEmpty()) return;

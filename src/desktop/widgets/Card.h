@@ -3,6 +3,7 @@
 #include <QFrame>
 #include <QString>
 
+class QHBoxLayout;
 class QLabel;
 class QVBoxLayout;
 
@@ -18,10 +19,13 @@ public:
     void setTitle(const QString& title);
     /// Dim text at the right of the title.
     void setNote(const QString& note);
+    /// A button at the right end of the title.
+    void addCorner(QWidget* widget);
 
 private:
     QLabel* title_;
     QLabel* note_;
+    QHBoxLayout* top_;
     QVBoxLayout* content_;
 };
 

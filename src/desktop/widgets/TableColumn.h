@@ -14,7 +14,8 @@ namespace quarn::desktop {
 /// columns of each list, see ListModel.
 struct TableColumn {
     enum class Align { text, figure }; ///< figures stand at the right
-    enum class Shown { always, usually, onRequest };
+    /// `whenRoom`: as usually, but a narrow table goes without it. The first column is always shown.
+    enum class Shown { always, usually, whenRoom, onRequest };
 
     const char* id;      ///< kept in the stored layout, stable
     const char* title;   ///< through the translation hook, as is the next

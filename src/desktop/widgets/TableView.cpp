@@ -25,10 +25,59 @@ constexpr int cellPadding = 16;
 constexpr int narrowest = 36;
 constexpr int savingDelay = 500; // ms: dragging an edge is one change
 
+/// Titles aligned as their columns, the sorted one with an arrow that points the way the values grow.
+class TableHeader final : public QHeaderView {
+public:
+    explicit TableHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
+        setSectionsClickable(true);
+        setMouseTracking(true);
+    }
+
+protected:
+    void paintSection(QPainter* painter, const QRect& rect, int section) const override {
+        const auto& theme = Theme::current();
+        const bool isSorted = isSortIndicatorShown() && sortIndicatorSection() == section;
+        painter->fillRect(rect, theme.surface());
+        if (viewport()->underMouse() && rect.contains(viewport()->mapFromGlobal(QCursor::pos())))
+            painter->fillRect(rect, QColor(128, 128, 128, 24));
+        painter->fillRect(QRect(rect.left(), rect.bottom(), rect.width(), 1), theme.line());
+
+        constexpr int padding = 6, arrow = 8;
+        QRect room = rect.adjusted(padding, 0, -padding, -1);
+        const auto alignment =
+            Qt::Alignment(model()->headerData(section, orientation(), Qt::TextAlignmentRole).toInt());
+        const bool atRight = alignment.testFlag(Qt::AlignRight);
+        if (isSorted)
+            atRight ? room.setLeft(room.left() + arrow + 4) : room.setRight(room.right() - arrow - 4);
+        const QString title = fontMetrics().elidedText(model()->headerData(section, orientation()).toString(),
+                                                       Qt::ElideRight, room.width());
+        painter->setPen(isSorted ? theme.text() : theme.dim());
+        painter->drawText(room, static_cast<int>(alignment) | Qt::TextSingleLine, title);
+        if (!isSorted) return;
+        const int width = fontMetrics().horizontalAdvance(title);
+        const double x = atRight ? room.right() - width - 4 - arrow : room.left() + width + 4;
+        const double y = rect.center().y();
+        const double up = sortIndicatorOrder() == Qt::AscendingOrder ? 1 : -1;
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(theme.accent());
+        painter->drawPolygon(
+            QPolygonF{{x, y + 2.5 * up}, {x + arrow, y + 2.5 * up}, {x + arrow / 2.0, y - 2.5 * up}});
+        painter->restore();
+    }
+
+    bool viewportEvent(QEvent* event) override {
+        if (event->type() == QEvent::MouseMove || event->type() == QEvent::Leave) viewport()->update();
+        return QHeaderView::viewportEvent(event);
+    }
+};
+
 } // namespace
 
 TableView::TableView(const QString& name, Shape shape, QWidget* parent)
     : QTreeView(parent), name_("tables/" + name), saving_(new QTimer(this)) {
+    setHeader(new TableHeader(this));
     setItemDelegate(new BarDelegate(this));
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
@@ -73,6 +122,14 @@ void TableView::show(TableModel& model, int sortColumn, Qt::SortOrder order) {
     builtSortColumn_ = sortColumn;
     builtOrder_ = order;
     table_ = &model;
+    columns_.clear();
+    for (int section = 0; section < model.columnCount(); ++section)
+        columns_.push_back({model.column(section)});
+    // Before the view and its header hear of it and forget their sections.
+    connect(&model, &QObject::destroyed, this, [this] {
+        if (saving_->isActive()) save();
+        table_ = nullptr;
+    });
     {
         const QScopedValueRollback guard(arranging_, true);
         setModel(&model);
@@ -101,14 +158,19 @@ void TableView::setEmptyText(const QString& text) {
     viewport()->update();
 }
 
+int TableView::builtWidth(int section) const {
+    return columns_[static_cast<size_t>(section)].column.width * fontMetrics().horizontalAdvance('0') +
+           cellPadding;
+}
+
 void TableView::arrangeAsBuilt() {
-    const int digit = fontMetrics().horizontalAdvance('0');
     leastFirstWidth_ = 0;
     for (int section = 0; section < table_->columnCount(); ++section) {
         const TableColumn& column = table_->column(section);
         header()->moveSection(header()->visualIndex(section), section);
-        header()->resizeSection(section, column.width * digit + cellPadding);
-        header()->setSectionHidden(section, column.shown == TableColumn::Shown::onRequest);
+        header()->resizeSection(section, builtWidth(section));
+        columns_[static_cast<size_t>(section)].isWanted = column.shown != TableColumn::Shown::onRequest;
+        columns_[static_cast<size_t>(section)].isInsistedOn = false;
     }
 }
 
@@ -126,8 +188,8 @@ void TableView::restore(int sortColumn, Qt::SortOrder order) {
         header()->moveSection(header()->visualIndex(section), place++);
         header()->resizeSection(section, stored.width);
         if (section == 0) leastFirstWidth_ = stored.width;
-        header()->setSectionHidden(section,
-                                   section != 0 && stored.visible == TableLayout::Column::Visible::no);
+        columns_[static_cast<size_t>(section)].isWanted =
+            section == 0 || stored.visible == TableLayout::Column::Visible::yes;
     }
     if (const int section = sectionOf(layout.sortedBy); section >= 0) {
         sortColumn = section;
@@ -142,35 +204,54 @@ void TableView::saveSoon() {
 }
 
 void TableView::save() const {
+    if (static_cast<size_t>(header()->count()) != columns_.size()) return;
     using Visible = TableLayout::Column::Visible;
     TableLayout layout;
     for (int place = 0; place < header()->count(); ++place) {
         const int section = header()->logicalIndex(place);
         const bool hidden = header()->isSectionHidden(section);
-        // A hidden section has no width; what it had before is kept by the header.
-        int width = header()->sectionSize(section);
-        if (section == 0 && leastFirstWidth_ > 0) width = leastFirstWidth_;
-        if (hidden)
-            width = table_->column(section).width * fontMetrics().horizontalAdvance('0') + cellPadding;
-        layout.columns.push_back(
-            {table_->column(section).id, std::max(width, 1), hidden ? Visible::no : Visible::yes});
+        const bool wanted = columns_[static_cast<size_t>(section)].isWanted;
+        const int width = hidden || (section == 0 && leastFirstWidth_ == 0) ? builtWidth(section)
+                          : section == 0                                    ? leastFirstWidth_
+                                                                            : header()->sectionSize(section);
+        layout.columns.push_back({columns_[static_cast<size_t>(section)].column.id, std::max(width, 1),
+                                  wanted ? Visible::yes : Visible::no});
     }
-    if (const int section = header()->sortIndicatorSection(); section >= 0 && section < table_->columnCount())
-        layout.sortedBy = table_->column(section).id;
+    if (const int section = header()->sortIndicatorSection(); section >= 0 && section < header()->count())
+        layout.sortedBy = columns_[static_cast<size_t>(section)].column.id;
     if (header()->sortIndicatorOrder() == Qt::DescendingOrder)
         layout.direction = TableLayout::Direction::descending;
     UiState::setText(name_, QString::fromStdString(layout.text()));
 }
 
-/// Gives the first column what the others leave, never less than the user gave it.
+/// Gives the first column what the others leave, never less than the user gave it. Where that is not enough,
+/// columns that are shown when there is room go, the last ones first.
 void TableView::fillWidth() {
     if (!table_ || arranging_) return;
     const QScopedValueRollback guard(arranging_, true);
+    const int least = leastFirstWidth_ > 0 ? leastFirstWidth_ : builtWidth(0);
     int others = 0;
-    for (int section = 1; section < header()->count(); ++section) others += header()->sectionSize(section);
-    const int built = table_->column(0).width * fontMetrics().horizontalAdvance('0') + cellPadding;
-    const int least = leastFirstWidth_ > 0 ? std::min(leastFirstWidth_, built) : built;
-    header()->resizeSection(0, std::max({viewport()->width() - others, least, leastFirstWidth_}));
+    for (size_t i = 1; i < columns_.size(); ++i) {
+        header()->setSectionHidden(static_cast<int>(i), !columns_[i].isWanted);
+        others += header()->sectionSize(static_cast<int>(i));
+    }
+    for (int place = header()->count() - 1; place >= 0 && others + least > viewport()->width(); --place) {
+        const int section = header()->logicalIndex(place);
+        const Column& each = columns_[static_cast<size_t>(section)];
+        const bool maySpare = each.column.shown == TableColumn::Shown::whenRoom && !each.isInsistedOn &&
+                              header()->sortIndicatorSection() != section;
+        if (!maySpare || header()->isSectionHidden(section)) continue;
+        others -= header()->sectionSize(section);
+        header()->setSectionHidden(section, true);
+    }
+    header()->resizeSection(0, std::max(viewport()->width() - others, least));
+}
+
+void TableView::showColumn(int section, bool shown) {
+    Column& column = columns_[static_cast<size_t>(section)];
+    column.isWanted = column.isInsistedOn = shown || section == 0;
+    fillWidth();
+    saveSoon();
 }
 
 void TableView::chooseColumns(const QPoint& at) {
@@ -181,11 +262,7 @@ void TableView::chooseColumns(const QPoint& at) {
         QAction* action = menu.addAction(say(column.title));
         action->setCheckable(true);
         action->setChecked(!header()->isSectionHidden(section));
-        connect(action, &QAction::toggled, this, [this, section](bool shown) {
-            header()->setSectionHidden(section, !shown);
-            fillWidth();
-            saveSoon();
-        });
+        connect(action, &QAction::toggled, this, [this, section](bool shown) { showColumn(section, shown); });
     }
     menu.addSeparator();
     connect(menu.addAction(say("Columns as they were built in")), &QAction::triggered, this, [this] {
@@ -225,12 +302,15 @@ QString TableView::selectedText() const {
     return lines.join('\n');
 }
 
+void TableView::copySelection() const {
+    if (const QString text = selectedText(); !text.isEmpty()) QApplication::clipboard()->setText(text);
+}
+
 void TableView::keyPressEvent(QKeyEvent* event) {
-    if (event->matches(QKeySequence::Copy)) {
-        if (const QString text = selectedText(); !text.isEmpty()) QApplication::clipboard()->setText(text);
-        return;
-    }
-    QTreeView::keyPressEvent(event);
+    if (event->matches(QKeySequence::Copy))
+        copySelection();
+    else
+        QTreeView::keyPressEvent(event);
 }
 
 /// A click below the rows selects nothing.

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "desktop/widgets/TableColumn.h"
+
 #include <QTreeView>
+#include <vector>
 
 class QTimer;
 
@@ -34,6 +37,9 @@ public:
     QModelIndexList selectedRows() const;
     /// The shown columns of the selected rows, tabs between them.
     QString selectedText() const;
+    void copySelection() const;
+    /// Shows or hides a column, as its entry in the menu of the header does.
+    void showColumn(int section, bool shown);
 
     void drawRow(QPainter* painter, const QStyleOptionViewItem& options,
                  const QModelIndex& index) const override;
@@ -47,6 +53,12 @@ protected:
 private:
     using QTreeView::setModel;
 
+    struct Column {
+        TableColumn column; ///< of the model, which may be gone before this
+        bool isWanted = true;
+        bool isInsistedOn = false; ///< the user asked for it, room or not
+    };
+    int builtWidth(int section) const;
     void arrangeAsBuilt();
     void restore(int sortColumn, Qt::SortOrder order);
     void save() const;
@@ -57,6 +69,7 @@ private:
     QString name_;
     QString emptyText_;
     TableModel* table_ = nullptr;
+    std::vector<Column> columns_;
     QTimer* saving_;
     QModelIndex hovered_;     ///< while painting
     int leastFirstWidth_ = 0; ///< what the user gave the first column

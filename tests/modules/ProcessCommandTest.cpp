@@ -1,0 +1,59 @@
+#include "ui/modules/ProcessCommand.h"
+
+#include "support/Child.h"
+
+namespace quarn {
+namespace {
+
+using sysinfo::platform::ProcessAnswer;
+
+ProcInfo process(int64_t pid, std::string_view name) {
+    ProcInfo info;
+    info.pid = pid;
+    info.name = name;
+    info.user = "root";
+    return info;
+}
+
+TEST(ProcessCommand, NamesWhomItIsAbout) {
+    const std::vector<ProcInfo> one{process(12, "fire\nfox")};
+    EXPECT_EQ(commandQuestion(forceToQuit(), one),
+              "Force firefox (12) to quit?\n\nWhat is not saved is lost.");
+    std::vector<ProcInfo> many;
+    for (int pid = 1; pid <= 10; ++pid) many.push_back(process(pid, "p"));
+    const std::string question = commandQuestion(askToQuit(), many);
+    EXPECT_TRUE(question.starts_with("Ask 10 processes to quit?\n\np (1)\np (2)"));
+    EXPECT_TRUE(question.ends_with("p (8)\nand 2 more"));
+}
+
+TEST(ProcessCommand, OnlyEndingAsksFirst) {
+    EXPECT_EQ(forceToQuit().confirm, ProcessCommand::Confirm::yes);
+    EXPECT_EQ(forceToQuit().signal, SIGKILL);
+    EXPECT_EQ(askToQuit().signal, SIGTERM);
+}
+
+TEST(ProcessCommand, SaysWhyNothingHappened) {
+    const auto sshd = process(7, "sshd");
+    EXPECT_EQ(answerSentence(askToQuit(), sshd, ProcessAnswer::done), "");
+    EXPECT_EQ(answerSentence(askToQuit(), sshd, ProcessAnswer::gone),
+              "sshd (7) has ended in the meantime. Nothing was done.");
+    EXPECT_EQ(
+        answerSentence(forceToQuit(), sshd, ProcessAnswer::denied),
+        "sshd (7) could not be ended: it belongs to root, and only root or the administrator may do that.");
+}
+
+TEST(ProcessCommand, ReachesTheProcessThatWasShownOrNone) {
+    testing::Child child;
+    const auto root = sysinfo::SystemRoot::host();
+    auto shown = process(child.pid(), "child");
+    EXPECT_EQ(carryOut(forceToQuit(), shown, root, 0), ProcessAnswer::denied) << "its start is not known";
+    shown.startTimeMicros = sysinfo::platform::processStartMicros(root, child.pid());
+    const auto boot = sysinfo::platform::bootTime(root).value();
+    EXPECT_EQ(carryOut(forceToQuit(), shown, root, boot + 5), ProcessAnswer::gone);
+    EXPECT_EQ(carryOut(priorities().back(), shown, root, boot), ProcessAnswer::done);
+    EXPECT_EQ(sysinfo::platform::processPriority(root, child.pid()), 19);
+    EXPECT_EQ(carryOut(askToQuit(), shown, root, boot), ProcessAnswer::done);
+}
+
+} // namespace
+} // namespace quarn
