@@ -340,6 +340,7 @@ void Monitor::scheduleAux(const AuxReads& reads) {
         if (!auxiliary_) auxiliary_ = std::make_unique<Auxiliary>(setup_.root);
         auto result =
             readAux(reads, auxiliary_->sensors, auxiliary_->energy, setup_.helper, std::move(verified));
+        if (reads.temperatures || reads.smcKeys) sensors_.set(auxiliary_->smc.sensors());
         setup_.queue.async(
             [this, reads, result = std::move(result)]() mutable { landAux(reads, std::move(result)); });
     });

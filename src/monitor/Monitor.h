@@ -2,6 +2,7 @@
 
 #include "HelperKit/Locked.h"
 #include "HelperKit/Queue.h"
+#include "core/SMCConnection.h"
 #include "core/SystemRoot.h"
 #include "monitor/AuxSchedule.h"
 #include "monitor/HelperClient.h"
@@ -108,6 +109,12 @@ public:
     /// The hottest sensor of each part of the machine at the last reading. Any thread.
     std::vector<SensorGroups::Maximum> sensorGroupMaxima() const { return lastSensorGroupMax_.get(); }
 
+    /// What was known of the machine's sensors besides their values at the last reading, also of those that
+    /// have none. Any thread.
+    SharedList<sysinfo::SensorDescription> sensors() const { return sensors_.get(); }
+    /// The machine that is sampled.
+    const sysinfo::SystemRoot& root() const { return setup_.root; }
+
     /// Whether processes and power may be taken from the privileged helper. Any thread.
     bool helperActive() const { return helperState_.get(); }
     void setHelperActive(bool active) { helperState_.set(active); }
@@ -156,6 +163,7 @@ private:
     Locked<bool> powerSourceChanged_{false};
     Locked<std::vector<std::pair<double, double>>> historyBreaks_;
     Locked<std::vector<SensorGroups::Maximum>> lastSensorGroupMax_;
+    Locked<SharedList<sysinfo::SensorDescription>> sensors_;
 
     std::unique_ptr<SCSampler> sampler_;
     std::unique_ptr<DeviceLists> devices_;

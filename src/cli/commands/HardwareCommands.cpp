@@ -6,8 +6,8 @@
 #include "cli/Output.h"
 #include "core/NeuralEngine.h"
 #include "monitor/HardwareConversion.h"
+#include "ui/modules/Facts.h"
 #include "ui/modules/Format.h"
-#include "ui/modules/HardwareText.h"
 
 #include <fmt/format.h>
 #include <thread>
@@ -24,41 +24,22 @@ int printJson(const T& value) {
     return 0;
 }
 
-std::string sizeOrNothing(uint64_t bytes) { return bytes > 0 ? format::memory(bytes) : std::string(); }
-
 std::string countOrNothing(int64_t count) { return count > 0 ? fmt::format("{}", count) : std::string(); }
-
-std::string minutesText(int64_t minutes) {
-    return minutes < 0 ? std::string() : format::duration(60.0 * static_cast<double>(minutes));
-}
 
 // ---- Battery
 
-std::string stateText(const sysinfo::BatteryInfo& battery) {
-    const std::string left = minutesText(battery.charging ? battery.timeToFullMin : battery.timeToEmptyMin);
-    if (battery.charging) return "charging" + (left.empty() ? left : ", " + left + " until full");
-    if (battery.onAC) return "on mains, not charging";
-    return "discharging" + (left.empty() ? left : ", " + left + " left");
-}
-
-std::string capacityText(const sysinfo::BatteryInfo& battery) {
-    if (battery.nominalCapacity < 1) return {};
-    if (battery.designCapacity < 1) return fmt::format("{} mAh", battery.nominalCapacity);
-    return fmt::format("{} of {} mAh ({:.0f} %)", battery.nominalCapacity, battery.designCapacity,
-                       100.0 * battery.nominalCapacity / battery.designCapacity);
-}
-
 std::string describeBattery(const sysinfo::BatteryInfo& battery, Charset charset) {
+    const Battery record = toBattery(battery).value();
     FactList facts(charset);
     facts.heading(battery.count > 1 ? fmt::format("{} batteries", battery.count) : "Battery");
     facts.add("Model", battery.model);
     facts.add("Charge", battery.percentKnown ? fmt::format("{} %", battery.percent) : "");
-    facts.add("State", stateText(battery));
+    facts.add("State", batteryState(record));
     facts.add("Power", battery.watts ? format::watts(std::abs(*battery.watts)) : "");
     facts.add("Voltage", battery.voltage_mV > 0 ? fmt::format("{:.2f} V", battery.voltage_mV / 1000.0) : "");
     const bool currentKnown = battery.watts || battery.amperage_mA != 0;
     facts.add("Current", currentKnown ? fmt::format("{} mA", battery.amperage_mA) : "");
-    facts.add("Capacity when full", capacityText(battery));
+    facts.add("Capacity when full", batteryCapacity(record));
     facts.add("Cycles", countOrNothing(battery.cycleCount), "the battery does not count them");
     facts.add("Temperature", battery.temperatureC > 0 ? fmt::format("{:.1f} °C", battery.temperatureC) : "");
     facts.add("Condition", battery.health);
@@ -94,38 +75,12 @@ void addGpu(const sysinfo::GpuReading& gpu, FactList& facts) {
 
 // ---- Hardware
 
-std::string virtualText(const Hardware& hardware) {
-    if (hardware.vmPresent) return "this is a virtual machine";
-    return hardware.hvSupport ? "supported" : "not supported, or switched off";
-}
-
 std::string describeHardware(const Hardware& hardware, Charset charset) {
     FactList facts(charset);
-    facts.heading("Machine");
-    facts.add("Model", hardware.model, "the firmware does not tell");
-    facts.add("Name", hardware.hostname);
-    facts.add("Memory", sizeOrNothing(hardware.memTotal));
-    facts.add("Battery", hardware.hasBattery ? "yes" : "none");
-    facts.heading("Processor");
-    facts.add("Name", hardware.cpuBrand);
-    facts.add("Architecture", hardware.arch);
-    facts.add("Cores", coresText(hardware));
-    facts.add("Base clock", clockText(hardware.baseClockHz));
-    facts.add("L1 instructions", sizeOrNothing(hardware.l1iCache));
-    facts.add("L1 data", sizeOrNothing(hardware.l1dCache));
-    facts.add("L2", sizeOrNothing(hardware.l2Cache));
-    if (hardware.l2CacheE > 0) facts.add("L2 of efficiency cores", sizeOrNothing(hardware.l2CacheE));
-    facts.add("L3 in all", sizeOrNothing(hardware.l3Cache));
-    facts.add("Virtualisation", virtualText(hardware));
-    facts.heading("Graphics");
-    facts.add("Name", hardware.gpuName, "no GPU was found");
-    if (hardware.gpuCores > 0) facts.add("Compute units", countOrNothing(hardware.gpuCores));
-    if (!hardware.aneArch.empty()) facts.add("Neural engine", hardware.aneArch);
-    facts.heading("System");
-    facts.add("Version", hardware.osVersion);
-    if (!hardware.osBuild.empty()) facts.add("Build", hardware.osBuild);
-    facts.add("Kernel", hardware.kernel);
-    facts.add("Page size", sizeOrNothing(hardware.pageSize));
+    for (const FactGroup& group : hardwareFacts(hardware)) {
+        facts.heading(group.title);
+        for (const Fact& fact : group.facts) facts.add(fact.name, fact.value, fact.reason);
+    }
     return facts.text();
 }
 

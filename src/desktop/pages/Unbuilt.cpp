@@ -12,9 +12,7 @@ public:
 
 #define UNBUILT(name)                                                                                        \
     Page* make##name##Page(PageContext& context) { return new UnbuiltPage(context, #name); }
-UNBUILT(Network)
 UNBUILT(Connections)
-UNBUILT(Disks)
 UNBUILT(Sensors)
 UNBUILT(Power)
 UNBUILT(System)

@@ -1,5 +1,6 @@
 #include "desktop/widgets/FactTable.h"
 
+#include "desktop/Text.h"
 #include "desktop/Theme.h"
 
 #include <QGridLayout>
@@ -22,6 +23,7 @@ void FactTable::show(const std::vector<Fact>& facts) {
         row.value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         row.value->setTextInteractionFlags(Qt::TextSelectableByMouse);
         row.value->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        row.value->setWordWrap(true);
         for (auto* label : {row.label, row.value}) label->setTextFormat(Qt::PlainText);
         grid_->addWidget(row.label, at, 0);
         grid_->addWidget(row.value, at, 1);
@@ -42,6 +44,18 @@ void FactTable::show(const std::vector<Fact>& facts) {
         const QString& tip = facts[i].tooltip.isEmpty() ? facts[i].value : facts[i].tooltip;
         if (rows_[i].value->toolTip() != tip) rows_[i].value->setToolTip(tip);
     }
+}
+
+void FactTable::show(const std::vector<quarn::Fact>& facts) {
+    std::vector<Fact> shown;
+    shown.reserve(facts.size());
+    for (const auto& fact : facts) {
+        const bool known = !fact.value.empty();
+        QString reason = known ? QString() : say(fact.reason);
+        if (!reason.isEmpty()) reason = reason.left(1).toUpper() + reason.mid(1) + ".";
+        shown.push_back({say(fact.name), known ? toQt(fact.value) : "—", reason});
+    }
+    show(shown);
 }
 
 } // namespace quarn::desktop

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/modules/Facts.h"
+
 #include <QString>
 #include <QWidget>
 #include <vector>
@@ -22,6 +24,8 @@ public:
     explicit FactTable(QWidget* parent = nullptr);
     /// Shows these; only what changed is touched.
     void show(const std::vector<Fact>& facts);
+    /// The same of facts of the engine: what is unknown has its reason as tooltip.
+    void show(const std::vector<quarn::Fact>& facts);
 
 private:
     struct Row {
