@@ -13,8 +13,5 @@ public:
 #define UNBUILT(name)                                                                                        \
     Page* make##name##Page(PageContext& context) { return new UnbuiltPage(context, #name); }
 UNBUILT(Connections)
-UNBUILT(Sensors)
-UNBUILT(Power)
-UNBUILT(System)
 
 } // namespace quarn::desktop

@@ -146,6 +146,36 @@ std::vector<FactGroup> diskFacts(const SCDisk& disk, const Known& known) {
     };
 }
 
+std::vector<FactGroup> powerFacts(const Snapshot& snapshot, const std::string& reason) {
+    const SCPower& power = snapshot.power;
+    const auto watts = [](double value) { return value > 0 ? format::watts(value) : std::string(); };
+    FactGroup parts{"By part",
+                    {{"Whole machine", watts(power.sysWatts), "no sensor of this machine measures it"},
+                     {"Processors", watts(power.cpuWatts), reason},
+                     {"GPU", watts(power.gpuWatts), reason},
+                     {"Memory", watts(power.dramWatts), reason}}};
+    const auto addIfKnown = [&](const char* name, double value) {
+        if (value > 0) parts.facts.push_back({name, format::watts(value), ""});
+    };
+    addIfKnown("Neural engine", power.aneWatts);
+    addIfKnown("Display", power.displayWatts);
+    addIfKnown("Video encoder", power.encoderWatts);
+    addIfKnown("Video decoder", power.decoderWatts);
+    addIfKnown("Camera", power.ispWatts);
+    if (snapshot.dcInWatts) addIfKnown("From the adapter", *snapshot.dcInWatts);
+    std::string source = snapshot.powerSource;
+    if (source == "IOReport") source = "energy counters";
+    if (source == "SMC") source = "sensors of the whole machine";
+    return {std::move(parts),
+            {"Reading",
+             {{"Source", source, "nothing here measures power"},
+              {"Age",
+               source.empty()        ? ""
+               : snapshot.powerStale ? "older; no newer reading came"
+                                     : "current",
+               "nothing here measures power"}}}};
+}
+
 std::string batteryState(const Battery& battery) {
     const std::string left = minutesText(battery.charging ? battery.timeToFullMin : battery.timeToEmptyMin);
     if (battery.charging) return "charging" + (left.empty() ? left : ", " + left + " until full");
@@ -183,15 +213,16 @@ std::vector<FactGroup> batteryFacts(const Battery& battery, const ReadingStyle& 
     };
 }
 
-std::string plainText(const std::vector<FactGroup>& groups) {
-    std::string text;
+std::vector<std::string> plainLines(const std::vector<FactGroup>& groups) {
+    std::vector<std::string> lines;
     for (const FactGroup& group : groups) {
-        text += (text.empty() ? "" : "\n") + group.title + "\n";
+        if (!lines.empty()) lines.emplace_back();
+        lines.push_back(group.title);
         for (const Fact& fact : group.facts)
-            text += fmt::format("  {}: {}\n", fact.name,
-                                fact.value.empty() ? std::string(format::unknown) : fact.value);
+            lines.push_back(fmt::format("  {}: {}", fact.name,
+                                        fact.value.empty() ? std::string(format::unknown) : fact.value));
     }
-    return text;
+    return lines;
 }
 
 } // namespace quarn

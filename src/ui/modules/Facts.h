@@ -32,13 +32,15 @@ std::vector<FactGroup> interfaceFacts(const NetInterface& link, RatesKnown rates
                                       const ReadingStyle& style);
 /// All disks together: what they do now, and what they did since the machine started.
 std::vector<FactGroup> diskFacts(const SCDisk& disk, const Known& known);
+/// What draws how much, and where that is known from. `reason`: why there is no power by part.
+std::vector<FactGroup> powerFacts(const Snapshot& snapshot, const std::string& reason);
 /// A battery that is present: its charge, then its condition.
 std::vector<FactGroup> batteryFacts(const Battery& battery, const ReadingStyle& style);
 /// "discharging, 7 h 18 min left".
 std::string batteryState(const Battery& battery);
 /// "4031 of 4400 mAh (92 %)": what it holds when full, of what it was made for.
 std::string batteryCapacity(const Battery& battery);
-/// All groups as lines of text, for the clipboard: "Model: …" under their titles.
-std::string plainText(const std::vector<FactGroup>& groups);
+/// All groups as text, for the clipboard: their titles, and under each "  Model: …".
+std::vector<std::string> plainLines(const std::vector<FactGroup>& groups);
 
 } // namespace quarn

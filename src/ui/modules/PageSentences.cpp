@@ -106,6 +106,17 @@ std::string powerSentence(const Snapshot& snapshot) {
     return sentence;
 }
 
+std::string machineSentence(const Hardware& hardware, const Snapshot& snapshot, const Known& known) {
+    std::vector<std::string> parts;
+    const int64_t cores = hardware.physCpu > 0 ? hardware.physCpu : hardware.ncpu;
+    if (cores > 0) parts.push_back(cores == 1 ? "one core" : fmt::format("{} cores", cores));
+    if (hardware.memTotal > 0) parts.push_back(format::memory(hardware.memTotal) + " of memory");
+    std::string sentence = hardware.model.empty() ? "This machine" : hardware.model;
+    if (!parts.empty()) sentence += fmt::format(": {}", fmt::join(parts, " and "));
+    if (known.uptime) sentence += ", running for " + format::duration(snapshot.uptime);
+    return sentence;
+}
+
 std::string powerReason(sysinfo::EnergyAccess access, const Snapshot& snapshot) {
     const SCPower& power = snapshot.power;
     if (power.cpuWatts + power.gpuWatts + power.dramWatts + power.aneWatts > 0) return {};

@@ -18,6 +18,8 @@ std::string diskSentence(const Snapshot& snapshot, const Known& known);
 std::string sensorSentence(const Snapshot& snapshot, const ReadingStyle& style);
 /// "The machine draws 12.4 W; the battery holds 74 %, discharging, 5 h 12 min left".
 std::string powerSentence(const Snapshot& snapshot);
+/// "20XW: 8 cores and 15.6 GiB of memory, running for 3 d 4 h".
+std::string machineSentence(const Hardware& hardware, const Snapshot& snapshot, const Known& known);
 /// Why there is no power by domain; empty when there is some.
 std::string powerReason(sysinfo::EnergyAccess access, const Snapshot& snapshot);
 
