@@ -8,6 +8,7 @@
 
 namespace {
 
+using namespace quarn;
 using namespace quarn::cli;
 using quarn::testing::contains;
 using quarn::testing::TempRoot;

@@ -177,7 +177,7 @@ public:
         content().addWidget(disks_);
         content().addWidget(volumes_);
         content().addWidget(facts_);
-        content().addStretch();
+        content().addStretch(1);
     }
 
     void refresh(const Snapshot& snapshot, const Known& known) override {

@@ -120,7 +120,7 @@ public:
         for (QWidget* part : {static_cast<QWidget*>(traffic_), static_cast<QWidget*>(table_),
                               static_cast<QWidget*>(details_)})
             content().addWidget(part);
-        content().addStretch();
+        content().addStretch(1); // cards keep their height
     }
 
     void refresh(const Snapshot& snapshot, const Known& known) override {

@@ -45,7 +45,7 @@ public:
         content().addWidget(chartCard_);
         content().addWidget(power_);
         content().addWidget(battery_);
-        content().addStretch();
+        content().addStretch(1);
         inBackground(
             queue_, this, [root = context.monitor.root()] { return sysinfo::platform::energyAccess(root); },
             [this](sysinfo::EnergyAccess access) { access_ = access; });

@@ -37,7 +37,7 @@ public:
             cards->add(card);
         }
         content().addWidget(cards);
-        content().addStretch();
+        content().addStretch(1);
     }
 
     void refresh(const Snapshot& snapshot, const Known& known) override {

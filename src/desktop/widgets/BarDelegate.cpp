@@ -84,7 +84,8 @@ void BarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const bool dim = text == QChar(0x2014) || index.data(TableRole::dim).toBool(); // —
     const auto alignment = Qt::Alignment(index.data(Qt::TextAlignmentRole).toInt());
     painter->setPen(dim ? theme.dim() : theme.text());
-    painter->setFont(option.font);
+    const QVariant font = index.data(Qt::FontRole);
+    painter->setFont(font.isValid() ? font.value<QFont>().resolve(option.font) : option.font);
     painter->drawText(area, static_cast<int>(alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
                       shownText(option, text, area.width()));
 }
