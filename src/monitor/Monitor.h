@@ -112,8 +112,6 @@ public:
     /// What was known of the machine's sensors besides their values at the last reading, also of those that
     /// have none. Any thread.
     SharedList<sysinfo::SensorDescription> sensors() const { return sensors_.get(); }
-    /// The machine that is sampled.
-    const sysinfo::SystemRoot& root() const { return setup_.root; }
 
     /// Whether processes and power may be taken from the privileged helper. Any thread.
     bool helperActive() const { return helperState_.get(); }
