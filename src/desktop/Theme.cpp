@@ -129,6 +129,7 @@ void Theme::apply() {
     palette.setColor(QPalette::Link, link());
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, dim());
+    palette.setColor(QPalette::Disabled, QPalette::Light, surface()); // no etched edge on disabled text
     application_.setPalette(palette);
 
     QString style = QString::fromLatin1(sheet);

@@ -50,6 +50,18 @@ TEST(LiveHistory, PeaksMoveOnlyWhenASliceOfTheGridEnds) {
     EXPECT_EQ(history.peaks(LiveSeries::cpuTotal, 0, 2).size(), 2U);
 }
 
+TEST(LiveHistory, AGraphHasNoGapsBetweenTicks) {
+    for (const double tick : {1.0, 2.0, 5.0}) {
+        LiveHistory history;
+        double time = 1000.3;
+        for (int i = 0; i < 200; ++i) add(history, time += tick + (i % 3 - 1) * 0.1, 50, tick);
+        const size_t slices = history.slicesWithin(60, 60);
+        EXPECT_GE(slices, 8U) << tick;
+        for (const double peak : history.peaks(LiveSeries::cpuTotal, 60, slices)) EXPECT_EQ(peak, 50) << tick;
+    }
+    EXPECT_EQ(LiveHistory().slicesWithin(60, 30), 30U);
+}
+
 TEST(LiveHistory, TheGraphOfAKindAddsUpWhatMovedAtOneTime) {
     LiveHistory history;
     Snapshot snapshot;

@@ -53,7 +53,7 @@ QRect cascadePlace(QSize size, const QRect& screen, const QList<QRect>& taken) {
     return movedInto(QRect(screen.topLeft() + QPoint(offset, offset), size), screen);
 }
 
-bool canPlaceWindows() { return !QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
+bool isWayland() { return QGuiApplication::platformName().startsWith(QLatin1String("wayland")); }
 
 QString placementNotice() {
     if (canPlaceWindows()) return {};

@@ -18,8 +18,9 @@ QRect keptVisible(const QRect& frame, const QList<QRect>& screens);
 /// `screen` downwards and then column by column to the left.
 QRect cascadePlace(QSize size, const QRect& screen, const QList<QRect>& taken);
 
-/// Whether windows can choose their place and stay above others; under Wayland they cannot.
-bool canPlaceWindows();
+bool isWayland();
+/// Whether windows can choose their place and stay above others.
+inline bool canPlaceWindows() { return !isWayland(); }
 /// What to tell of that where floating panels are chosen; empty when there is nothing to tell.
 QString placementNotice();
 

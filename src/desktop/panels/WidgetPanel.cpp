@@ -5,6 +5,8 @@
 #include "desktop/Theme.h"
 #include "desktop/UiState.h"
 #include "desktop/panels/Placement.h"
+#include "desktop/panels/WindowHints.h"
+#include "desktop/widgets/FlashLabel.h"
 #include "desktop/widgets/ReadingView.h"
 #include "ui/modules/LiveHistory.h"
 
@@ -45,8 +47,8 @@ WidgetPanel::WidgetPanel(WidgetKind kind)
     setAttribute(Qt::WA_ShowWithoutActivating);
     setFixedSize(panelSize);
     auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(Theme::cardPadding, Theme::cardPadding, Theme::cardPadding,
-                               Theme::cardPadding);
+    constexpr int side = Theme::cardPadding - FlashLabel::bleed;
+    column->setContentsMargins(side, Theme::cardPadding, side, Theme::cardPadding);
     column->addWidget(view_);
     closeButton_->setIcon(icon("close"));
     closeButton_->setAutoRaise(true);
@@ -58,7 +60,7 @@ WidgetPanel::WidgetPanel(WidgetKind kind)
     constexpr int saveAfterMs = 500;
     saveSoon_.setSingleShot(true);
     saveSoon_.setInterval(saveAfterMs);
-    connect(&saveSoon_, &QTimer::timeout, this, &WidgetPanel::saveFrame);
+    connect(&saveSoon_, &QTimer::timeout, this, &WidgetPanel::movedByDesktop);
 }
 
 WidgetPanel::~WidgetPanel() = default;
@@ -97,7 +99,7 @@ bool WidgetPanel::restoreFrame() {
 
 void WidgetPanel::saveFrame() {
     saveSoon_.stop();
-    if (placed_ && canPlaceWindows()) UiState::setFrame(frameKey(kind_), QRect(pos(), panelSize));
+    if (placed_ && canPlaceWindows()) UiState::setFrame(frameKey(kind_), QRect(place_, panelSize));
 }
 
 void WidgetPanel::cascade(const QList<QRect>& taken) {
@@ -107,7 +109,8 @@ void WidgetPanel::cascade(const QList<QRect>& taken) {
 
 void WidgetPanel::place(const QRect& frame) {
     placed_ = true;
-    move(frame.topLeft());
+    place_ = frame.topLeft();
+    move(place_);
 }
 
 void WidgetPanel::setHovered(bool hovered) {
@@ -135,18 +138,27 @@ void WidgetPanel::mouseReleaseEvent(QMouseEvent*) {
     if (!grip_) return;
     grip_.reset();
     placed_ = true;
+    place_ = pos();
     saveFrame();
 }
 
 void WidgetPanel::moveEvent(QMoveEvent* event) {
     // The desktop can move it too, by its own key and the pointer.
-    if (event->spontaneous() && placed_) saveSoon_.start();
+    if (event->spontaneous() && placed_ && !grip_) saveSoon_.start();
+}
+
+void WidgetPanel::movedByDesktop() {
+    if (pos().isNull()) return; // what a window manager that comes or goes reports of every window
+    place_ = pos();
+    saveFrame();
 }
 
 void WidgetPanel::resizeEvent(QResizeEvent*) {
     closeButton_->move(width() - crossSize - 6, 6);
     closeButton_->raise();
 }
+
+void WidgetPanel::showEvent(QShowEvent*) { keepOutOfTaskbar(*this); }
 
 void WidgetPanel::paintEvent(QPaintEvent*) {
     const auto& theme = Theme::current();

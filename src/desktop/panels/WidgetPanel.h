@@ -59,18 +59,21 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void setHovered(bool hovered);
     void place(const QRect& frame);
+    void movedByDesktop();
 
     WidgetKind kind_;
     ReadingView* view_;
     QToolButton* closeButton_;
     std::optional<PanelStyle> style_;
     bool hovered_ = false;
-    bool placed_ = false;        ///< has a place of its own, which moves are measured from
+    bool placed_ = false;        ///< has a place of its own
+    QPoint place_;               ///< which is this
     std::optional<QPoint> grip_; ///< where the pointer holds it while it is dragged
     QTimer saveSoon_;            ///< after the desktop moved it
 };

@@ -2,7 +2,9 @@
 
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
+#include "desktop/panels/WindowHints.h"
 #include "desktop/widgets/DetailList.h"
+#include "desktop/widgets/FlashLabel.h"
 #include "desktop/widgets/ReadingView.h"
 #include "ui/modules/LiveHistory.h"
 
@@ -43,38 +45,47 @@ ModulePopover::ModulePopover(WidgetKind kind, PopoverDetail detail)
     setAttribute(Qt::WA_TranslucentBackground); // for its round corners
     setWindowTitle(say("Quarn – %1").arg(say(Reading::title(kind).c_str())));
     setFixedWidth(popoverWidth);
-    none_->setWordWrap(true);
+    auto* whole = new QVBoxLayout(this);
+    constexpr int padding = Theme::cardPadding + 2, side = padding - FlashLabel::bleed;
+    whole->setContentsMargins(side, padding, side, padding);
+    whole->setSpacing(2);
+    whole->addWidget(view_);
+    auto* column = new QVBoxLayout;
+    column->setContentsMargins(FlashLabel::bleed, 0, FlashLabel::bleed, 0);
+    column->setSpacing(2);
+    whole->addLayout(column);
+    column->addWidget(spanText_);
+    column->addSpacing(Theme::gap);
+    addLists(*column);
+    column->addSpacing(Theme::gap);
     auto* open = new QPushButton(say("Open Quarn"));
     open->setAutoDefault(true);
     connect(open, &QPushButton::clicked, this, &ModulePopover::openQuarn);
+    column->addWidget(open);
+    open->setFocus();
+}
 
-    auto* column = new QVBoxLayout(this);
-    constexpr int padding = Theme::cardPadding + 2;
-    column->setContentsMargins(padding, padding, padding, padding);
-    column->setSpacing(2);
-    column->addWidget(view_);
-    column->addWidget(spanText_);
-    column->addSpacing(Theme::gap);
+void ModulePopover::addLists(QVBoxLayout& column) {
     const auto heading = [&](const QString& text) {
         auto* label = dimLabel();
         label->setText(text);
-        column->addWidget(label);
+        column.addWidget(label);
     };
-    if (hasProcesses(kind)) {
+    const bool full = detail_ == PopoverDetail::full;
+    if (hasProcesses(kind_)) {
         heading(say("Busiest processes"));
-        processes_ = new DetailList(detail == PopoverDetail::full ? 10 : 5);
-        column->addWidget(processes_);
+        processes_ = new DetailList(full ? 10 : 5);
+        column.addWidget(processes_);
     }
-    column->addWidget(none_);
-    if (!processes_ || detail == PopoverDetail::full) {
-        if (processes_) column->addSpacing(Theme::gap);
+    none_->setWordWrap(true);
+    column.addWidget(none_);
+    if (processes_ && !full) return;
+    if (processes_) {
+        column.addSpacing(Theme::gap);
         heading(say("In detail"));
-        parts_ = new DetailList(5);
-        column->addWidget(parts_);
     }
-    column->addSpacing(Theme::gap);
-    column->addWidget(open);
-    open->setFocus();
+    parts_ = new DetailList(5);
+    column.addWidget(parts_);
 }
 
 void ModulePopover::update(const Reading& reading, const LiveHistory& history, double span) {
@@ -99,6 +110,11 @@ void ModulePopover::update(const Reading& reading, const LiveHistory& history, d
     if (processes_) processes_->setVisible(lines > 0);
     setAccessibleName(view_->spoken());
     adjustSize();
+}
+
+void ModulePopover::showEvent(QShowEvent* event) {
+    QFrame::showEvent(event);
+    keepOutOfTaskbar(*this);
 }
 
 void ModulePopover::changeEvent(QEvent* event) {

@@ -5,6 +5,7 @@
 #include <QFrame>
 
 class QLabel;
+class QVBoxLayout;
 
 namespace quarn {
 class LiveHistory;
@@ -41,8 +42,11 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
+    void addLists(QVBoxLayout& column);
+
     WidgetKind kind_;
     PopoverDetail detail_;
     ReadingView* view_;

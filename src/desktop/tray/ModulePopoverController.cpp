@@ -41,7 +41,7 @@ void ModulePopoverController::toggle(WidgetKind kind, PopoverDetail detail, cons
     const QRect anchor = item.isEmpty() ? QRect(QCursor::pos(), QSize(1, 1)) : item;
     const QScreen* screen = QGuiApplication::screenAt(anchor.center());
     if (!screen) screen = QGuiApplication::primaryScreen();
-    if (screen) popover_->move(besideAnchor(popover_->sizeHint(), anchor, screen->availableGeometry()));
+    if (screen) popover_->move(besideAnchor(popover_->size(), anchor, screen->availableGeometry()));
     popover_->show();
     popover_->raise();
     popover_->activateWindow();

@@ -28,11 +28,11 @@ bool contains(const std::vector<WidgetKind>& kinds, WidgetKind kind) {
 } // namespace
 
 StatusItemController::StatusItemController(Prefs& prefs, const LiveHistory& history,
-                                           StatusItemActions actions, std::function<bool()> trayIsThere)
+                                           StatusItemActions actions, std::function<bool()> hasTray)
     : prefs_(prefs),
       history_(history),
       actions_(std::move(actions)),
-      trayIsThere_(std::move(trayIsThere)),
+      hasTray_(std::move(hasTray)),
       menu_(std::make_unique<StatusMenu>(prefs, actions_)),
       popover_(std::make_unique<ModulePopoverController>(prefs, history, actions_)),
       known_(nothingKnown()) {
@@ -53,7 +53,7 @@ Reading StatusItemController::reading() const {
 
 QMenu& StatusItemController::menu() { return *menu_; }
 
-bool StatusItemController::hasTray() const { return trayIsThere_(); }
+bool StatusItemController::hasTray() const { return hasTray_(); }
 
 void StatusItemController::snapshot(const Snapshot& snapshot, const Known& known, double now) {
     snapshot_ = snapshot;
@@ -89,16 +89,17 @@ void StatusItemController::prefsChanged() {
     }
 }
 
-void StatusItemController::syncModules(const std::vector<WidgetKind>& wanted) {
+void StatusItemController::syncModules(std::vector<WidgetKind> wanted) {
+    std::reverse(wanted.begin(),
+                 wanted.end()); // trays grow to the left: the newest item is the first to be read
     std::erase_if(modules_, [&](const auto& entry) { return !contains(wanted, entry.first); });
     std::erase_if(order_, [&](WidgetKind kind) { return !contains(wanted, kind); });
-    // A tray puts new items behind those it has: from the first one on that stands elsewhere now, all follow
-    // anew.
+    // From the first item on that stands elsewhere now, all follow anew.
     const auto kept = std::mismatch(order_.begin(), order_.end(), wanted.begin(), wanted.end());
     for (auto stale = kept.first; stale != order_.end(); ++stale) modules_[*stale]->renewItem();
     for (auto next = kept.second; next != wanted.end(); ++next)
         if (!modules_.contains(*next)) addModule(*next);
-    order_ = wanted;
+    order_ = std::move(wanted);
 }
 
 void StatusItemController::addModule(WidgetKind kind) {

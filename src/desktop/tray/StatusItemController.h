@@ -1,9 +1,9 @@
 #pragma once
 
 #include "desktop/tray/MenuBarModule.h"
+#include "desktop/tray/Tray.h"
 
 #include <QObject>
-#include <QSystemTrayIcon>
 #include <QTimer>
 #include <functional>
 #include <map>
@@ -11,6 +11,7 @@
 #include <vector>
 
 class QMenu;
+class QSystemTrayIcon;
 
 namespace quarn {
 class LiveHistory;
@@ -35,10 +36,11 @@ class StatusItemController : public QObject {
     Q_OBJECT
 public:
     StatusItemController(Prefs& prefs, const LiveHistory& history, StatusItemActions actions,
-                         std::function<bool()> trayIsThere = QSystemTrayIcon::isSystemTrayAvailable);
+                         std::function<bool()> hasTray = desktop::trayIsThere);
     ~StatusItemController() override;
 
     bool hasTray() const;
+    bool isWaitingForTray() const { return retry_.isActive(); }
     /// Updates every module and the open popover; `now` in steady seconds.
     void snapshot(const Snapshot& snapshot, const Known& known, double now);
     /// Adds, removes and restyles modules to match the settings.
@@ -58,18 +60,18 @@ Q_SIGNALS:
 private:
     Reading reading() const;
     void panelsChanged(bool shown);
-    void syncModules(const std::vector<WidgetKind>& wanted);
+    void syncModules(std::vector<WidgetKind> wanted);
     void addModule(WidgetKind kind);
     void showPlainItem(bool shown);
 
     Prefs& prefs_;
     const LiveHistory& history_;
     StatusItemActions actions_;
-    std::function<bool()> trayIsThere_;
+    std::function<bool()> hasTray_;
     std::unique_ptr<StatusMenu> menu_;
     std::unique_ptr<ModulePopoverController> popover_;
     std::map<WidgetKind, std::unique_ptr<MenuBarModule>> modules_;
-    std::vector<WidgetKind> order_; ///< of the modules in the tray
+    std::vector<WidgetKind> order_; ///< in which the modules entered the tray
     std::unique_ptr<QSystemTrayIcon> plain_;
     QTimer retry_;      ///< runs while there is no tray
     Snapshot snapshot_; ///< the last one, for modules that are added between two

@@ -7,6 +7,7 @@ namespace quarn::desktop {
 FlashLabel::FlashLabel(const QColor& tint, QWidget* parent) : QLabel(parent), tint_(tint) {
     constexpr int flashMs = 350;
     setTextFormat(Qt::PlainText);
+    setContentsMargins(bleed, 0, 0, 0);
     fading_.setSingleShot(true);
     fading_.setInterval(flashMs);
     connect(&fading_, &QTimer::timeout, this, [this] { update(); });
@@ -26,8 +27,8 @@ void FlashLabel::paintEvent(QPaintEvent* event) {
         tint.setAlphaF(0.18F);
         painter.setPen(Qt::NoPen);
         painter.setBrush(tint);
-        const int width = fontMetrics().horizontalAdvance(text());
-        painter.drawRoundedRect(QRect(-4, 2, width + 8, height() - 4), 4, 4);
+        const int width = fontMetrics().horizontalAdvance(text()) + 2 * bleed;
+        painter.drawRoundedRect(QRect(0, 2, width, height() - 4), bleed, bleed);
     }
     QLabel::paintEvent(event);
 }

@@ -10,6 +10,9 @@ namespace quarn::desktop {
 class FlashLabel : public QLabel {
     Q_OBJECT
 public:
+    /// How far the tint goes beyond the figure, which stands as far from the left.
+    static constexpr int bleed = 4;
+
     explicit FlashLabel(const QColor& tint, QWidget* parent = nullptr);
 
     void setTint(const QColor& tint) { tint_ = tint; }

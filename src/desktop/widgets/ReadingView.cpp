@@ -19,7 +19,9 @@ ReadingView::ReadingView(WidgetKind kind, int graphHeight, QWidget* parent)
       value_(new FlashLabel(Theme::current().kind(kind))),
       caption_(new QLabel),
       graph_(new MiniGraph(kind, fullScale(kind))) {
-    titleLabel_->setContentsMargins(12, 0, 0, 0); // behind the dot of its hue
+    constexpr int left = FlashLabel::bleed;              // where all of it begins, as the figure does
+    titleLabel_->setContentsMargins(left + 12, 0, 0, 0); // behind the dot of its hue
+    caption_->setContentsMargins(left, 0, 0, 0);
     value_->setFont(Theme::figureFont());
     for (auto* label : {titleLabel_, caption_}) {
         label->setFont(Theme::captionFont());
@@ -36,17 +38,20 @@ ReadingView::ReadingView(WidgetKind kind, int graphHeight, QWidget* parent)
     column->addWidget(value_);
     column->addWidget(caption_);
     column->addSpacing(Theme::gap - 2);
-    column->addWidget(graph_);
+    auto* row = new QHBoxLayout;
+    row->setContentsMargins(left, 0, left, 0);
+    row->addWidget(graph_);
+    column->addLayout(row);
 }
 
 void ReadingView::show(const Reading& reading, const LiveHistory& history, double span) {
-    constexpr size_t columns = 60; // a multiple of ticks in the usual spans
+    constexpr size_t mostColumns = 60;
     value_->show(toQt(reading.headline(kind_)));
     if (const QString caption = toQt(reading.caption(kind_)); caption != caption_->text()) {
         caption_->setText(caption);
         caption_->setToolTip(caption);
     }
-    graph_->setValues(history.peaks(seriesOf(kind_), span, columns));
+    graph_->setValues(history.peaks(seriesOf(kind_), span, history.slicesWithin(span, mostColumns)));
     if (const QString name = spoken(); name != accessibleName()) setAccessibleName(name);
 }
 
@@ -67,7 +72,8 @@ void ReadingView::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(Theme::current().kind(kind_));
-    painter.drawEllipse(QPointF(titleLabel_->x() + 4, titleLabel_->geometry().center().y() + 1), 4, 4);
+    painter.drawEllipse(
+        QPointF(titleLabel_->x() + FlashLabel::bleed + 4, titleLabel_->geometry().center().y() + 1), 4, 4);
 }
 
 } // namespace quarn::desktop

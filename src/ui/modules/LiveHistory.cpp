@@ -38,6 +38,7 @@ void LiveHistory::add(const Snapshot& snapshot, const Known& known, double now, 
     set(LiveSeries::power, snapshot.power.sysWatts > 0, snapshot.power.sysWatts);
     set(LiveSeries::load, !snapshot.loadAvg.empty(), snapshot.loadAvg.empty() ? 0 : snapshot.loadAvg[0]);
     push(now, values);
+    tick_ = tick;
 }
 
 void LiveHistory::push(double time, const std::array<double, at(LiveSeries::count)>& values) {
@@ -76,6 +77,13 @@ std::vector<double> LiveHistory::peaks(std::span<const LiveSeries> summands, dou
         if (const double value = sum(summands, i); std::isnan(peak) || value > peak) peak = value;
     }
     return peaks;
+}
+
+size_t LiveHistory::slicesWithin(double span, size_t most) const {
+    constexpr double ticksInSlice = 1.5;
+    if (!(tick_ > 0) || !(span > 0)) return most;
+    return static_cast<size_t>(
+        std::clamp(std::floor(span / (ticksInSlice * tick_)), 1.0, static_cast<double>(most)));
 }
 
 std::span<const LiveSeries> seriesOf(WidgetKind kind) {

@@ -49,12 +49,16 @@ public:
     std::vector<double> peaks(LiveSeries series, double span, size_t count) const;
     /// The same of the sum of several series.
     std::vector<double> peaks(std::span<const LiveSeries> summands, double span, size_t count) const;
+    /// How many slices of `span` a graph should have, at most `most`: each long enough to hold a tick
+    /// wherever it falls, so that the graph has no gaps of its own making.
+    size_t slicesWithin(double span, size_t most) const;
     /// The sum of several series at the point `index`; NaN where one of them is unknown.
     double sum(std::span<const LiveSeries> summands, size_t index) const;
 
 private:
     void push(double time, const std::array<double, static_cast<size_t>(LiveSeries::count)>& values);
 
+    double tick_ = 0; ///< the newest
     std::vector<double> times_;
     std::array<std::vector<double>, static_cast<size_t>(LiveSeries::count)> values_;
 };
