@@ -215,6 +215,7 @@ private:
                 isReading_ = false;
                 readAt_ = steadySeconds();
                 std::vector<VolumeRow> rows;
+                rows.reserve(volumes.size());
                 for (Volume& volume : volumes) rows.push_back({std::move(volume)});
                 volumeModel_.setRows(std::move(rows));
                 volumes_->setEmptyText(say("No volumes were found."));

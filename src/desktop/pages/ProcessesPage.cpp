@@ -18,6 +18,7 @@
 #include <QSplitter>
 #include <QTimer>
 #include <QToolButton>
+#include <QVBoxLayout>
 #include <unistd.h>
 
 namespace quarn::desktop {

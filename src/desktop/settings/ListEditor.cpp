@@ -122,6 +122,7 @@ void ListEditor::setValue(const SettingValue& value) {
 
 std::vector<ListedItem> ListEditor::shown() const {
     std::vector<ListedItem> items;
+    items.reserve(static_cast<size_t>(list_->count()));
     for (int i = 0; i < list_->count(); ++i)
         items.push_back({list_->item(i)->data(idRole).toString().toStdString(),
                          list_->item(i)->checkState() == Qt::Checked});
