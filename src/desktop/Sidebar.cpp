@@ -3,6 +3,7 @@
 #include "desktop/Icon.h"
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
+#include "desktop/panels/PanelChoice.h"
 #include "ui/settings/Prefs.h"
 
 #include <QContextMenuEvent>
@@ -103,7 +104,12 @@ void Sidebar::storeOrder() {
     for (int i = 0; i < rows_->rowCount(); ++i)
         if (const QString id = rows_->item(i)->data(idRole).toString(); !id.isEmpty())
             layout.order.push_back(id.toStdString());
-    prefs_.sidebarLayout.set(layout);
+    store(layout);
+}
+
+/// Shows what is stored then, which is the former layout when it could not be stored.
+void Sidebar::store(const SidebarLayout& layout) {
+    storeSetting([&] { prefs_.sidebarLayout.set(layout); });
     reload();
 }
 
@@ -114,8 +120,7 @@ void Sidebar::contextMenuEvent(QContextMenuEvent* event) {
     if (!id.isEmpty() && sidebarPages(layout).size() > 1)
         menu.addAction(say("Hide this page"), [&] {
             layout.hidden.insert(id.toStdString());
-            prefs_.sidebarLayout.set(layout);
-            reload();
+            store(layout);
         });
     if (!layout.hidden.empty()) {
         auto* hidden = menu.addMenu(say("Show"));
@@ -123,15 +128,11 @@ void Sidebar::contextMenuEvent(QContextMenuEvent* event) {
             if (layout.hidden.contains(page.id))
                 hidden->addAction(say(page.title), [&, shown = std::string(page.id)] {
                     layout.hidden.erase(shown);
-                    prefs_.sidebarLayout.set(layout);
-                    reload();
+                    store(layout);
                 });
     }
     if (!layout.order.empty() || !layout.hidden.empty())
-        menu.addAction(say("Restore the built-in order"), [&] {
-            prefs_.sidebarLayout.set({});
-            reload();
-        });
+        menu.addAction(say("Restore the built-in order"), [&] { store({}); });
     if (!menu.isEmpty()) menu.exec(event->globalPos());
 }
 

@@ -37,6 +37,7 @@ protected:
 
 private:
     void storeOrder();
+    void store(const SidebarLayout& layout);
 
     Prefs& prefs_;
     QStandardItemModel* rows_;

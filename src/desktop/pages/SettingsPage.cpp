@@ -3,6 +3,7 @@
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
 #include "desktop/pages/Pages.h"
+#include "desktop/panels/Placement.h"
 #include "desktop/settings/SettingLine.h"
 #include "desktop/widgets/Card.h"
 #include "desktop/widgets/Notice.h"
@@ -74,6 +75,12 @@ private:
                 group.card->content().addWidget(line);
                 group.lines.push_back(line);
             }
+            if (const QString note = noteOn(table); !note.isEmpty()) {
+                auto* text = new QLabel(note);
+                text->setWordWrap(true);
+                text->setFont(Theme::captionFont());
+                group.card->content().addWidget(text);
+            }
             groups->addWidget(group.card);
             groups_.push_back(std::move(group));
         }
@@ -89,6 +96,11 @@ private:
         aside->addWidget(column, 1);
         aside->addStretch();
         content().addLayout(aside);
+    }
+
+    /// What the desktop at hand makes of a group.
+    static QString noteOn(const SettingRowGroup& group) {
+        return group.title == "Panels" ? placementNotice() : QString();
     }
 
     void load() {

@@ -42,6 +42,12 @@ std::string linkKind(const NetInterface& link) {
     return text;
 }
 
+/// "1290 mA, flowing out", "800 mA, flowing in".
+std::string currentText(int64_t milliamperes) {
+    if (milliamperes == 0) return "none";
+    return fmt::format("{} mA, flowing {}", std::abs(milliamperes), milliamperes < 0 ? "out" : "in");
+}
+
 FactGroup addressFacts(const NetInterface& link) {
     FactGroup group{"Addresses", {}};
     const std::string_view all = link.addrs;
@@ -204,7 +210,7 @@ std::vector<FactGroup> batteryFacts(const Battery& battery, const ReadingStyle& 
           {"Power", voltage && battery.amperage_mA != 0 ? format::watts(watts) : "", ""},
           {"Voltage", voltage ? fmt::format("{:.2f} V", static_cast<double>(battery.voltage_mV) / 1000) : "",
            ""},
-          {"Current", current ? fmt::format("{} mA", battery.amperage_mA) : "", ""}}},
+          {"Current", current ? currentText(battery.amperage_mA) : "", ""}}},
         {"Condition",
          {{"Capacity when full", batteryCapacity(battery), "the battery does not tell"},
           {"Cycles", countOrNothing(battery.cycleCount), "the battery does not count them"},

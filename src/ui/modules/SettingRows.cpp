@@ -38,7 +38,6 @@ constexpr SettingRow appearance[]{
     {"historyRange", "Span of the live graphs",
      "How far back the charts of the pages reach. The last half hour is always kept.", choice, graphSpans},
     {"flashChanges", "Highlight changed values", "A value that changed lights up briefly."},
-    {"crossfadeValues", "Cross-fade changed values", "A value that changed fades over instead of jumping."},
 };
 
 constexpr SettingRow sampling[]{
@@ -94,25 +93,43 @@ constexpr SettingRow processes[]{
      "A process that ended stays in the list for a while, highlighted in red."},
     {"keepExited", "How long exited stay visible", "Then they leave the list.", choice, exitedSpans, "s",
      SettingCondition{"showExited", true}},
-    {"appCPUWholeMac", "CPU use of a process",
-     "An app that keeps two of eight cores busy reads 200 % of a core, or 25 % of the machine.", choice,
-     cpuShares},
+};
+
+constexpr SettingRow attention[]{
+    {"alertTempC",
+     "A part is hot above",
+     "The hottest sensor of each part of the machine counts.",
+     number,
+     {},
+     "°C"},
+    {"alertFreeSpacePercent",
+     "A volume is nearly full below",
+     "What is free, as a share of the volume.",
+     number,
+     {},
+     "%"},
+    {"alertBatteryPercent", "The battery is low below", "While it is not being charged.", number, {}, "%"},
+    {"alertSwapGB",
+     "Much swap is in use above",
+     "Programs that are swapped out answer slowly.",
+     number,
+     {},
+     "GB"},
 };
 
 constexpr SettingRow units[]{
+    {"appCPUWholeMac", "CPU use of applications",
+     "One that keeps two of eight cores busy reads 200 % of a core, or 25 % of the machine.", choice,
+     cpuShares},
     {"fahrenheit", "Temperatures", "Everywhere: pages, charts, status items and panels.", choice, degrees},
     {"networkInBits", "Network rates",
      "Providers sell bits; files are counted in bytes, and a byte is eight bits.", choice, networkUnits},
 };
 
 constexpr SettingRowGroup groups[]{
-    {"Appearance", appearance},
-    {"Sampling", sampling},
-    {"Window and sidebar", window},
-    {"Status items", statusItemRows},
-    {"Panels", panels},
-    {"Processes", processes},
-    {"Units", units},
+    {"Appearance", appearance},          {"Sampling", sampling}, {"Window and sidebar", window},
+    {"Status items", statusItemRows},    {"Panels", panels},     {"Processes", processes},
+    {"What needs attention", attention}, {"Units", units},
 };
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
