@@ -84,7 +84,8 @@ void WidgetManager::hide(WidgetKind kind) {
 }
 
 void WidgetManager::screensChanged() {
-    for (const auto& [kind, panel] : panels_) panel->restoreFrame();
+    for (const auto& [kind, panel] : panels_)
+        if (!panel->restoreFrame()) panel->keepVisible();
 }
 
 } // namespace quarn::desktop

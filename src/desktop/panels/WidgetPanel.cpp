@@ -23,8 +23,8 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr QSize panelSize(208, 132);
 constexpr int panelGraphHeight = 32, crossSize = 20;
+constexpr int panelCharacters = 29; ///< wide
 
 QString frameKey(WidgetKind kind) { return "panels/" + toQt(widgetKindId(kind)); }
 
@@ -45,11 +45,11 @@ WidgetPanel::WidgetPanel(WidgetKind kind)
     setWindowTitle(say("Quarn – %1").arg(title));
     setAttribute(Qt::WA_TranslucentBackground); // for its round corners
     setAttribute(Qt::WA_ShowWithoutActivating);
-    setFixedSize(panelSize);
     auto* column = new QVBoxLayout(this);
     constexpr int side = Theme::cardPadding - FlashLabel::bleed;
     column->setContentsMargins(side, Theme::cardPadding, side, Theme::cardPadding);
     column->addWidget(view_);
+    setFixedSize(panelCharacters * fontMetrics().averageCharWidth(), sizeHint().height());
     closeButton_->setIcon(icon("close"));
     closeButton_->setAutoRaise(true);
     closeButton_->setFixedSize(crossSize, crossSize);
@@ -93,18 +93,22 @@ void WidgetPanel::applyTheme() {
 bool WidgetPanel::restoreFrame() {
     const auto frame = UiState::frame(frameKey(kind_));
     if (!frame) return false;
-    place(keptVisible(QRect(frame->topLeft(), panelSize), screens()));
+    place(keptVisible(QRect(frame->topLeft(), size()), screens()));
     return true;
+}
+
+void WidgetPanel::keepVisible() {
+    if (placed_) place(keptVisible(geometry(), screens()));
 }
 
 void WidgetPanel::saveFrame() {
     saveSoon_.stop();
-    if (placed_ && canPlaceWindows()) UiState::setFrame(frameKey(kind_), QRect(place_, panelSize));
+    if (placed_ && canPlaceWindows()) UiState::setFrame(frameKey(kind_), QRect(place_, size()));
 }
 
 void WidgetPanel::cascade(const QList<QRect>& taken) {
     if (const QScreen* screen = QGuiApplication::primaryScreen())
-        place(cascadePlace(panelSize, screen->availableGeometry(), taken));
+        place(cascadePlace(size(), screen->availableGeometry(), taken));
 }
 
 void WidgetPanel::place(const QRect& frame) {

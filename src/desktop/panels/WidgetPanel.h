@@ -44,6 +44,8 @@ public:
     /// place.
     bool restoreFrame();
     void saveFrame();
+    /// Moves as little as needed to be on a screen.
+    void keepVisible();
     /// Goes to a place that no frame of `taken` covers.
     void cascade(const QList<QRect>& taken);
 

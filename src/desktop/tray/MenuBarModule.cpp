@@ -67,18 +67,22 @@ void MenuBarModule::applyDetailMode(bool detailed, const LiveHistory& history) {
 void MenuBarModule::replay(const LiveHistory& history) {
     const auto times = history.times();
     for (size_t i = 0; i < times.size(); ++i)
-        if (times[i] >= times.back() - spanSeconds_) pushSample(history.sum(seriesOf(kind_), i), times[i]);
+        if (times[i] >= times.back() - spanSeconds_)
+            pushSample(history.sum(seriesOf(kind_), i), times[i], slice());
 }
 
 void MenuBarModule::pushSample(double value, double time, std::optional<double> sliceSeconds) {
     buckets_.pushSample(value, time, spanSeconds_, sliceSeconds);
 }
 
-void MenuBarModule::update(const Reading& reading, double time) {
+double MenuBarModule::slice() const {
     // Ticks come a little early or late: a slice of whole ticks must not wait for one more.
     constexpr double early = 0.9;
-    pushSample(reading.value(kind_), time,
-               early * spanSeconds_ / static_cast<double>(buckets_.bucketCount()));
+    return early * spanSeconds_ / static_cast<double>(buckets_.bucketCount());
+}
+
+void MenuBarModule::update(const Reading& reading, double time) {
+    pushSample(reading.value(kind_), time, slice());
     show(reading);
 }
 

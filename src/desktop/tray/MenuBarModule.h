@@ -74,6 +74,7 @@ private:
     static constexpr size_t compactColumns = 15, detailedColumns = 30;
 
     void replay(const LiveHistory& history);
+    double slice() const;
     Rendering rendering(const Reading& reading) const;
 
     WidgetKind kind_;

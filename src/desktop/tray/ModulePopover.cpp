@@ -19,7 +19,7 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr int popoverWidth = 300, popoverGraphHeight = 56;
+constexpr int popoverCharacters = 42, popoverGraphHeight = 56;
 
 bool hasProcesses(WidgetKind kind) {
     return kind == WidgetKind::cpu || kind == WidgetKind::memory || kind == WidgetKind::disk;
@@ -44,7 +44,7 @@ ModulePopover::ModulePopover(WidgetKind kind, PopoverDetail detail)
       none_(dimLabel()) {
     setAttribute(Qt::WA_TranslucentBackground); // for its round corners
     setWindowTitle(say("Quarn – %1").arg(say(Reading::title(kind).c_str())));
-    setFixedWidth(popoverWidth);
+    setFixedWidth(popoverCharacters * fontMetrics().averageCharWidth());
     auto* whole = new QVBoxLayout(this);
     constexpr int padding = Theme::cardPadding + 2, side = padding - FlashLabel::bleed;
     whole->setContentsMargins(side, padding, side, padding);

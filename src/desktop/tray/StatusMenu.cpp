@@ -41,6 +41,7 @@ void StatusMenu::addProfiles() {
     }
     connect(profiles_, &QActionGroup::triggered, this, [this](const QAction* action) {
         storeSetting([&] { prefs_.samplingProfile.set(action->data().toString().toStdString()); });
+        prefsChanged(); // the mark is at what is stored, even where that failed
     });
 }
 
@@ -51,6 +52,7 @@ void StatusMenu::addPanels() {
         action->setCheckable(true);
         connect(action, &QAction::triggered, this, [this, kind](bool on) {
             choosePanel(prefs_, kind, on ? PanelChoice::open : PanelChoice::closed);
+            prefsChanged();
         });
         panels_[kind] = action;
     }
