@@ -230,6 +230,11 @@ Tone ConnectionPresentation::tone(std::string_view state) {
     return known ? known->tone : Tone::neutral;
 }
 
+std::string_view ConnectionPresentation::stateMeaning(std::string_view state) {
+    const auto* known = find(state);
+    return known ? known->meaning : state;
+}
+
 std::string ConnectionPresentation::stateText(std::string_view state) {
     const auto* known = find(state);
     if (!known) return std::string(state);

@@ -14,6 +14,7 @@ namespace quarn {
 
 /// What connections can be sorted by.
 enum class ConnectionKey { process, pid, proto, local, localPort, remote, remotePort, state };
+inline constexpr size_t connectionKeyCount = static_cast<size_t>(ConnectionKey::state) + 1;
 
 /// The logic behind every list of connections: pure, callable from any thread.
 struct ConnectionPresentation {
@@ -45,6 +46,8 @@ struct ConnectionPresentation {
 
     static CapsuleLabel::Tone tone(std::string_view state);
 
+    /// The plain meaning of a state: "closing"; a text that is no TCP state stays as it is.
+    static std::string_view stateMeaning(std::string_view state);
     /// The plain meaning of a state first, then its name: "closing (CLOSE_WAIT)". A text that is no TCP state
     /// stays as it is.
     static std::string stateText(std::string_view state);

@@ -13,6 +13,7 @@ const std::vector<PageEntry>& pageTable() {
         {"sensors", "Sensors", "sensors", "Hardware", makeSensorsPage},
         {"power", "Power and battery", "power", "Hardware", makePowerPage},
         {"network", "Network", "network", "Network", makeNetworkPage},
+        {"connections", "Connections", "connections", "Network", makeConnectionsPage},
         {"system", "System", "system", "Quarn", makeSystemPage},
         {"settings", "Settings", "settings", "Quarn", makeSettingsPage},
     };

@@ -9,6 +9,7 @@ Page* makeCpuPage(PageContext& context);
 Page* makeMemoryPage(PageContext& context);
 Page* makeProcessesPage(PageContext& context);
 Page* makeNetworkPage(PageContext& context);
+Page* makeConnectionsPage(PageContext& context);
 Page* makeDisksPage(PageContext& context);
 Page* makeSensorsPage(PageContext& context);
 Page* makePowerPage(PageContext& context);

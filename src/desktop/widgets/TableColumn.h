@@ -16,6 +16,8 @@ struct TableColumn {
     enum class Align { text, figure }; ///< figures stand at the right
     /// `whenRoom`: as usually, but a narrow table goes without it. The first column is always shown.
     enum class Shown { always, usually, whenRoom, onRequest };
+    /// What others leave goes to the first column and to those that grow.
+    enum class Width { stays, grows };
 
     const char* id;      ///< kept in the stored layout, stable
     const char* title;   ///< through the translation hook, as is the next
@@ -25,6 +27,7 @@ struct TableColumn {
     Shown shown = Shown::usually;
     /// The first direction when its header is clicked.
     Qt::SortOrder firstOrder = Qt::AscendingOrder;
+    Width spare = Width::stays;
 };
 
 /// What the cells of a table tell beside Qt's own roles.

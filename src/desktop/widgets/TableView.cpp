@@ -102,7 +102,7 @@ TableView::TableView(const QString& name, Shape shape, QWidget* parent)
             [this](const QPoint& at) { chooseColumns(header()->mapToGlobal(at)); });
     connect(header(), &QHeaderView::sectionResized, this, [this](int section, int, int size) {
         if (arranging_) return;
-        if (section == 0) leastFirstWidth_ = size;
+        columns_[static_cast<size_t>(section)].width = size;
         fillWidth();
         saveSoon();
     });
@@ -146,6 +146,12 @@ void TableView::setShape(Shape shape) {
     setItemsExpandable(shape == Shape::tree);
 }
 
+void TableView::setLeadingColumn(int section) {
+    // At −1 the branches would follow whichever column is moved to the left.
+    setTreePosition(section);
+    header()->moveSection(header()->visualIndex(section), 0);
+}
+
 void TableView::fitRows() {
     setSizeAdjustPolicy(AdjustToContents);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -163,14 +169,16 @@ int TableView::builtWidth(int section) const {
            cellPadding;
 }
 
+int TableView::leastWidth(int section) const {
+    const int chosen = columns_[static_cast<size_t>(section)].width;
+    return chosen > 0 ? chosen : builtWidth(section);
+}
+
 void TableView::arrangeAsBuilt() {
-    leastFirstWidth_ = 0;
     for (int section = 0; section < table_->columnCount(); ++section) {
-        const TableColumn& column = table_->column(section);
         header()->moveSection(header()->visualIndex(section), section);
-        header()->resizeSection(section, builtWidth(section));
-        columns_[static_cast<size_t>(section)].isWanted = column.shown != TableColumn::Shown::onRequest;
-        columns_[static_cast<size_t>(section)].isInsistedOn = false;
+        Column& column = columns_[static_cast<size_t>(section)];
+        column = {column.column, column.column.shown != TableColumn::Shown::onRequest};
     }
 }
 
@@ -186,10 +194,9 @@ void TableView::restore(int sortColumn, Qt::SortOrder order) {
         const int section = sectionOf(stored.id);
         if (section < 0) continue;
         header()->moveSection(header()->visualIndex(section), place++);
-        header()->resizeSection(section, stored.width);
-        if (section == 0) leastFirstWidth_ = stored.width;
-        columns_[static_cast<size_t>(section)].isWanted =
-            section == 0 || stored.visible == TableLayout::Column::Visible::yes;
+        Column& column = columns_[static_cast<size_t>(section)];
+        column.width = stored.width;
+        column.isWanted = section == 0 || stored.visible == TableLayout::Column::Visible::yes;
     }
     if (const int section = sectionOf(layout.sortedBy); section >= 0) {
         sortColumn = section;
@@ -209,13 +216,8 @@ void TableView::save() const {
     TableLayout layout;
     for (int place = 0; place < header()->count(); ++place) {
         const int section = header()->logicalIndex(place);
-        const bool hidden = header()->isSectionHidden(section);
-        const bool wanted = columns_[static_cast<size_t>(section)].isWanted;
-        const int width = hidden || (section == 0 && leastFirstWidth_ == 0) ? builtWidth(section)
-                          : section == 0                                    ? leastFirstWidth_
-                                                                            : header()->sectionSize(section);
-        layout.columns.push_back({columns_[static_cast<size_t>(section)].column.id, std::max(width, 1),
-                                  wanted ? Visible::yes : Visible::no});
+        const Column& each = columns_[static_cast<size_t>(section)];
+        layout.columns.push_back({each.column.id, each.width, each.isWanted ? Visible::yes : Visible::no});
     }
     if (const int section = header()->sortIndicatorSection(); section >= 0 && section < header()->count())
         layout.sortedBy = columns_[static_cast<size_t>(section)].column.id;
@@ -224,27 +226,41 @@ void TableView::save() const {
     UiState::setText(name_, QString::fromStdString(layout.text()));
 }
 
-/// Gives the first column what the others leave, never less than the user gave it. Where that is not enough,
-/// columns that are shown when there is room go, the last ones first.
+/// Every column gets the width that the user gave it or the built-in one; what is left goes to the first and
+/// to those that grow. Where there is too little, columns that are shown when there is room go, the last ones
+/// first.
 void TableView::fillWidth() {
     if (!table_ || arranging_) return;
     const QScopedValueRollback guard(arranging_, true);
-    const int least = leastFirstWidth_ > 0 ? leastFirstWidth_ : builtWidth(0);
-    int others = 0;
-    for (size_t i = 1; i < columns_.size(); ++i) {
-        header()->setSectionHidden(static_cast<int>(i), !columns_[i].isWanted);
-        others += header()->sectionSize(static_cast<int>(i));
+    int spare = viewport()->width();
+    for (int section = 0; section < header()->count(); ++section) {
+        const bool wanted = columns_[static_cast<size_t>(section)].isWanted;
+        header()->setSectionHidden(section, !wanted);
+        if (wanted) spare -= leastWidth(section);
     }
-    for (int place = header()->count() - 1; place >= 0 && others + least > viewport()->width(); --place) {
+    for (int place = header()->count() - 1; place >= 0 && spare < 0; --place) {
         const int section = header()->logicalIndex(place);
         const Column& each = columns_[static_cast<size_t>(section)];
         const bool maySpare = each.column.shown == TableColumn::Shown::whenRoom && !each.isInsistedOn &&
                               header()->sortIndicatorSection() != section;
         if (!maySpare || header()->isSectionHidden(section)) continue;
-        others -= header()->sectionSize(section);
+        spare += leastWidth(section);
         header()->setSectionHidden(section, true);
     }
-    header()->resizeSection(0, std::max(viewport()->width() - others, least));
+    spare = std::max(spare, 0);
+    const auto grows = [&](int section) {
+        const Column& each = columns_[static_cast<size_t>(section)];
+        return section > 0 && each.column.spare == TableColumn::Width::grows && each.width == 0;
+    };
+    int growing = 1;
+    for (int section = 1; section < header()->count(); ++section) growing += grows(section) ? 1 : 0;
+    const int share = spare / growing;
+    for (int section = header()->count() - 1; section >= 0; --section) {
+        if (header()->isSectionHidden(section)) continue;
+        const int more = section == 0 ? spare : grows(section) ? share : 0;
+        header()->resizeSection(section, leastWidth(section) + more);
+        spare -= more;
+    }
 }
 
 void TableView::showColumn(int section, bool shown) {

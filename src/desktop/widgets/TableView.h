@@ -15,7 +15,7 @@ class TableModel;
 /// (with the arrow always visible), columns that can be moved, resized and chosen with a right click on the
 /// header. Ctrl+C copies the selected rows as text. What the user arranged is kept under the table's name.
 ///
-/// The first column of the model is always shown and takes the room that the others leave.
+/// The first column of the model is always shown and, with those that grow, takes the room that others leave.
 class TableView : public QTreeView {
     Q_OBJECT
 public:
@@ -28,6 +28,8 @@ public:
     /// Shows a model whose rows are sorted by `sortColumn` as long as the user chose no other.
     void show(TableModel& model, int sortColumn, Qt::SortOrder order);
     void setShape(Shape shape);
+    /// The column that stands at the left and carries the branches of a tree.
+    void setLeadingColumn(int section);
     /// For short lists within a page that scrolls as a whole: as high as the rows, without a scroll bar.
     void fitRows();
     /// What an empty table says, in the place of its rows: why it is empty and what to do.
@@ -57,8 +59,10 @@ private:
         TableColumn column; ///< of the model, which may be gone before this
         bool isWanted = true;
         bool isInsistedOn = false; ///< the user asked for it, room or not
+        int width = 0;             ///< that the user gave it; 0 for the built-in one
     };
     int builtWidth(int section) const;
+    int leastWidth(int section) const;
     void arrangeAsBuilt();
     void restore(int sortColumn, Qt::SortOrder order);
     void save() const;
@@ -71,9 +75,8 @@ private:
     TableModel* table_ = nullptr;
     std::vector<Column> columns_;
     QTimer* saving_;
-    QModelIndex hovered_;     ///< while painting
-    int leastFirstWidth_ = 0; ///< what the user gave the first column
-    bool arranging_ = false;  ///< the columns move by our own doing
+    QModelIndex hovered_;    ///< while painting
+    bool arranging_ = false; ///< the columns move by our own doing
     int builtSortColumn_ = 0;
     Qt::SortOrder builtOrder_ = Qt::AscendingOrder;
 };

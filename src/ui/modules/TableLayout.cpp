@@ -34,7 +34,7 @@ TableLayout TableLayout::fromText(std::string_view text) {
         }
         column.id = scutil::takeWord(each);
         const auto width = scutil::toNumber<int>(scutil::takeWord(each));
-        if (column.id.empty() || !width || *width < 1 || *width > widest) continue;
+        if (column.id.empty() || !width || *width < 0 || *width > widest) continue;
         column.width = *width;
         layout.columns.push_back(std::move(column));
     }

@@ -11,7 +11,7 @@ namespace quarn {
 struct TableLayout {
     struct Column {
         std::string id;
-        int width = 0; ///< pixels
+        int width = 0; ///< pixels; 0 for the built-in one
         enum class Visible { no, yes } visible = Visible::yes;
         bool operator==(const Column&) const = default;
     };

@@ -1,0 +1,101 @@
+#include "inventory/ConnectionRows.h"
+
+namespace {
+
+using namespace quarn;
+using Grouping = ConnectionView::Grouping;
+
+Connection socket(int64_t pid, const char* name, const char* localPort, const char* remote,
+                  const char* state) {
+    Connection result;
+    result.proto = "TCP";
+    result.local = "10.0.0.1";
+    result.localPort = localPort;
+    result.remote = remote;
+    result.remotePort = *remote == '*' ? "" : "443";
+    result.state = state;
+    result.pid = pid;
+    result.processName = name;
+    return result;
+}
+
+/// A browser with two connections to one server and one to another, a shell with one to the first server.
+const std::vector<Connection> machine{
+    socket(7, "browser", "5001", "93.184.216.34", "ESTABLISHED"),
+    socket(7, "browser", "5002", "93.184.216.34", "CLOSE_WAIT"),
+    socket(7, "browser", "5003", "198.51.100.7", "ESTABLISHED"),
+    socket(3, "sshd", "22", "*", "LISTEN"),
+    socket(-1, "", "80", "*", "LISTEN"),
+};
+
+/// "browser(3): 5001 5002 5003" for each group, "22" for a row by itself.
+std::vector<std::string> outline(const ConnectionView& view) {
+    std::vector<std::string> lines;
+    for (const ConnectionRow& row : ConnectionRows::of(machine, view).rows) {
+        if (row.isGroup())
+            lines.push_back(row.shown.processName + "/" + row.shown.remote + "(" +
+                            std::to_string(row.members) + "):");
+        else if (row.parent >= 0)
+            lines.back() += " " + row.shown.localPort;
+        else
+            lines.push_back(row.shown.localPort);
+    }
+    return lines;
+}
+
+TEST(ConnectionRows, GroupsOfOneStandByThemselves) {
+    using Lines = std::vector<std::string>;
+    EXPECT_EQ(outline({.sortedBy = ConnectionKey::localPort}),
+              Lines({"22", "80", "browser/mixed(3): 5001 5002 5003"}));
+    EXPECT_EQ(outline({.grouping = Grouping::destination,
+                       .sortedBy = ConnectionKey::localPort,
+                       .direction = ConnectionView::Direction::descending}),
+              Lines({"5003", "browser/93.184.216.34(2): 5002 5001", "80", "22"}));
+    EXPECT_EQ(outline({.grouping = Grouping::none, .sortedBy = ConnectionKey::localPort}),
+              Lines({"22", "80", "5001", "5002", "5003"}));
+}
+
+TEST(ConnectionRows, AGroupShowsWhatItsMembersShare) {
+    const auto rows = ConnectionRows::of(machine, {.sortedBy = ConnectionKey::localPort}).rows;
+    const auto& group = rows[2].shown;
+    EXPECT_EQ(group.pid, 7);
+    EXPECT_EQ(group.proto, "TCP");
+    EXPECT_EQ(group.local, "10.0.0.1");
+    EXPECT_EQ(group.localPort, "mixed");
+    EXPECT_EQ(group.state, "mixed");
+    EXPECT_EQ(rows[2].states, "2 connected, 1 closing");
+    EXPECT_EQ(rows[2].distinct[static_cast<size_t>(ConnectionKey::remote)], 2u);
+    EXPECT_EQ(rows[3].parent, 2);
+
+    auto shared = machine;
+    shared[1].pid = 8;
+    shared[1].processName = "curl";
+    const auto byPeer = ConnectionRows::of(shared, {.grouping = Grouping::destination}).rows;
+    const auto found =
+        std::find_if(byPeer.begin(), byPeer.end(), [](const auto& row) { return row.isGroup(); });
+    ASSERT_NE(found, byPeer.end());
+    EXPECT_EQ(found->shown.pid, ConnectionRow::mixedPids);
+    EXPECT_EQ(found->shown.processName, "mixed");
+}
+
+TEST(ConnectionRows, KeysTellGroupsFromTheirMembers) {
+    for (const auto grouping : {Grouping::process, Grouping::destination, Grouping::none}) {
+        std::vector<std::string> keys;
+        for (const auto& row : ConnectionRows::of(machine, {.grouping = grouping}).rows)
+            keys.push_back(row.key);
+        std::sort(keys.begin(), keys.end());
+        EXPECT_EQ(std::adjacent_find(keys.begin(), keys.end()), keys.end());
+    }
+}
+
+TEST(ConnectionRows, SaysWhatThereIsAndWhatAFilterLeaves) {
+    EXPECT_EQ(ConnectionRows::of(machine, {}).sentence(),
+              "5 sockets of 2 processes; 3 connections to the internet");
+    EXPECT_EQ(ConnectionRows::of(machine, {.scope = ConnectionScope::listening}).sentence(),
+              "2 of 5 sockets shown");
+    EXPECT_EQ(ConnectionRows::of(machine, {.search = "SSH"}).sentence(), "1 of 5 sockets shown");
+    EXPECT_EQ(ConnectionRows::of({}, {}).sentence(), "No socket is open.");
+    EXPECT_EQ(ConnectionRows::of({machine[4]}, {}).sentence(), "1 socket; none is connected to the internet");
+}
+
+} // namespace
