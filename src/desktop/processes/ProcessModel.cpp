@@ -2,6 +2,7 @@
 
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
+#include "desktop/processes/ApplicationIcons.h"
 
 #include <array>
 #include <cmath>
@@ -82,6 +83,12 @@ RowKey keyOf(const ProcInfo& process) {
     return {static_cast<uint64_t>(process.pid), process.startTimeMicros.value_or(0)};
 }
 
+ProcessModel::ProcessModel(QObject* parent) : TableModel(parent), icons_(new ApplicationIcons(this)) {
+    connect(icons_, &ApplicationIcons::arrived, this, [this] {
+        if (rowCount() > 0) Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, 0));
+    });
+}
+
 void ProcessModel::take(const Snapshot& snapshot, const Known& known, const ProcessRows::Marks& marks,
                         double now) {
     rows_.take(snapshot, known, marks, now);
@@ -149,6 +156,11 @@ QVariant ProcessModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole: return toQt(shownField(*row.process, field, rows_.known(), now_));
     case Qt::TextAlignmentRole: return headerData(index.column(), Qt::Horizontal, role);
     case Qt::ToolTipRole: return toolTip(row, field);
+    case Qt::DecorationRole: {
+        if (field != ProcessField::name || icons_->empty()) return {};
+        const QIcon* icon = icons_->find(row.process->path);
+        return icon ? *icon : QIcon(); // an empty one keeps the names in line
+    }
     case TableRole::tint: return tint(row);
     case TableRole::flash: return row.hasChanged(field) ? QVariant(1.0) : QVariant();
     case TableRole::dim: return !row.isMatch || isNothing(*row.process, field);

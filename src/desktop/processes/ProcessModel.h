@@ -5,11 +5,13 @@
 
 namespace quarn::desktop {
 
+class ApplicationIcons;
+
 /// The processes as a list or a tree. Its columns are the fields, in their order.
 class ProcessModel final : public TableModel {
     Q_OBJECT
 public:
-    using TableModel::TableModel;
+    explicit ProcessModel(QObject* parent = nullptr);
 
     /// Shows what is new in a snapshot.
     void take(const Snapshot& snapshot, const Known& known, const ProcessRows::Marks& marks, double now);
@@ -39,6 +41,7 @@ private:
     QVariant toolTip(const ProcessRow& row, ProcessField field) const;
     std::optional<double> barShare(const ProcInfo& process, ProcessField field) const;
 
+    ApplicationIcons* icons_;
     ProcessRows rows_;
     ProcessView view_;
     WallTime now_{};

@@ -1,0 +1,71 @@
+#include "desktop/processes/ApplicationIcons.h"
+
+#include "desktop/Background.h"
+#include "desktop/processes/ProcessQueue.h"
+#include "ui/modules/DesktopEntry.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QImageReader>
+#include <QPixmap>
+#include <QStandardPaths>
+
+namespace quarn::desktop {
+
+namespace {
+
+constexpr int pixels = 32; ///< enough for 16 on a screen of double density
+constexpr qint64 largestFile = 64 * 1024;
+
+using Images = std::unordered_map<std::string, QImage>;
+
+/// Where the picture of that name lies; empty when it is in none of the usual places.
+QString pictureOf(const QString& icon, const QStringList& dataFolders) {
+    if (QDir::isAbsolutePath(icon)) return icon;
+    for (const QString& folder : dataFolders)
+        for (const char* place : {"icons/hicolor/32x32/apps/%1.png", "icons/hicolor/48x48/apps/%1.png",
+                                  "icons/hicolor/scalable/apps/%1.svg", "icons/hicolor/64x64/apps/%1.png",
+                                  "icons/hicolor/128x128/apps/%1.png", "icons/hicolor/16x16/apps/%1.png",
+                                  "pixmaps/%1.png", "pixmaps/%1.svg", "pixmaps/%1.xpm"})
+            if (const QString file = folder + "/" + QString(place).arg(icon); QFile::exists(file))
+                return file;
+    return {};
+}
+
+Images readImages() {
+    Images images;
+    const QStringList dataFolders = QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
+    for (const QString& folder : dataFolders) {
+        const QDir menus(folder + "/applications");
+        for (const QString& name : menus.entryList({"*.desktop"}, QDir::Files)) {
+            QFile file(menus.filePath(name));
+            if (!file.open(QIODevice::ReadOnly)) continue;
+            const DesktopEntry entry = parseDesktopEntry(file.read(largestFile).toStdString());
+            if (entry.program.empty() || entry.icon.empty() || images.contains(entry.program)) continue;
+            QImageReader reader(pictureOf(QString::fromStdString(entry.icon), dataFolders));
+            const QImage image = reader.read();
+            if (!image.isNull())
+                images.emplace(entry.program,
+                               image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+        }
+    }
+    return images;
+}
+
+} // namespace
+
+ApplicationIcons::ApplicationIcons(QObject* parent) : QObject(parent) {
+    inBackground(processQueue(), this, readImages, [this](const Images& images) {
+        for (const auto& [program, image] : images) icons_.emplace(program, QIcon(QPixmap::fromImage(image)));
+        if (!icons_.empty()) Q_EMIT arrived();
+    });
+}
+
+const QIcon* ApplicationIcons::find(std::string_view path) const {
+    if (icons_.empty()) return nullptr;
+    const auto found = icons_.find(std::string(path.substr(path.rfind('/') + 1)));
+    return found == icons_.end() ? nullptr : &found->second;
+}
+
+} // namespace quarn::desktop
