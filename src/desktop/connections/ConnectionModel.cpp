@@ -3,6 +3,7 @@
 #include "desktop/Text.h"
 #include "ui/modules/Format.h"
 
+#include <QFont>
 #include <array>
 
 namespace quarn::desktop {
@@ -124,7 +125,7 @@ QVariant ConnectionModel::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole: {
         const QString text = toQt(textOf(row, key));
-        return row.isGroup() && key == lead_ ? QString("%2 (%1)").arg(row.members).arg(text) : text;
+        return row.isGroup() && key == lead_ ? text + " (" + QString::number(row.members) + ")" : text;
     }
     case Qt::TextAlignmentRole: return headerData(index.column(), Qt::Horizontal, role);
     case Qt::ToolTipRole: {
@@ -135,6 +136,12 @@ QVariant ConnectionModel::data(const QModelIndex& index, int role) const {
     case TableRole::tone:
         if (key != ConnectionKey::state || isMixed(row, key) || row.shown.state.empty()) return {};
         return static_cast<int>(ConnectionPresentation::tone(row.shown.state));
+    case Qt::FontRole: {
+        if (!row.isGroup() || key != lead_) return {};
+        QFont font;
+        font.setWeight(QFont::DemiBold);
+        return font;
+    }
     case TableRole::dim: return isMixed(row, key) || key == ConnectionKey::proto || key == ConnectionKey::pid;
     default: return {};
     }

@@ -147,7 +147,8 @@ void TableView::setShape(Shape shape) {
 }
 
 void TableView::setLeadingColumn(int section) {
-    // At −1 the branches would follow whichever column is moved to the left.
+    if (const int former = treePosition(); former > 0 && former != section)
+        header()->moveSection(header()->visualIndex(former), former);
     setTreePosition(section);
     header()->moveSection(header()->visualIndex(section), 0);
 }
