@@ -15,7 +15,7 @@ namespace {
 using Presentation = ConnectionPresentation;
 
 constexpr int longestName = 64;
-constexpr std::string_view gap = "  ";
+constexpr std::string_view gutter = "  ";
 constexpr size_t usualCells = 64; ///< bytes of the cells of one row
 
 /// "10.0.0.1:22", "[fe80::1]:22"; "*" stands for every address, and for a port that is none.
@@ -134,7 +134,7 @@ void ConnectionsText::appendTo(std::string& out) const {
         group = row.group;
         const char* cell = cells_.data() + row.at;
         const auto append = [&](uint32_t length, size_t padding) {
-            out.append(gap).append(cell, length).append(padding, ' ');
+            out.append(gutter).append(cell, length).append(padding, ' ');
             cell += length;
         };
         append(row.protoLength, 0);

@@ -35,7 +35,7 @@ std::string row(std::string_view left, std::string_view right) {
     return line + std::string(right) + "\n";
 }
 
-std::string options(const Command* command) {
+std::string optionLines(const Command* command) {
     std::string text = "\nOptions:\n";
     for (const OptionRow& option : optionRows()) {
         if (command == nullptr || (command->takes & option.option) == 0) continue;
@@ -57,13 +57,13 @@ std::string helpText(const Command* command) {
             "Usage: quarn " + std::string(command->name) + ' ' + std::string(command->arguments);
         text += "\n\n" + wrapped(command->summary) + "\n";
         if (!command->details.empty()) text += "\n" + wrapped(command->details) + "\n";
-        return text + options(command) + "\nExample:\n  " + std::string(command->example) + "\n";
+        return text + optionLines(command) + "\nExample:\n  " + std::string(command->example) + "\n";
     }
     std::string text = "Usage: quarn [options] [command]\n\n"
                        "Shows what this machine is doing. Without a command: a live view in the terminal,\n"
                        "or one snapshot as text when the output is not a terminal.\n\nCommands:\n";
     for (const Command& each : commands()) text += row(each.name, each.summary);
-    return text + options(nullptr) +
+    return text + optionLines(nullptr) +
            "\nKeys of the live view: q quits, space freezes the picture, c m d p n sort the\n"
            "processes by CPU, memory, disk, PID, name.\n\n"
            "Example:\n  quarn processes --sort memory --limit 10\n\n"

@@ -6,7 +6,7 @@ namespace quarn::cli {
 namespace {
 
 constexpr int longestCell = 4096;
-constexpr size_t gap = 2;
+constexpr size_t columnGap = 2;
 
 } // namespace
 
@@ -38,7 +38,7 @@ std::string TextTable::text() const {
     for (const Row& row : rows_) {
         for (size_t i = 0; i < row.size(); ++i) {
             const auto padding = static_cast<size_t>(widths[i] - row[i].width);
-            if (i > 0) result.append(gap, ' ');
+            if (i > 0) result.append(columnGap, ' ');
             if (columns_[i].align == Align::right) result.append(padding, ' ');
             result += row[i].text;
             if (columns_[i].align == Align::left) result.append(padding, ' ');

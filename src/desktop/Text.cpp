@@ -1,5 +1,6 @@
 #include "desktop/Text.h"
 
+#include "ui/modules/Format.h"
 #include "ui/modules/Wording.h"
 
 namespace quarn::desktop {
@@ -10,6 +11,8 @@ QString toQt(std::string_view text) {
         if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format) c = QChar(0xFFFD);
     return result;
 }
+
+QString orUnknown(std::string_view text) { return toQt(text.empty() ? format::unknown : text); }
 
 QString say(std::string_view text) { return QString::fromStdString(worded(text)); }
 

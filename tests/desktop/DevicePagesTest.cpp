@@ -16,12 +16,12 @@ namespace {
 
 class DevicePages : public ::testing::Test {
 protected:
-    QWidget& open(const char* page, const Snapshot& snapshot) {
+    QWidget& open(const char* page, const Snapshot& shown) {
         auto& window = fixture.window();
         window.resize(900, 600);
         window.show();
         window.open(page);
-        window.refresh(snapshot, SampleMachine::known());
+        window.refresh(shown, SampleMachine::known());
         QApplication::processEvents();
         return *window.findChild<QStackedWidget*>()->currentWidget();
     }

@@ -12,8 +12,7 @@ TEST(TableLayout, ComesBackFromItsText) {
 }
 
 TEST(TableLayout, LeavesOutWhatItDoesNotUnderstand) {
-    for (const char* text :
-         {"", ";", ",,,;", "name", "name x,-,- 5, 7", "name 99999999999;", "name -5"})
+    for (const char* text : {"", ";", ",,,;", "name", "name x,-,- 5, 7", "name 99999999999;", "name -5"})
         EXPECT_EQ(TableLayout::fromText(text), TableLayout()) << text;
     EXPECT_EQ(TableLayout::fromText("bad,name 10;pid up").text(), "name 10;pid asc");
 }

@@ -7,11 +7,7 @@
 #include "ui/modules/Format.h"
 
 namespace quarn::cli {
-namespace {
-
-std::string orUnknown(std::string_view text) { return std::string(text.empty() ? format::unknown : text); }
-
-} // namespace
+namespace {} // namespace
 
 int runInterfaces(const Options& options) {
     Engine engine(options.root);
@@ -43,8 +39,9 @@ int runInterfaces(const Options& options) {
                     charsetOfEnvironment());
     for (const NetInterface& link : snapshot.interfaces) {
         table.add({link.name, link.up ? "up" : "down", rate(link.rxRate), rate(link.txRate),
-                   format::diskSize(link.rxBytes), format::diskSize(link.txBytes), orUnknown(link.media),
-                   orUnknown(link.mac), orUnknown(link.addrs)});
+                   format::diskSize(link.rxBytes), format::diskSize(link.txBytes),
+                   format::orUnknown(link.media), format::orUnknown(link.mac),
+                   format::orUnknown(link.addrs)});
     }
     writeOut(table.text());
     return 0;

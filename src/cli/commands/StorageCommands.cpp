@@ -10,8 +10,6 @@
 namespace quarn::cli {
 namespace {
 
-std::string orUnknown(std::string_view text) { return std::string(text.empty() ? format::unknown : text); }
-
 template <class List>
 void writeList(const List& list, const Known& known) {
     JsonWriter json;
@@ -53,10 +51,11 @@ int runDisks(const Options& options) {
                      {"Link"}},
                     charsetOfEnvironment());
     for (const DiskDevice& disk : snapshot.disks) {
-        table.add({disk.bsd, orUnknown(disk.name), std::string(diskKind(disk)), orUnknown(disk.medium),
+        table.add({disk.bsd, format::orUnknown(disk.name), std::string(diskKind(disk)),
+                   format::orUnknown(disk.medium),
                    disk.size > 0 ? format::diskSize(disk.size) : std::string(format::unknown),
-                   rate(disk.readRate), rate(disk.writeRate), orUnknown(disk.interconnect),
-                   orUnknown(disk.link)});
+                   rate(disk.readRate), rate(disk.writeRate), format::orUnknown(disk.interconnect),
+                   format::orUnknown(disk.link)});
     }
     writeOut(table.text());
     return 0;
@@ -86,8 +85,8 @@ int runVolumes(const Options& options) {
     };
     for (const Volume& volume : volumes) {
         table.add({volume.mount, size(volume, volume.total), size(volume, volume.used),
-                   size(volume, volume.free), usedShare(volume), orUnknown(volume.fs),
-                   orUnknown(volume.device)});
+                   size(volume, volume.free), usedShare(volume), format::orUnknown(volume.fs),
+                   format::orUnknown(volume.device)});
     }
     writeOut(table.text());
     return 0;

@@ -8,7 +8,7 @@
 namespace quarn::cli {
 namespace {
 
-constexpr int figureWidth = 4; // a blank and "100"
+constexpr int shareWidth = 4; // a blank and "100"
 constexpr int cellGap = 3;
 constexpr int comfortableBar = 12;
 constexpr int shortestBar = 4;
@@ -32,7 +32,7 @@ CoreGrid::CoreGrid(size_t cores, int width, int rows)
     if (cores == 0 || rows <= 0 || width < labelWidth_ + groupSize) return;
     const int count = static_cast<int>(std::min<size_t>(cores, 1 << 20));
     for (const int bar : {comfortableBar, shortestBar}) {
-        const int least = labelWidth_ + bar + figureWidth;
+        const int least = labelWidth_ + bar + shareWidth;
         const int most = (width + cellGap) / (least + cellGap);
         if (most < 1) continue;
         rows_ = ceilDivide(count, most);
@@ -70,8 +70,8 @@ void CoreGrid::drawBars(Canvas& canvas, Strip top, std::span<const double> share
         }
         const double kernel = core < system.size() ? std::min(system[core], shares[core]) : 0;
         const BarPart parts[] = {{(shares[core] - kernel) / 100, Ink::cpu}, {kernel / 100, Ink::cpuSystem}};
-        drawBar(canvas, {row, bar, end - figureWidth}, parts);
-        canvas.putRight(row, end - figureWidth, end, fmt::format("{:.0f}", shares[core]));
+        drawBar(canvas, {row, bar, end - shareWidth}, parts);
+        canvas.putRight(row, end - shareWidth, end, fmt::format("{:.0f}", shares[core]));
     }
 }
 

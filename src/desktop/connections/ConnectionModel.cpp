@@ -31,7 +31,7 @@ constexpr std::string_view everyAddress = "*";
 
 /// What stands for values that differ within a group.
 std::string severalText(const ConnectionRow& row, ConnectionKey key) {
-    const std::string count = std::to_string(row.distinct[static_cast<size_t>(key)]);
+    std::string count = std::to_string(row.distinct[static_cast<size_t>(key)]);
     switch (key) {
     case ConnectionKey::process: return count + " programs";
     case ConnectionKey::pid: return count;
@@ -52,18 +52,15 @@ bool isMixed(const ConnectionRow& row, ConnectionKey key) {
 std::string textOf(const ConnectionRow& row, ConnectionKey key) {
     if (isMixed(row, key)) return severalText(row, key);
     const Connection& c = row.shown;
-    const auto orUnknown = [](const std::string& text) {
-        return text.empty() ? std::string(format::unknown) : text;
-    };
     switch (key) {
     case ConnectionKey::process:
-        return row.isGroup() && c.processName.empty() ? "Not known" : orUnknown(c.processName);
+        return row.isGroup() && c.processName.empty() ? "Not known" : format::orUnknown(c.processName);
     case ConnectionKey::pid: return c.pid < 0 ? std::string(format::unknown) : std::to_string(c.pid);
     case ConnectionKey::proto: return c.proto;
     case ConnectionKey::local: return c.local.empty() ? std::string(everyAddress) : c.local;
-    case ConnectionKey::localPort: return orUnknown(c.localPort);
+    case ConnectionKey::localPort: return format::orUnknown(c.localPort);
     case ConnectionKey::remote: return c.hasPeer() ? c.remote : std::string(format::unknown);
-    case ConnectionKey::remotePort: return orUnknown(c.remotePort);
+    case ConnectionKey::remotePort: return format::orUnknown(c.remotePort);
     case ConnectionKey::state:
         return c.state.empty() ? std::string(format::unknown) : ConnectionPresentation::stateText(c.state);
     }

@@ -18,7 +18,6 @@
 namespace quarn::desktop {
 namespace {
 
-constexpr int chartHeight = 190;
 constexpr double volumesEvery = 10; ///< seconds
 
 using Align = TableColumn::Align;
@@ -46,8 +45,6 @@ struct VolumeRow {
         return fields(volume) == fields(other.volume);
     }
 };
-
-QString orUnknown(const std::string& text) { return text.empty() ? QString("—") : toQt(text); }
 
 QString rateText(const std::optional<double>& rate) {
     return rate ? toQt(format::rate(*rate)) : QString("—");
@@ -205,6 +202,8 @@ public:
     }
 
 private:
+    static constexpr int chartHeight = 190;
+
     /// What a volume holds may take long to ask: it is read aside and shown when it came.
     void readVolumes(double now) {
         if (isReading_ || (readAt_ && now - *readAt_ < volumesEvery)) return;

@@ -15,8 +15,6 @@
 namespace quarn::desktop {
 namespace {
 
-constexpr int chartHeight = 190;
-
 struct InterfaceRow {
     std::string name, media, addresses, mac;
     bool up = false;
@@ -28,8 +26,6 @@ struct InterfaceRow {
 
     bool operator==(const InterfaceRow&) const = default;
 };
-
-QString orUnknown(const std::string& text) { return text.empty() ? QString("—") : toQt(text); }
 
 QString rateText(const std::optional<double>& rate, const ReadingStyle& style) {
     return rate ? toQt(networkRateText(*rate, style)) : QString("—");
@@ -144,6 +140,8 @@ public:
     }
 
 private:
+    static constexpr int chartHeight = 190;
+
     static TimeChart::Scale scale(const ReadingStyle& style) {
         return {0, [style](double rate) { return toQt(networkRateText(rate, style)); },
                 style.networkInBits ? 8.0 : 1.0};

@@ -18,8 +18,6 @@
 namespace quarn::desktop {
 namespace {
 
-constexpr int chartHeight = 190;
-
 class PowerPage final : public Page {
 public:
     explicit PowerPage(PageContext& context)
@@ -81,6 +79,8 @@ public:
     }
 
 private:
+    static constexpr int chartHeight = 190;
+
     /// The known parts of what the whole machine draws; the rest of the bar is everything else.
     void showParts(const SCPower& power) {
         std::vector<StackedBar::Part> parts;

@@ -15,7 +15,6 @@
 namespace quarn::desktop {
 namespace {
 
-constexpr int chartHeight = 160;
 constexpr double patience = 10; ///< seconds that sensors may take for their first answer
 
 class SensorsPage final : public Page {
@@ -54,6 +53,8 @@ public:
     }
 
 private:
+    static constexpr int chartHeight = 160;
+
     static TimeChart::Scale scale(const ReadingStyle& style) {
         return {.text = [style](double celsius) { return toQt(temperatureText(celsius, style)); }};
     }

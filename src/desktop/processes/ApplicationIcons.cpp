@@ -28,7 +28,7 @@ QString pictureOf(const QString& icon, const QStringList& dataFolders) {
                                   "icons/hicolor/scalable/apps/%1.svg", "icons/hicolor/64x64/apps/%1.png",
                                   "icons/hicolor/128x128/apps/%1.png", "icons/hicolor/16x16/apps/%1.png",
                                   "pixmaps/%1.png", "pixmaps/%1.svg", "pixmaps/%1.xpm"})
-            if (const QString file = folder + "/" + QString(place).arg(icon); QFile::exists(file))
+            if (QString file = folder + "/" + QString(place).arg(icon); QFile::exists(file))
                 return file;
     return {};
 }

@@ -57,6 +57,8 @@ std::string durationIn(double seconds, std::string_view Span::*form, std::string
 
 } // namespace
 
+std::string orUnknown(std::string_view text) { return std::string(text.empty() ? unknown : text); }
+
 std::string threeDigits(double value) {
     if (!sensible(value)) return std::string(unknown);
     if (value == 0) return "0";

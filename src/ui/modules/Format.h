@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,10 @@ namespace quarn::format {
 
 /// What stands for a reading that is not known.
 inline constexpr std::string_view unknown = "—";
+/// The number that reads as `unknown`.
+inline constexpr double notKnown = std::numeric_limits<double>::quiet_NaN();
+/// `text`, or `unknown` where it is empty.
+std::string orUnknown(std::string_view text);
 
 /// "0.31", "3.21", "32.1", "321": three significant digits of a value below 1000, at most two decimals.
 std::string threeDigits(double value);

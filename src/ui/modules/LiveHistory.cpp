@@ -1,14 +1,14 @@
 #include "ui/modules/LiveHistory.h"
 
+#include "ui/modules/Format.h"
+
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace quarn {
 
 namespace {
 
-constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 constexpr double pauseInTicks = 2.5;
 
 constexpr size_t at(LiveSeries series) { return static_cast<size_t>(series); }
@@ -17,7 +17,7 @@ constexpr size_t at(LiveSeries series) { return static_cast<size_t>(series); }
 
 void LiveHistory::add(const Snapshot& snapshot, const Known& known, double now, double tick) {
     std::array<double, at(LiveSeries::count)> values;
-    values.fill(unknown);
+    values.fill(format::notKnown);
     if (!times_.empty() && now - times_.back() > pauseInTicks * tick) push(std::nextafter(now, 0), values);
     const auto set = [&](LiveSeries series, bool isKnown, double value) {
         if (isKnown) values[at(series)] = value;
@@ -66,7 +66,7 @@ std::vector<double> LiveHistory::peaks(LiveSeries series, double span, size_t co
 
 std::vector<double> LiveHistory::peaks(std::span<const LiveSeries> summands, double span,
                                        size_t count) const {
-    std::vector<double> peaks(count, unknown);
+    std::vector<double> peaks(count, format::notKnown);
     if (times_.empty() || count == 0 || !(span > 0)) return peaks;
     const double slice = span / static_cast<double>(count);
     const double newest = std::floor(times_.back() / slice);

@@ -103,7 +103,7 @@ std::string answerSentence(const ProcessCommand& command, const ProcInfo& proces
                            process.user.view(), process.user.view());
     case ProcessAnswer::failed: return failed + ": the system refused it.";
     }
-    return failed;
+    return {};
 }
 
 } // namespace quarn

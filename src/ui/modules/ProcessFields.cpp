@@ -5,13 +5,10 @@
 #include <array>
 #include <cmath>
 #include <ctime>
-#include <limits>
 
 namespace quarn {
 
 namespace {
-
-constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 
 /// "14:03:22" within the last day, otherwise "2026-03-12 14:03".
 std::string startText(uint64_t seconds, WallTime now) {
@@ -40,9 +37,9 @@ bool isText(ProcessField field) {
 }
 
 double processNumber(const ProcInfo& process, ProcessField field, const Known& known) {
-    const auto measured = [&](double value) { return process.accessible ? value : unknown; };
-    const auto rate = [&](double value) { return known.processRates ? measured(value) : unknown; };
-    const auto diskRate = [&](double value) { return process.ioKnown ? rate(value) : unknown; };
+    const auto measured = [&](double value) { return process.accessible ? value : format::notKnown; };
+    const auto rate = [&](double value) { return known.processRates ? measured(value) : format::notKnown; };
+    const auto diskRate = [&](double value) { return process.ioKnown ? rate(value) : format::notKnown; };
     switch (field) {
     case ProcessField::pid: return static_cast<double>(process.pid);
     case ProcessField::cpu: return rate(process.cpuPercent);
@@ -53,9 +50,9 @@ double processNumber(const ProcInfo& process, ProcessField field, const Known& k
     case ProcessField::threads: return measured(static_cast<double>(process.threads));
     case ProcessField::switches: return rate(process.cswRate);
     case ProcessField::started:
-        return process.startTimeMicros ? static_cast<double>(*process.startTimeMicros) : unknown;
+        return process.startTimeMicros ? static_cast<double>(*process.startTimeMicros) : format::notKnown;
     case ProcessField::parent: return static_cast<double>(process.ppid);
-    default: return unknown;
+    default: return format::notKnown;
     }
 }
 

@@ -1,6 +1,7 @@
 #include "ui/modules/ProcessRows.h"
 
 #include "core/Scan.h"
+#include "ui/modules/LetterCase.h"
 #include "ui/modules/ProcessGroups.h"
 
 #include <algorithm>
@@ -42,13 +43,6 @@ uint16_t changesOf(const ProcInfo& before, const ProcInfo& after) {
     return changed;
 }
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool contains(std::string_view text, std::string_view word) {
-    return std::search(text.begin(), text.end(), word.begin(), word.end(),
-                       [](char a, char b) { return lower(a) == b; }) != text.end();
-}
-
 /// A search, split into lower-case words.
 std::vector<std::string> wordsOf(std::string_view search) {
     std::vector<std::string> words;
@@ -61,8 +55,8 @@ std::vector<std::string> wordsOf(std::string_view search) {
 
 bool matches(const ProcInfo& process, const std::vector<std::string>& words) {
     return std::all_of(words.begin(), words.end(), [&](const std::string& word) {
-        return contains(process.name, word) || contains(process.path, word) || contains(process.user, word) ||
-               scutil::toNumber<int64_t>(word) == process.pid;
+        return containsIgnoringCase(process.name, word) || containsIgnoringCase(process.path, word) ||
+               containsIgnoringCase(process.user, word) || scutil::toNumber<int64_t>(word) == process.pid;
     });
 }
 

@@ -1,5 +1,6 @@
 #include "ui/modules/SettingRows.h"
 
+#include "ui/modules/LetterCase.h"
 #include "ui/settings/PrefTypes.h"
 
 #include <algorithm>
@@ -132,13 +133,6 @@ constexpr SettingRowGroup groups[]{
     {"What needs attention", attention}, {"Units", units},
 };
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool contains(std::string_view text, std::string_view query) {
-    return std::search(text.begin(), text.end(), query.begin(), query.end(),
-                       [](char a, char b) { return lower(a) == lower(b); }) != text.end();
-}
-
 bool has(std::span<const std::string_view> all, std::string_view id) {
     return std::find(all.begin(), all.end(), id) != all.end();
 }
@@ -163,9 +157,9 @@ const SettingRow* settingRow(std::string_view key) {
 
 bool settingMatches(const SettingRowGroup& group, const SettingRow& row, std::string_view query) {
     for (const auto text : {group.title, row.label, row.explanation, row.key})
-        if (contains(text, query)) return true;
+        if (containsIgnoringCase(text, query)) return true;
     return std::any_of(row.choices.begin(), row.choices.end(),
-                       [&](const SettingChoice& choice) { return contains(choice.text, query); });
+                       [&](const SettingChoice& choice) { return containsIgnoringCase(choice.text, query); });
 }
 
 std::vector<ListedItem> listedItems(std::span<const std::string_view> all,

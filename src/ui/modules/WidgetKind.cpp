@@ -6,13 +6,10 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
-#include <limits>
 
 namespace quarn {
 
 namespace {
-
-constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 
 constexpr std::array<std::string_view, allWidgetKinds.size()> ids{"cpu",     "memory", "gpu",  "temperature",
                                                                   "network", "disk",   "power"};
@@ -123,17 +120,17 @@ std::string Reading::caption(WidgetKind kind) const {
 
 std::vector<double> Reading::values(WidgetKind kind) const {
     switch (kind) {
-    case WidgetKind::cpu: return {known.cpu ? snapshot.cpu.total : unknown};
-    case WidgetKind::memory: return {known.memoryParts ? memoryPercent(snapshot.mem) : unknown};
-    case WidgetKind::gpu: return {snapshot.gpu.device >= 0 ? snapshot.gpu.device : unknown};
-    case WidgetKind::temperature: return {temperature.value_or(unknown)};
+    case WidgetKind::cpu: return {known.cpu ? snapshot.cpu.total : format::notKnown};
+    case WidgetKind::memory: return {known.memoryParts ? memoryPercent(snapshot.mem) : format::notKnown};
+    case WidgetKind::gpu: return {snapshot.gpu.device >= 0 ? snapshot.gpu.device : format::notKnown};
+    case WidgetKind::temperature: return {temperature.value_or(format::notKnown)};
     case WidgetKind::network:
-        if (!known.network || !known.rates) return {unknown, unknown};
+        if (!known.network || !known.rates) return {format::notKnown, format::notKnown};
         return {snapshot.net.rxRate, snapshot.net.txRate};
     case WidgetKind::disk:
-        if (!known.disk || !known.rates) return {unknown, unknown};
+        if (!known.disk || !known.rates) return {format::notKnown, format::notKnown};
         return {snapshot.disk.readRate, snapshot.disk.writeRate};
-    case WidgetKind::power: return {snapshot.power.sysWatts > 0 ? snapshot.power.sysWatts : unknown};
+    case WidgetKind::power: return {snapshot.power.sysWatts > 0 ? snapshot.power.sysWatts : format::notKnown};
     }
     return {};
 }
