@@ -64,7 +64,7 @@ QVBoxLayout& Page::content() { return *content_; }
 void Page::contentFills() {
     auto* scroll = static_cast<QScrollArea*>(scroll_);
     scroll->takeWidget();
-    layout()->replaceWidget(scroll, body_);
+    delete layout()->replaceWidget(scroll, body_);
     scroll->deleteLater();
     scroll_ = body_;
     body_->show();
