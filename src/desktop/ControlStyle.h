@@ -4,14 +4,19 @@
 
 namespace quarn::desktop {
 
-/// The style of controls, with check boxes in the theme's colours: the usual ones have outlines that cannot
-/// be seen on a dark surface.
+/// Check boxes, buttons, choices and number fields as the theme has them: flat, with round corners and
+/// outlines that can be seen on a dark surface.
 class ControlStyle final : public QProxyStyle {
 public:
     ControlStyle();
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                        const QWidget* widget) const override;
+    void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option, QPainter* painter,
+                            const QWidget* widget) const override;
+    QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                           const QWidget* widget) const override;
+    int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
 };
 
 } // namespace quarn::desktop

@@ -45,6 +45,7 @@ MainWindow::MainWindow(Monitor& monitor, Prefs& prefs, const LiveHistory& histor
     addShortcuts();
     if (!restoreGeometry(UiState::bytes("window/geometry"))) resize(1200, 800);
     open(firstPage());
+    sidebar_->setFocus();
 }
 
 MainWindow::~MainWindow() = default;

@@ -29,7 +29,7 @@ SearchField::SearchField(Navigator& navigator, Processes processes, QWidget* par
 }
 
 std::vector<SearchField::Hit> SearchField::hits(const QString& typed, const SharedList<ProcInfo>& processes) {
-    constexpr size_t most = 12;
+    constexpr size_t most = 12, mostProcesses = 8; // so that settings are found beside many processes
     std::vector<Hit> found;
     const QString query = typed.trimmed();
     if (query.isEmpty()) return found;
@@ -38,7 +38,7 @@ std::vector<SearchField::Hit> SearchField::hits(const QString& typed, const Shar
             found.push_back({say(page.title), say("Page"), page.id, {}});
     std::set<std::string_view> names;
     for (const auto& process : processes) {
-        if (found.size() >= most) break;
+        if (found.size() >= mostProcesses) break;
         const bool byPid = QString::number(process.pid) == query;
         if (!byPid && !toQt(process.name).contains(query, Qt::CaseInsensitive)) continue;
         if (!byPid && !names.insert(process.name.view()).second) continue;

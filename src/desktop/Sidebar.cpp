@@ -50,6 +50,7 @@ Sidebar::Sidebar(Prefs& prefs, QWidget* parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setUniformItemSizes(false);
     setSpacing(1);
+    setIconSize({18, 18});
     reload();
 }
 

@@ -58,7 +58,8 @@ QPushButton#link { border: 0; padding: 0; background: transparent; color: %link;
 QPushButton#link:hover, QPushButton#link:focus { text-decoration: underline; }
 QFrame#tile:hover, QFrame#tile:focus { border-color: %accent; }
 QLabel[dim="true"] { color: %dim; }
-QLineEdit { background: %surface; border: 1px solid %line; border-radius: 6px; padding: 4px 8px; }
+QLineEdit { background: %surface; border: 1px solid %outline; border-radius: 6px; padding: 4px; }
+QAbstractSpinBox QLineEdit { background: transparent; border: 0; padding: 0 4px; }
 QLineEdit:focus { border-color: %accent; }
 QTreeView, QTableView, QListView { background: %surface; border: 1px solid %line; border-radius: 8px;
   outline: 0; selection-background-color: %selection; selection-color: %text; }
@@ -125,7 +126,7 @@ void Theme::apply() {
     palette.setColor(QPalette::PlaceholderText, dim());
     palette.setColor(QPalette::Mid, line());
     palette.setColor(QPalette::Midlight, line());
-    palette.setColor(QPalette::Highlight, mixed(surface(), accent(), dark_ ? 0.35 : 0.18));
+    palette.setColor(QPalette::Highlight, selection());
     palette.setColor(QPalette::Link, link());
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, dim());
@@ -136,19 +137,23 @@ void Theme::apply() {
     style.replace("%text", text().name());
     style.replace("%surface", surface().name());
     style.replace("%line", line().name());
+    style.replace("%outline", outline().name());
     style.replace("%dim", dim().name());
     style.replace("%accent", accent().name());
     style.replace("%link", link().name());
     style.replace("%warning", warning().name());
     style.replace("%handle", mixed(surface(), text(), 0.25).name());
-    style.replace("%hover", mixed(surface(), text(), 0.05).name());
-    style.replace("%selection", mixed(surface(), accent(), dark_ ? 0.35 : 0.18).name());
+    style.replace("%hover", hover().name());
+    style.replace("%selection", selection().name());
     application_.setStyleSheet(style);
 }
 
 QColor Theme::background() const { return dark_ ? QColor(0x15181C) : QColor(0xF6F7F9); }
 QColor Theme::surface() const { return dark_ ? QColor(0x1D2126) : QColor(0xFFFFFF); }
 QColor Theme::line() const { return dark_ ? QColor(0x2C3138) : QColor(0xE3E6EA); }
+QColor Theme::outline() const { return mixed(surface(), text(), 0.2); }
+QColor Theme::hover() const { return mixed(surface(), text(), 0.05); }
+QColor Theme::selection() const { return mixed(surface(), accent(), dark_ ? 0.35 : 0.18); }
 QColor Theme::text() const { return dark_ ? QColor(0xE6E9ED) : QColor(0x1B1F24); }
 QColor Theme::dim() const { return dark_ ? QColor(0x939CA8) : QColor(0x667080); }
 QColor Theme::accent() const { return kind(WidgetKind::cpu); }
@@ -156,13 +161,12 @@ QColor Theme::link() const { return dark_ ? QColor(0x6CB4E4) : accent(); }
 QColor Theme::warning() const { return dark_ ? QColor(0xF0B429) : QColor(0xB36B00); }
 QColor Theme::critical() const { return dark_ ? QColor(0xF2777A) : QColor(0xC62828); }
 
-QColor Theme::kind(WidgetKind kind, bool second) const {
-    const QColor shown = hueOf(kind, dark_);
-    return second ? mixed(surface(), shown, secondStrength) : shown;
-}
+QColor Theme::kind(WidgetKind kind, bool second) const { return shade(kind, second ? secondStrength() : 1); }
 
 QColor Theme::shade(WidgetKind of, double strength) const {
-    return strength > 0 ? mixed(surface(), kind(of), strength) : line();
+    const QColor hue = hueOf(of, dark_);
+    if (strength > 1) return mixed(hue, Qt::white, strength - 1);
+    return strength > 0 ? mixed(surface(), hue, strength) : line();
 }
 
 QColor Theme::trayText() const { return trayIsDark_ ? QColor(0xF2F4F7) : QColor(0x1B1F24); }

@@ -31,6 +31,9 @@ public:
     QColor background() const; ///< of the window
     QColor surface() const;    ///< of cards and tables
     QColor line() const;       ///< hair lines, grids, frames
+    QColor outline() const;    ///< of what a person can press or type in
+    QColor hover() const;      ///< a surface under the pointer
+    QColor selection() const;
     QColor text() const;
     QColor dim() const; ///< captions, units, what is unknown
     QColor accent() const;
@@ -39,9 +42,10 @@ public:
     QColor critical() const;
     /// The hue of a kind of reading; `second` is that of its second series (system share, sent, written).
     QColor kind(WidgetKind kind, bool second = false) const;
-    /// A weaker hue of a kind, for parts of one whole: 1 is the hue itself; 0 is what is empty.
+    /// The hue of a kind nearer to the surface below 1, for parts of one whole (0 is what is empty), and
+    /// nearer to white above it.
     QColor shade(WidgetKind kind, double strength) const;
-    static constexpr double secondStrength = 0.65; ///< the shade that is the second series
+    double secondStrength() const { return dark_ ? 1.5 : 0.65; } ///< the shade that is the second series
     /// The same for items in the desktop's panel. Panels do not tell their colour: many are dark whatever the
     /// windows are, the others follow the desktop.
     QColor trayText() const;

@@ -81,10 +81,10 @@ TEST_F(DevicePages, SensorsStandUnderTheirPartInTheirUnit) {
     const QModelIndex cpu = tree.index(0, 0);
     EXPECT_EQ(cpu.data().toString(), "CPU");
     ASSERT_EQ(tree.rowCount(cpu), 3);
-    EXPECT_EQ(tree.index(0, 1, cpu).data().toString(), "51.0 °C");
+    EXPECT_EQ(tree.index(1, 1, cpu).data().toString(), "51.0 °C");
     Prefs::shared().fahrenheit.set(true);
     open("sensors", snapshot);
-    EXPECT_EQ(tree.index(0, 1, cpu).data().toString(), "123.8 °F");
+    EXPECT_EQ(tree.index(1, 1, cpu).data().toString(), "123.8 °F");
     Prefs::shared().fahrenheit.reset();
 }
 

@@ -1,5 +1,7 @@
 #include "desktop/SampleMachine.h"
 
+#include "support/TempRoot.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -37,6 +39,31 @@ constexpr std::array programs{
     Program{"bash", "/usr/bin/bash", "ada", 0.1, 5, 0},
     Program{"systemd-journal", "/usr/lib/systemd/systemd-journald", "root", 0.6, 42, 18e3},
     Program{"kworker/u16:2-events_unbound", "", "root", 1.1, 0, 0},
+    Program{"thunderbird", "/usr/lib/thunderbird/thunderbird", "ada", 8, 421, 36e3},
+    Program{"clangd", "/usr/bin/clangd", "ada", 22, 640, 90e3},
+    Program{"ninja", "/usr/bin/ninja", "ada", 2, 9, 4e3},
+    Program{"Xwayland", "/usr/bin/Xwayland", "ada", 4, 96, 0},
+    Program{"tmux: server", "/usr/bin/tmux", "ada", 0.4, 14, 0},
+    Program{"nautilus", "/usr/bin/nautilus", "ada", 1, 118, 0},
+    Program{"wireplumber", "/usr/bin/wireplumber", "ada", 0.5, 22, 0},
+    Program{"gnome-terminal-", "/usr/libexec/gnome-terminal-server", "ada", 3, 74, 0},
+    Program{"evolution-calen", "/usr/libexec/evolution-calendar-factory", "ada", 0.2, 61, 0},
+    Program{"tracker-miner-f", "/usr/libexec/tracker-miner-fs-3", "ada", 1.5, 48, 130e3},
+    Program{"xdg-desktop-por", "/usr/libexec/xdg-desktop-portal", "ada", 0.1, 19, 0},
+    Program{"ssh-agent", "/usr/bin/ssh-agent", "ada", 0.1, 3, 0},
+    Program{"gpg-agent", "/usr/bin/gpg-agent", "ada", 0.1, 4, 0},
+    Program{"NetworkManager", "/usr/sbin/NetworkManager", "root", 0.4, 24, 0},
+    Program{"systemd-resolve", "/usr/lib/systemd/systemd-resolved", "root", 0.3, 13, 0},
+    Program{"systemd-udevd", "/usr/lib/systemd/systemd-udevd", "root", 0.1, 9, 0},
+    Program{"dbus-daemon", "/usr/bin/dbus-daemon", "root", 0.6, 7, 0},
+    Program{"wpa_supplicant", "/usr/sbin/wpa_supplicant", "root", 0.2, 11, 0},
+    Program{"cupsd", "/usr/sbin/cupsd", "root", 0.1, 12, 0},
+    Program{"containerd", "/usr/bin/containerd", "root", 1.2, 58, 7e3},
+    Program{"redis-server", "/usr/bin/redis-server", "root", 0.9, 16, 2e3},
+    Program{"jbd2/nvme0n1p2-8", "", "root", 0.3, 0, 0},
+    Program{"irq/131-iwlwifi", "", "root", 0.7, 0, 0},
+    Program{"rcu_preempt", "", "root", 0.4, 0, 0},
+    Program{"ksoftirqd/3", "", "root", 0.2, 0, 0},
 };
 
 ProcInfo process(size_t index, double tick) {
@@ -151,14 +178,13 @@ Snapshot SampleMachine::at(int tickNumber) const {
     s.power.dramWatts = 1.2;
     s.power.available = true;
     s.powerSource = "Battery";
-    s.temps = {{"TCP1", 48 + 22 * wave(tick, 13)},
-               {"TC01", 51},
-               {"TC02", 49},
-               {"TN01", 38},
-               {"TGA1", 44},
-               {"TA01", 29}};
+    s.temps = {{"TCU1", 48 + 22 * wave(tick, 13)},
+               {"TCU2", 51},
+               {"TCU3", 49},
+               {"TNK1", 38},
+               {"TG41", 44},
+               {"TWl1", 46}};
     s.fanKeys = {{"F0Ac", 1900 + 300 * wave(tick, 14)}};
-    s.voltageKeys = {{"VP01", 12.08}};
     Battery battery;
     battery.present = true;
     battery.percent = 74;
@@ -181,6 +207,57 @@ Snapshot SampleMachine::at(int tickNumber) const {
     s.generation = s.processGeneration = s.disksGeneration = s.interfacesGeneration = 2 + tickNumber;
     s.timestamp = WallTime(std::chrono::seconds(1'700'300'000 + tickNumber));
     return s;
+}
+
+void SampleMachine::capture(TempRoot& root) {
+    constexpr std::string_view hwmon = "sys/class/hwmon/hwmon";
+    const auto chip = [&](int number, std::string_view listing) {
+        root.files(std::string(hwmon) + std::to_string(number), listing);
+    };
+    chip(0, "name=coretemp;temp1_label=Package id 0;temp1_input=61000;temp1_max=100000;temp1_crit=100000;"
+            "temp2_label=Core 0;temp2_input=51000;temp2_max=100000;temp2_crit=100000;"
+            "temp3_label=Core 1;temp3_input=49000;temp3_max=100000;temp3_crit=100000");
+    chip(1, "name=nvme;temp1_label=Composite;temp1_input=38000;temp1_max=81850;temp1_crit=84850");
+    chip(2, "name=amdgpu;temp1_label=edge;temp1_input=44000;temp1_crit=97000");
+    chip(3, "name=thinkpad;fan1_input=2002");
+    chip(4, "name=iwlwifi_1;temp1_input=46000");
+
+    struct Socket {
+        int pid;
+        const char *local, *remote, *state; ///< addresses and states as the kernel writes them
+    };
+    constexpr const char* listening = "0A";
+    constexpr const char* connected = "01";
+    constexpr Socket sockets[]{
+        {1204, "1102000A:A1B2", "0A3364C6:01BB", connected},
+        {1204, "1102000A:A1B4", "0A3364C6:01BB", connected},
+        {1204, "1102000A:A1C0", "117100CB:01BB", connected},
+        {1204, "1102000A:A1C8", "257100CB:01BB", connected},
+        {1204, "1102000A:A1CC", "257100CB:01BB", "08"},
+        {744, "1102000A:C350", "143364C6:03E1", connected},
+        {744, "1102000A:C352", "143364C6:03E1", connected},
+        {744, "1102000A:C360", "2A7100CB:0016", "02"},
+        {448, "0100007F:1538", "00000000:0000", listening},
+        {448, "0100007F:1538", "0100007F:D2F0", connected},
+        {448, "0100007F:1538", "0100007F:D2F2", connected},
+        {596, "00000000:0016", "00000000:0000", listening},
+        {596, "1102000A:0016", "2202000A:E1F4", connected},
+        {522, "1102000A:B4D2", "0C3364C6:01BB", connected},
+        {522, "0100007F:D2F0", "0100007F:1538", connected},
+        {1484, "0100007F:18EB", "00000000:0000", listening},
+        {1447, "00000000:0277", "00000000:0000", listening},
+        {1484, "0100007F:18EB", "0100007F:E000", "06"},
+    };
+    std::string table = "  sl  local_address rem_address   st\n";
+    int inode = 20'000;
+    for (const Socket& socket : sockets) {
+        ++inode;
+        table += "   0: " + std::string(socket.local) + ' ' + socket.remote + ' ' + socket.state +
+                 " 00000000:00000000 00:00000000 00000000  1000        0 " + std::to_string(inode) + " 1 0\n";
+        root.link("proc/" + std::to_string(socket.pid) + "/fd/" + std::to_string(inode),
+                  "socket:[" + std::to_string(inode) + "]");
+    }
+    root.write("proc/net/tcp", table);
 }
 
 LiveHistory SampleMachine::history(int ticks) const {

@@ -6,6 +6,8 @@
 
 namespace quarn::testing {
 
+class TempRoot;
+
 /// A machine with everything: a laptop of eight cores with sensors, battery, GPU, two disks and some traffic.
 /// A pure function of its arguments, so that pictures and tests are the same each time.
 struct SampleMachine {
@@ -18,6 +20,8 @@ struct SampleMachine {
     LiveHistory history(int ticks) const;
 
     static Known known() { return {}; }
+    /// Writes the files that name its sensors and tell of its sockets.
+    static void capture(TempRoot& root);
 };
 
 } // namespace quarn::testing

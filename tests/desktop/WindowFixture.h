@@ -12,9 +12,17 @@ namespace quarn::testing {
 /// The main window over an engine that does not run: tests and pictures hand it its snapshots.
 class WindowFixture {
 public:
-    explicit WindowFixture(LiveHistory history) : history_(std::move(history)) {}
+    explicit WindowFixture(LiveHistory history, sysinfo::SystemRoot root = sysinfo::SystemRoot::host())
+        : history_(std::move(history)),
+          monitor_({.queue = queue_,
+                    .aux = aux_,
+                    .main = main_,
+                    .prefs = Prefs::shared(),
+                    .helper = helper_,
+                    .root = std::move(root)}) {}
 
     desktop::MainWindow& window() { return window_; }
+    Monitor& monitor() { return monitor_; }
 
 private:
     desktop::QtExecutor main_;
@@ -22,8 +30,7 @@ private:
     SerialQueue aux_{"test.aux"};
     NoHelper helper_;
     LiveHistory history_;
-    Monitor monitor_{
-        {.queue = queue_, .aux = aux_, .main = main_, .prefs = Prefs::shared(), .helper = helper_}};
+    Monitor monitor_;
     desktop::MainWindow window_{monitor_, Prefs::shared(), history_};
 };
 

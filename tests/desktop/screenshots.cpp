@@ -4,6 +4,8 @@
 #include "desktop/TrayPictures.h"
 #include "desktop/WindowFixture.h"
 
+#include "support/TempRoot.h"
+
 #include <QApplication>
 #include <QDir>
 #include <cstdio>
@@ -19,13 +21,18 @@ int main(int argc, char** argv) {
     return withApplication(argc, argv, [&] {
         constexpr int seconds = 90;
         const SampleMachine machine;
+        TempRoot root;
+        SampleMachine::capture(root);
         for (const auto theme : {desktop::Theme::Choice::light, desktop::Theme::Choice::dark}) {
             desktop::Theme::current().choose(theme);
             const QString colours = theme == desktop::Theme::Choice::dark ? "dark" : "light";
             if (!drawTrayPictures(folder, colours)) return 1;
             for (const QSize size : {QSize(1200, 800), QSize(900, 600)}) {
-                WindowFixture fixture(machine.history(seconds));
+                WindowFixture fixture(machine.history(seconds), root.root());
                 auto& window = fixture.window();
+                fixture.monitor().start(); // for the names of the sensors
+                while (fixture.monitor().sensors().empty())
+                    QApplication::processEvents(QEventLoop::AllEvents, 10);
                 window.resize(size);
                 window.show();
                 for (const auto& page : desktop::pageTable()) {

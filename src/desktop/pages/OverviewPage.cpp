@@ -69,7 +69,7 @@ OverviewPage::OverviewPage(PageContext& context)
       busiest_(new ApplicationList(GroupOrder::cpu)),
       attention_(new AttentionList) {
     addTool(range_);
-    auto* tiles = new FlowGrid(tileWidth);
+    auto* tiles = new FlowGrid(tileWidth, FlowGrid::Lead::wide);
     for (const WidgetKind kind : allWidgetKinds) {
         auto* tile = tiles_[static_cast<size_t>(kind)] = new Tile(kind);
         connect(tile, &Tile::opened, this, [this, kind] { context_.navigator.open(pageOf(kind)); });

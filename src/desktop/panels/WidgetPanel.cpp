@@ -24,7 +24,7 @@ namespace quarn::desktop {
 namespace {
 
 constexpr int panelGraphHeight = 32, crossSize = 20;
-constexpr int panelCharacters = 29; ///< wide
+constexpr int panelCharacters = 33; ///< wide: "read 99.9 MB/s, write 99.9 MB/s" fits
 
 QString frameKey(WidgetKind kind) { return "panels/" + toQt(widgetKindId(kind)); }
 

@@ -28,8 +28,7 @@ QString pictureOf(const QString& icon, const QStringList& dataFolders) {
                                   "icons/hicolor/scalable/apps/%1.svg", "icons/hicolor/64x64/apps/%1.png",
                                   "icons/hicolor/128x128/apps/%1.png", "icons/hicolor/16x16/apps/%1.png",
                                   "pixmaps/%1.png", "pixmaps/%1.svg", "pixmaps/%1.xpm"})
-            if (QString file = folder + "/" + QString(place).arg(icon); QFile::exists(file))
-                return file;
+            if (QString file = folder + "/" + QString(place).arg(icon); QFile::exists(file)) return file;
     return {};
 }
 
@@ -43,8 +42,9 @@ Images readImages() {
             if (!file.open(QIODevice::ReadOnly)) continue;
             const DesktopEntry entry = parseDesktopEntry(file.read(largestFile).toStdString());
             if (entry.program.empty() || entry.icon.empty() || images.contains(entry.program)) continue;
-            QImageReader reader(pictureOf(QString::fromStdString(entry.icon), dataFolders));
-            const QImage image = reader.read();
+            const QString picture = pictureOf(QString::fromStdString(entry.icon), dataFolders);
+            if (picture.isEmpty()) continue;
+            const QImage image = QImageReader(picture).read();
             if (!image.isNull())
                 images.emplace(entry.program,
                                image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation));

@@ -83,6 +83,7 @@ public:
           isWhole_(std::holds_alternative<int64_t>(setting.storedDefault())),
           box_(new QDoubleSpinBox) {
         adopt(box_);
+        box_->setMinimumHeight(Theme::rowHeight);
         box_->setDecimals(isWhole_ ? 0 : 1);
         box_->setRange(std::max(setting.accepted().least, -1e9), std::min(setting.accepted().most, 1e9));
         if (!unit.isEmpty()) box_->setSuffix(" " + unit);

@@ -24,17 +24,24 @@ ApplicationList::ApplicationList(GroupOrder order, QWidget* parent)
 
 void ApplicationList::refresh(const Snapshot& snapshot, const Known& known, CpuShare share) {
     const auto cores = static_cast<double>(std::max<size_t>(snapshot.cpu.perCore.size(), 1));
-    const auto total = static_cast<double>(std::max<uint64_t>(snapshot.mem.total, 1));
+    const auto groups = topGroups(snapshot.processes, known, order_, rows);
+    // The longest bar is the largest share, but no less than one core.
+    double most = 100;
+    uint64_t largest = 1;
+    for (const auto& group : groups) {
+        most = std::max(most, group.cpuPercent.value_or(0));
+        largest = std::max(largest, group.memBytes.value_or(0));
+    }
     std::vector<Row> list;
-    for (const auto& group : topGroups(snapshot.processes, known, order_, rows)) {
+    for (const auto& group : groups) {
         const double cpu = group.cpuPercent.value_or(0);
         const double shown = share == CpuShare::ofTheMachine ? cpu / cores : cpu;
         const uint64_t bytes = group.memBytes.value_or(0);
         Row row{toQt(group.name.view()),
                 group.processes > 1 ? say("%1 processes").arg(group.processes) : QString(),
-                {{toQt(group.cpuPercent ? format::percent(shown) : format::unknown), cpu / 100 / cores},
+                {{toQt(group.cpuPercent ? format::percent(shown) : format::unknown), cpu / most},
                  {toQt(group.memBytes ? format::memory(bytes) : format::unknown),
-                  static_cast<double>(bytes) / total}}};
+                  static_cast<double>(bytes) / static_cast<double>(largest)}}};
         if (order_ == GroupOrder::memory) std::swap(row.cells[0], row.cells[1]);
         list.push_back(std::move(row));
     }

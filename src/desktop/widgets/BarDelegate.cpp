@@ -53,10 +53,10 @@ void paintBar(QPainter& painter, const QRect& cell, const QModelIndex& index) {
                      faint(theme.kind(kind), theme.isDark() ? 0.42 : 0.26));
 }
 
-QString shownText(const QStyleOptionViewItem& option, const QString& text, int width) {
+QString shownText(const QFontMetrics& metrics, const QString& text, int width) {
     // Most texts fit; measuring without shaping anew is what costs least.
-    if (option.fontMetrics.horizontalAdvance(text) <= width) return text;
-    return option.fontMetrics.elidedText(text, Qt::ElideRight, width);
+    if (metrics.horizontalAdvance(text) <= width) return text;
+    return metrics.elidedText(text, Qt::ElideRight, width);
 }
 
 } // namespace
@@ -85,9 +85,11 @@ void BarDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     const auto alignment = Qt::Alignment(index.data(Qt::TextAlignmentRole).toInt());
     painter->setPen(dim ? theme.dim() : theme.text());
     const QVariant font = index.data(Qt::FontRole);
-    painter->setFont(font.isValid() ? font.value<QFont>().resolve(option.font) : option.font);
-    painter->drawText(area, static_cast<int>(alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
-                      shownText(option, text, area.width()));
+    const QFont shown = font.isValid() ? font.value<QFont>().resolve(option.font) : option.font;
+    painter->setFont(shown);
+    painter->drawText(
+        area, static_cast<int>(alignment | Qt::AlignVCenter) | Qt::TextSingleLine,
+        shownText(font.isValid() ? QFontMetrics(shown) : option.fontMetrics, text, area.width()));
 }
 
 void BarDelegate::paintCapsule(QPainter& painter, const QRect& area, int tone, const QString& text) const {
@@ -112,7 +114,7 @@ void BarDelegate::paintCapsule(QPainter& painter, const QRect& area, int tone, c
     const int sign = option.fontMetrics.horizontalAdvance(capsule.sign + QString("  "));
     const QRect rest = inside.adjusted(sign, 0, 0, 0);
     painter.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
-                     shownText(option, text, rest.width()));
+                     shownText(option.fontMetrics, text, rest.width()));
     painter.restore();
 }
 

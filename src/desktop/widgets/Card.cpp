@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
+#include <QVarLengthArray>
 #include <algorithm>
 
 namespace quarn::desktop {
@@ -49,7 +50,8 @@ void Card::setNote(const QString& note) {
     note_->setVisible(!note.isEmpty());
 }
 
-FlowGrid::FlowGrid(int minimumWidth, QWidget* parent) : QWidget(parent), minimumWidth_(minimumWidth) {
+FlowGrid::FlowGrid(int minimumWidth, Lead lead, QWidget* parent)
+    : QWidget(parent), minimumWidth_(minimumWidth), lead_(lead) {
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
@@ -68,20 +70,32 @@ int FlowGrid::place(int width, bool apply) const {
         if (!child->isHidden()) shown.append(child);
     if (shown.isEmpty()) return 0;
     const int fit = std::max(1, (width + Theme::gap) / (minimumWidth_ + Theme::gap));
-    const int rows = (static_cast<int>(shown.size()) + fit - 1) / fit;
-    const int columns = (static_cast<int>(shown.size()) + rows - 1) / rows; // evenly filled rows
-    const int cell = (width - (columns - 1) * Theme::gap) / columns;
+    const int others = static_cast<int>(shown.size()) - 1;
+    const int least = others + (lead_ == Lead::wide ? 2 : 1);
+    const int rows = (least + fit - 1) / fit;
+    const int columns = (least + rows - 1) / rows; // evenly filled rows
+    const int leadSpan = lead_ == Lead::wide ? columns - others % columns : 1;
+    const auto widthOf = [&](int cells) { return (width + Theme::gap) * cells / columns - Theme::gap; };
     int y = 0;
-    for (int first = 0; first < shown.size(); first += columns) {
-        const int last = std::min(first + columns, static_cast<int>(shown.size()));
+    for (int i = 0; i < shown.size();) {
+        struct Cell {
+            QWidget* child;
+            int first;
+            int span;
+        };
+        QVarLengthArray<Cell, 16> row;
         int height = 0;
-        for (int i = first; i < last; ++i) {
-            const auto* child = shown[i];
-            height = std::max(height, child->hasHeightForWidth() ? child->heightForWidth(cell)
-                                                                 : child->sizeHint().height());
+        for (int column = 0; i < shown.size() && column < columns; ++i) {
+            const int span = std::min(i == 0 ? leadSpan : 1, columns);
+            const int cell = widthOf(span);
+            row.append({shown[i], column, span});
+            height = std::max(height, shown[i]->hasHeightForWidth() ? shown[i]->heightForWidth(cell)
+                                                                    : shown[i]->sizeHint().height());
+            column += span;
         }
-        for (int i = first; apply && i < last; ++i)
-            shown[i]->setGeometry((i - first) * (cell + Theme::gap), y, cell, height);
+        for (const Cell& cell : row)
+            if (apply)
+                cell.child->setGeometry(widthOf(cell.first) + Theme::gap, y, widthOf(cell.span), height);
         y += height + Theme::gap;
     }
     return y - Theme::gap;

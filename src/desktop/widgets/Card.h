@@ -30,11 +30,14 @@ private:
 };
 
 /// Children from left to right, in as many rows as the width needs, each at least `minimum` wide and all of
-/// one row equally wide. Children are owned by this.
+/// one row equally wide. With `Lead::wide` the first spans more, so that every row is full. Children are
+/// owned by this.
 class FlowGrid : public QWidget {
     Q_OBJECT
 public:
-    explicit FlowGrid(int minimumWidth, QWidget* parent = nullptr);
+    enum class Lead { asOthers, wide };
+
+    explicit FlowGrid(int minimumWidth, Lead lead = Lead::asOthers, QWidget* parent = nullptr);
     void add(QWidget* child);
 
     bool hasHeightForWidth() const override { return true; }
@@ -50,6 +53,7 @@ private:
     int place(int width, bool apply) const;
 
     int minimumWidth_;
+    Lead lead_;
     QList<QWidget*> children_;
 };
 

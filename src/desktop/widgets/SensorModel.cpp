@@ -90,7 +90,8 @@ QString SensorModel::text(const Row& row, int column) {
     if (row.section) return column == nameColumn ? say(row.title) : QString();
     const SensorKind& kind = sensorKind(row.kind);
     const auto limit = [&](const std::optional<double>& value) {
-        return value ? toQt(sensorFigure(value, kind, row.style)) : QString();
+        // Of other kinds none is expected.
+        return value || row.kind == 'T' ? toQt(sensorFigure(value, kind, row.style)) : QString();
     };
     switch (column) {
     case valueColumn: return toQt(sensorFigure(row.sensor.value, kind, row.style));

@@ -52,6 +52,7 @@ Tile::Tile(WidgetKind kind, QWidget* parent)
     column->addWidget(figure_);
     column->addWidget(caption_);
     column->addSpacing(Theme::gap - 2);
+    column->addStretch();
     column->addWidget(graph_);
 }
 

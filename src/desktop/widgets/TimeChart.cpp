@@ -220,7 +220,8 @@ void TimeChart::draw() {
         largest = std::max(largest, plot_->show(static_cast<int>(i), times, series, from));
         const QString value = valueText(series.empty() ? std::nan("") : series.back());
         latest.append(lines_.size() == 1 ? value : line.label + ' ' + value);
-        entries.push_back({line.kind, line.second ? Theme::secondStrength : 1, line.label, value});
+        entries.push_back(
+            {line.kind, line.second ? Theme::current().secondStrength() : 1, line.label, value});
     }
     if (legend_) legend_->show(entries);
     setTextValue(this, latest.join(", "));

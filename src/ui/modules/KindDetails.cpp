@@ -43,8 +43,7 @@ void addCpu(const Reading& reading, Lines& lines) {
         lines.push_back({"System", format::percent(snapshot.cpu.system)});
     }
     if (snapshot.loadAvg.size() >= 3)
-        lines.push_back(
-            {"Load of 1, 5, 15 minutes", fmt::format("{:.2f}  {:.2f}  {:.2f}", snapshot.loadAvg[0],
+        lines.push_back({"Load average", fmt::format("{:.2f}  {:.2f}  {:.2f}", snapshot.loadAvg[0],
                                                      snapshot.loadAvg[1], snapshot.loadAvg[2])});
     if (!snapshot.processes.empty())
         lines.push_back({"Processes", fmt::format("{}", snapshot.processes.size())});

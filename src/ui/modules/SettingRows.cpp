@@ -54,7 +54,7 @@ constexpr SettingRow sampling[]{
 
 constexpr SettingRow window[]{
     {"openWindowAtLaunch", "Open the window at launch",
-     "Off, only the status items and panels appear; without a tray the window always opens."},
+     "When off, only the status items and panels appear. Without a tray the window always opens."},
     {"keepRunning", "Run in background",
      "Closing the window leaves the status items and panels running. Without a tray it ends the program."},
     {"rememberPage", "Reopen the last page", "The window opens on the page that was shown last."},
