@@ -222,6 +222,19 @@ void SampleMachine::capture(TempRoot& root) {
     chip(3, "name=thinkpad;fan1_input=2002");
     chip(4, "name=iwlwifi_1;temp1_input=46000");
 
+    std::string processors;
+    for (int core = 0; core < 8; ++core)
+        processors += "processor\t: " + std::to_string(core) +
+                      "\nvendor_id\t: GenuineIntel\nmodel name\t: Intel(R) Core(TM) i7-8565U CPU @ 1.80GHz\n"
+                      "physical id\t: 0\ncore id\t: " +
+                      std::to_string(core) + "\ncpu cores\t: 8\n\n";
+    root.write("proc/cpuinfo", processors);
+    root.write("sys/devices/system/cpu/online", "0-7\n");
+    root.write("sys/devices/system/cpu/possible", "0-7\n");
+    root.files("sys/class/dmi/id", "sys_vendor=Sample;product_name=Sample Book 14;chassis_type=10");
+    root.write("proc/meminfo", "MemTotal:       16777216 kB\n");
+    root.write("etc/os-release", "PRETTY_NAME=\"Debian GNU/Linux 12 (bookworm)\"\n");
+
     struct Socket {
         int pid;
         const char *local, *remote, *state; ///< addresses and states as the kernel writes them

@@ -3,6 +3,7 @@
 #include "desktop/Theme.h"
 #include "desktop/TrayPictures.h"
 #include "desktop/WindowFixture.h"
+#include "monitor/SensorRetention.h"
 
 #include "support/TempRoot.h"
 
@@ -30,9 +31,8 @@ int main(int argc, char** argv) {
             for (const QSize size : {QSize(1200, 800), QSize(900, 600)}) {
                 WindowFixture fixture(machine.history(seconds), root.root());
                 auto& window = fixture.window();
-                fixture.monitor().start(); // for the names of the sensors
-                while (fixture.monitor().sensors().empty())
-                    QApplication::processEvents(QEventLoop::AllEvents, 10);
+                const SensorRetention sensors(fixture.monitor());
+                fixture.monitor().sampleAuxNow(); // for the names of the sensors
                 window.resize(size);
                 window.show();
                 for (const auto& page : desktop::pageTable()) {
