@@ -40,9 +40,8 @@ Desktop::Desktop(Prefs& prefs, sysinfo::SystemRoot root)
 
 Desktop::~Desktop() {
     subscription_.reset();
-    window_.reset(); // pages read from the monitor on queues of their own
-    sensors_.reset();
     window_.reset(); // its pages may still be reading with the monitor
+    sensors_.reset();
 }
 
 void Desktop::start() {

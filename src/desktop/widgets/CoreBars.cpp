@@ -42,9 +42,7 @@ void paintBar(QPainter& painter, const QRectF& whole, double busy, double system
 
 CoreBars::CoreBars(QWidget* parent) : QWidget(parent) {
     setTextValue(this, {});
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    policy.setHeightForWidth(true);
-    setSizePolicy(policy);
+    setMinimumWidth(200);
 }
 
 void CoreBars::show(const std::vector<double>& busy, const std::vector<double>& system) {
@@ -52,16 +50,15 @@ void CoreBars::show(const std::vector<double>& busy, const std::vector<double>& 
     const bool resized = busy.size() != busy_.size();
     busy_ = busy;
     system_ = system;
-    if (resized) updateGeometry();
+    if (resized) fit();
     QStringList spoken;
     for (size_t i = 0; i < std::min(busy_.size(), mostSpoken); ++i) spoken.append(describe(i));
     setTextValue(this, spoken.join("; "));
     update();
 }
 
-int CoreBars::heightForWidth(int width) const { return coreLayout(busy_.size(), width).height(); }
-QSize CoreBars::sizeHint() const { return {600, heightForWidth(600)}; }
-QSize CoreBars::minimumSizeHint() const { return {200, 0}; }
+void CoreBars::fit() { setFixedHeight(coreLayout(busy_.size(), width()).height()); }
+void CoreBars::resizeEvent(QResizeEvent*) { fit(); }
 
 void CoreBars::paintEvent(QPaintEvent*) {
     QPainter painter(this);

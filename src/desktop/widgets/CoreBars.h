@@ -14,17 +14,14 @@ public:
     /// `busy` in percent of each CPU, `system` the kernel's part of it.
     void show(const std::vector<double>& busy, const std::vector<double>& system);
 
-    bool hasHeightForWidth() const override { return true; }
-    int heightForWidth(int width) const override;
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override;
-
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool event(QEvent* event) override;
 
 private:
     QString describe(size_t core) const;
+    void fit(); ///< takes the height that the width needs
 
     std::vector<double> busy_;
     std::vector<double> system_;
