@@ -2,8 +2,10 @@
 #include "desktop/WindowFixture.h"
 #include "desktop/widgets/ApplicationList.h"
 #include "desktop/widgets/AttentionList.h"
+#include "desktop/widgets/Figure.h"
 #include "desktop/widgets/RowButton.h"
 #include "desktop/widgets/Tile.h"
+#include "ui/settings/Prefs.h"
 
 #include <QTest>
 #include <gtest/gtest.h>
@@ -55,6 +57,24 @@ TEST_F(Overview, WhatNeedsAttentionOpensItsPage) {
     EXPECT_TRUE(row->accessibleName().startsWith("Critical: Memory is very short"));
     QTest::keyClick(row, Qt::Key_Return);
     EXPECT_EQ(window.currentPage(), "memory");
+}
+
+TEST_F(Overview, FiguresCrossFadeOnlyWhereThatIsWanted) {
+    auto& figure = *window.findChild<desktop::Figure*>();
+    const auto plain = [&] {
+        desktop::Figure still(figure.parentWidget());
+        still.ensurePolished();
+        still.resize(figure.size());
+        still.setText(figure.text());
+        return still.grab().toImage();
+    };
+    for (const bool wanted : {false, true}) {
+        Prefs::shared().crossfadeValues.set(wanted);
+        window.refresh(SampleMachine{}.at(wanted ? 40 : 50), SampleMachine::known());
+        EXPECT_EQ(figure.grab().toImage() == plain(), !wanted);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return figure.grab().toImage() == plain(); }));
+    }
+    Prefs::shared().crossfadeValues.reset();
 }
 
 } // namespace

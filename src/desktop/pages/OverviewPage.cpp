@@ -115,10 +115,12 @@ void OverviewPage::refresh(const Snapshot& snapshot, const Known& known) {
 
 void OverviewPage::showTiles(const Snapshot& snapshot, const Known& known) {
     const Reading reading{snapshot, known, readingStyle(context_.prefs), representativeTemperature(snapshot)};
-    for (const WidgetKind kind : allWidgetKinds)
-        tiles_[static_cast<size_t>(kind)]->show(
-            toQt(reading.headline(kind)), toQt(reading.caption(kind)),
-            context_.history.peaks(seriesOf(kind), tileSpan, tileColumns));
+    for (const WidgetKind kind : allWidgetKinds) {
+        Tile& tile = *tiles_[static_cast<size_t>(kind)];
+        tile.setCrossfades(context_.prefs.crossfadeValues.get());
+        tile.show(toQt(reading.headline(kind)), toQt(reading.caption(kind)),
+                  context_.history.peaks(seriesOf(kind), tileSpan, tileColumns));
+    }
 }
 
 void OverviewPage::showAttention(const Snapshot& snapshot, const Known& known) {

@@ -3,6 +3,7 @@
 #include "desktop/Theme.h"
 
 #include <QPainter>
+#include <utility>
 
 namespace quarn::desktop {
 
@@ -25,11 +26,17 @@ Parts partsOf(const QString& text) {
 Figure::Figure(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAttribute(Qt::WA_TransparentForMouseEvents);
+    constexpr int fadeMs = 250;
+    fading_.setStartValue(0.0);
+    fading_.setEndValue(1.0);
+    fading_.setDuration(fadeMs);
+    connect(&fading_, &QVariantAnimation::valueChanged, this, qOverload<>(&QWidget::update));
 }
 
 void Figure::setText(const QString& text) {
     if (text == text_) return;
-    text_ = text;
+    former_ = std::exchange(text_, text);
+    crossfades_&& isVisible() ? fading_.start() : fading_.stop();
     update();
 }
 
@@ -42,7 +49,17 @@ QSize Figure::sizeHint() const {
 
 void Figure::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const auto [number, unit] = partsOf(text_);
+    if (fading_.state() == QAbstractAnimation::Running) {
+        const double done = fading_.currentValue().toDouble();
+        painter.setOpacity(1 - done);
+        paintText(painter, former_);
+        painter.setOpacity(done);
+    }
+    paintText(painter, text_);
+}
+
+void Figure::paintText(QPainter& painter, const QString& text) const {
+    const auto [number, unit] = partsOf(text);
     const QFontMetrics big(Theme::figureFont());
     const int baseline = (height() + big.ascent() - big.descent()) / 2;
     const QString shown = big.elidedText(number, Qt::ElideRight, width());

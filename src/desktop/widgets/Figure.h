@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QVariantAnimation>
 #include <QWidget>
 
 namespace quarn::desktop {
@@ -10,6 +11,8 @@ class Figure : public QWidget {
 public:
     explicit Figure(QWidget* parent = nullptr);
     void setText(const QString& text);
+    /// Whether a text blends into the next one.
+    void setCrossfades(bool crossfades) { crossfades_ = crossfades; }
     const QString& text() const { return text_; }
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return {20, sizeHint().height()}; }
@@ -18,7 +21,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void paintText(QPainter& painter, const QString& text) const;
+
     QString text_ = "—";
+    QString former_; ///< while the text takes its place
+    bool crossfades_ = false;
+    QVariantAnimation fading_;
 };
 
 } // namespace quarn::desktop

@@ -56,6 +56,8 @@ Tile::Tile(WidgetKind kind, QWidget* parent)
     column->addWidget(graph_);
 }
 
+void Tile::setCrossfades(bool crossfades) { figure_->setCrossfades(crossfades); }
+
 void Tile::show(const QString& figure, const QString& caption, const std::vector<double>& graph) {
     figure_->setText(figure);
     // A line may end behind a comma only, never between a figure and its unit.

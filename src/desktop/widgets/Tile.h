@@ -17,6 +17,7 @@ class Tile : public QFrame {
     Q_OBJECT
 public:
     explicit Tile(WidgetKind kind, QWidget* parent = nullptr);
+    void setCrossfades(bool crossfades);
     void show(const QString& figure, const QString& caption, const std::vector<double>& graph);
 
     bool hasHeightForWidth() const override { return true; }

@@ -38,6 +38,8 @@ constexpr SettingRow appearance[]{
      "Light, dark, or as the desktop is. Every window, panel and chart follows at once.", choice, themes},
     {"historyRange", "Span of the live graphs",
      "How far back the charts of the pages reach. The last half hour is always kept.", choice, graphSpans},
+    {"crossfadeValues", "Cross-fade changed values",
+     "The large figures of the overview blend from one value into the next."},
     {"flashChanges", "Highlight changed values", "A value that changed lights up briefly."},
 };
 

@@ -21,7 +21,8 @@ std::string stateSentence(const Snapshot& snapshot, const Known& known) {
     if (!known.cpu) return {};
     const size_t cores = snapshot.cpu.perCore.size();
     const double busy = snapshot.cpu.total / 100 * static_cast<double>(cores);
-    if (busy < leastBusy) return cores == 1 ? "The core is idle" : fmt::format("All {} cores are idle", cores);
+    if (busy < leastBusy)
+        return cores == 1 ? "The core is idle" : fmt::format("All {} cores are idle", cores);
     std::string sentence = cores == 1 ? fmt::format("The core is {:.0f} % busy", snapshot.cpu.total)
                                       : fmt::format("{} of {} cores busy", busyCores(busy), cores);
     const auto top = topGroups(snapshot.processes, known, GroupOrder::cpu, 1);
