@@ -50,7 +50,7 @@ void paintBar(QPainter& painter, const QRect& cell, const QModelIndex& index) {
     const auto kind = static_cast<WidgetKind>(index.data(TableRole::barKind).toInt());
     const auto& theme = Theme::current();
     painter.fillRect(QRect(room.left(), room.top(), width, room.height()),
-                     faint(theme.kind(kind), theme.isDark() ? 0.42 : 0.26));
+                     faint(theme.kind(kind), theme.barOpacity()));
 }
 
 QString shownText(const QFontMetrics& metrics, const QString& text, int width) {
