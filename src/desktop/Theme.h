@@ -45,7 +45,7 @@ public:
     /// The hue of a kind nearer to the surface below 1, for parts of one whole (0 is what is empty), and
     /// nearer to white above it.
     QColor shade(WidgetKind kind, double strength) const;
-    float barOpacity() const { return dark_ ? 0.42F : 0.26F; } ///< of bars behind figures
+    float barOpacity() const { return dark_ ? 0.42F : 0.26F; }   ///< of bars behind figures
     double secondStrength() const { return dark_ ? 1.5 : 0.65; } ///< the shade that is the second series
     /// The same for items in the desktop's panel. Panels do not tell their colour: many are dark whatever the
     /// windows are, the others follow the desktop.

@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -136,6 +137,14 @@ TEST_F(SettingsPage, TheSidebarKeepsAPage) {
     }
     EXPECT_EQ(prefs.sidebarLayout.get().hidden.size(), desktop::pageTable().size() - 1);
     EXPECT_EQ(pages.item(pages.count() - 1)->checkState(), Qt::Checked);
+}
+
+TEST_F(SettingsPage, SaysThatThereIsNoTray) {
+    page->show(); // in no desktop at all
+    int notes = 0;
+    for (auto* label : page->findChildren<QLabel*>())
+        notes += label->isVisible() && label->text().contains("has no tray");
+    EXPECT_EQ(notes, 1);
 }
 
 TEST_F(SettingsPage, ASearchLeavesWhatMatches) {

@@ -5,6 +5,7 @@
 #include "desktop/pages/Pages.h"
 #include "desktop/panels/Placement.h"
 #include "desktop/settings/SettingLine.h"
+#include "desktop/tray/Tray.h"
 #include "desktop/widgets/Card.h"
 #include "desktop/widgets/Notice.h"
 #include "ui/settings/Prefs.h"
@@ -44,10 +45,20 @@ public:
 
     void search(const QString& text) override { search_->setText(text); }
 
+protected:
+    void showEvent(QShowEvent* event) override {
+        Page::showEvent(event);
+        for (const auto& group : groups_) {
+            group.note->setText(noteOn(group.table));
+            group.note->setHidden(group.note->text().isEmpty());
+        }
+    }
+
 private:
     struct Group {
         const SettingRowGroup& table;
         Card* card;
+        QLabel* note; ///< what the desktop at hand makes of the group
         std::vector<SettingLine*> lines;
     };
 
@@ -62,7 +73,7 @@ private:
         groups->addWidget(notice_);
         groups->addWidget(nothing_);
         for (const auto& table : settingRowGroups()) {
-            Group group{table, new Card(say(table.title)), {}};
+            Group group{table, new Card(say(table.title)), new QLabel, {}};
             for (const auto& row : table.rows) {
                 auto* setting = prefs_.find(row.key);
                 if (!setting) continue;
@@ -75,12 +86,9 @@ private:
                 group.card->content().addWidget(line);
                 group.lines.push_back(line);
             }
-            if (const QString note = noteOn(table); !note.isEmpty()) {
-                auto* text = new QLabel(note);
-                text->setWordWrap(true);
-                text->setFont(Theme::captionFont());
-                group.card->content().addWidget(text);
-            }
+            group.note->setWordWrap(true);
+            group.note->setFont(Theme::captionFont());
+            group.card->content().addWidget(group.note);
             groups->addWidget(group.card);
             groups_.push_back(std::move(group));
         }
@@ -98,9 +106,13 @@ private:
         content().addLayout(aside);
     }
 
-    /// What the desktop at hand makes of a group.
     static QString noteOn(const SettingRowGroup& group) {
-        return group.title == "Panels" ? placementNotice() : QString();
+        if (group.title == "Panels") return placementNotice();
+        if (group.title == "Status items" && !trayIsThere())
+            return say(
+                "This desktop has no tray, so status items cannot be shown; they appear as soon as there is "
+                "one. Until then the window opens at every launch, and closing it ends Quarn.");
+        return {};
     }
 
     void load() {
