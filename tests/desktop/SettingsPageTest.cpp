@@ -108,6 +108,10 @@ TEST_F(SettingsPage, ChangesByOthersAppear) {
     page->refresh({}, {});
     EXPECT_EQ(control<QComboBox>("keepExited").currentText(), "30 seconds");
     EXPECT_EQ(control<QComboBox>("keepExited").count(), 5);
+    folder.write("keepExited = \n");
+    page->refresh({}, {});
+    EXPECT_TRUE(notice().startsWith("The settings in ")) << notice().toStdString();
+    EXPECT_EQ(control<QComboBox>("keepExited").currentText(), "30 seconds");
 }
 
 TEST_F(SettingsPage, WhatCannotBeStoredIsSaidAndTakenBack) {

@@ -48,8 +48,10 @@ TEST_F(FailureTest, ABrokenFileIsLeftUntilAWriteKeepsItAside) {
     EXPECT_TRUE(contains(log, "cannot be understood (line "));
     EXPECT_EQ(log.find("cannot be understood"), log.rfind("cannot be understood")) << log;
     EXPECT_EQ(folder.text(), "a = 2\nb = [\n");
+    EXPECT_TRUE(contains(store.problem(), "cannot be understood (line "));
 
     store.set("c", true);
+    EXPECT_EQ(store.problem(), "");
     EXPECT_EQ(folder.text("settings.toml.broken-1"), "from before");
     EXPECT_EQ(folder.text("settings.toml.broken-2"), "a = 2\nb = [\n");
     EXPECT_EQ(folder.text(), "# mine\na = 1\nc = true\n");

@@ -39,8 +39,10 @@ public:
     }
 
     void refresh(const Snapshot&, const Known&) override {
-        prefs_.d.values(); // looks whether another program changed the file
         if (prefs_.d.generation() != generation_) load();
+        QString problem = toQt(prefs_.d.problem());
+        if (!problem.isEmpty()) problem[0] = problem[0].toUpper();
+        if (std::exchange(problem_, problem) != problem) notice_->tell(problem);
     }
 
     void search(const QString& text) override { search_->setText(text); }
@@ -155,6 +157,7 @@ private:
     QLabel* nothing_;
     std::vector<Group> groups_;
     uint64_t generation_ = 0;
+    QString problem_; ///< of the file, as told last
 };
 
 } // namespace

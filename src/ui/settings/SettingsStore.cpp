@@ -18,6 +18,7 @@ struct SettingsStore::State {
     uint64_t generation = 0;
     SteadyClock::time_point nextLook; ///< the epoch: the first read looks
     std::string report;               ///< for the log, once the lock is released
+    std::string problem;              ///< of the file as it is now
 
     bool adopt(std::string newText, SettingsValues newValues);
     bool look(const SettingsFile& file);
@@ -40,9 +41,10 @@ bool SettingsStore::State::look(const SettingsFile& file) {
 
 bool SettingsStore::State::take(const SettingsFile& file, SettingsFile::Reading reading) {
     stamp.reset();
+    problem.clear();
     if (reading.state == SettingsFile::State::missing) return adopt({}, {});
     if (reading.state == SettingsFile::State::unreadable) {
-        report =
+        report = problem =
             fmt::format("cannot read the settings in {}: {}. The last known settings or the defaults are "
                         "used, and the file is left alone. Make it readable to use and change settings.",
                         file.path().string(), reading.problem);
@@ -52,7 +54,7 @@ bool SettingsStore::State::take(const SettingsFile& file, SettingsFile::Reading 
     if (reading.text == text) return false;
     auto parsed = parseSettings(reading.text);
     if (!parsed.error) return adopt(std::move(reading.text), std::move(parsed.values));
-    report =
+    report = problem =
         fmt::format("the settings in {} cannot be understood ({}). The last known settings or the defaults "
                     "are used. Mend that line; otherwise the next change of a setting keeps this file under "
                     "another name and starts a new one.",
@@ -98,6 +100,11 @@ uint64_t SettingsStore::generation() const {
     return state_.withValue([](const auto& state) { return state->generation; });
 }
 
+std::string SettingsStore::problem() const {
+    values();
+    return state_.withValue([](const auto& state) { return state->problem; });
+}
+
 void SettingsStore::set(std::string_view key, SettingValue value) {
     update([&](const SettingsValues&) { return SettingChanges{{std::string(key), std::move(value)}}; });
 }
@@ -140,6 +147,7 @@ void SettingsStore::update(const std::function<SettingChanges(const SettingsValu
     changed = state_.withValue([&](const auto& state) {
         const bool differs = state->adopt(*edited, parseSettings(*edited).values);
         state->stamp = stamp;
+        state->problem.clear();
         return differs;
     });
     settle(changed, report);

@@ -52,6 +52,10 @@ public:
     /// Grows with each change of the values, whoever made it.
     uint64_t generation() const;
 
+    /// Why the file that there is now cannot be used, and what to do: what the log was told. Empty when it
+    /// can.
+    std::string problem() const;
+
     /// As long as it is kept, an observer is called.
     using Subscription = std::shared_ptr<const void>;
     /// Calls `changed` on `executor` after each change of the values. Changes by others are found by reading:
