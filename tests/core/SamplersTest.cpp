@@ -185,31 +185,32 @@ KernelProcess process(int32_t pid, uint64_t start, uint64_t cpuNs, uint64_t revi
     return p;
 }
 
-constexpr uint64_t second = 1'000'000'000;
+constexpr uint64_t oneSecond = 1'000'000'000;
 
 TEST(ProcessSampler, ShareOfEachCase) {
     ProcessSampler sampler(SystemRoot("/nowhere"));
-    std::vector<KernelProcess> before{process(1, 10, 5 * second, 1), process(2, 10, 100, 2),
+    std::vector<KernelProcess> before{process(1, 10, 5 * oneSecond, 1), process(2, 10, 100, 2),
                                       process(3, 10, 9000, 3), process(4, 10, 50, 4), process(6, 10, 7, 5)};
-    for (const auto& info : sampler.advance(before, second))
+    for (const auto& info : sampler.advance(before, oneSecond))
         EXPECT_EQ(info.cpuPercent, 0) << "the first call primes";
 
-    std::vector<KernelProcess> after{process(1, 10, 5 * second + 3 * second, 6), // three cores for a second
-                                     process(2, 10, 100, 2),                     // idle: the same revision
-                                     process(3, 11, 9000 + second, 7), // the pid is another process now
-                                     process(4, 10, 40, 8),            // the counter went backwards
-                                     process(5, 10, second, 9),        // new
-                                     process(6, 10, 7 + second, 10)};
+    std::vector<KernelProcess> after{
+        process(1, 10, 5 * oneSecond + 3 * oneSecond, 6), // three cores for a second
+        process(2, 10, 100, 2),                           // idle: the same revision
+        process(3, 11, 9000 + oneSecond, 7),              // the pid is another process now
+        process(4, 10, 40, 8),                            // the counter went backwards
+        process(5, 10, oneSecond, 9),                     // new
+        process(6, 10, 7 + oneSecond, 10)};
     after[5].measured = false;
-    const auto& list = sampler.advance(after, 2 * second);
+    const auto& list = sampler.advance(after, 2 * oneSecond);
     EXPECT_EQ(joinedEach(list, &ProcessInfo::cpuPercent, &ProcessInfo::state),
               "300|Sleeping 0|Sleeping 0|Sleeping 0|Sleeping 0|Sleeping 0|— ");
     EXPECT_FALSE(list[5].accessible);
 
     // Pid 3 is measured against itself from now on.
-    after[2].cpuTimeNs += second / 2;
+    after[2].cpuTimeNs += oneSecond / 2;
     after[2].revision = 11;
-    EXPECT_DOUBLE_EQ(sampler.advance(after, 3 * second)[2].cpuPercent, 50);
+    EXPECT_DOUBLE_EQ(sampler.advance(after, 3 * oneSecond)[2].cpuPercent, 50);
 }
 
 TEST(ProcessSampler, NameRule) {
@@ -238,7 +239,7 @@ TEST(ProcessSampler, StatesAndUsers) {
     }
     table[0].uid = 1000;
     table[1].uid = 4711;
-    EXPECT_EQ(joinedEach(sampler.advance(table, second), &ProcessInfo::state, &ProcessInfo::user),
+    EXPECT_EQ(joinedEach(sampler.advance(table, oneSecond), &ProcessInfo::state, &ProcessInfo::user),
               "Starting|ann Running|4711 Sleeping|root Stopped|root Zombie|root —|root ");
 }
 

@@ -6,6 +6,8 @@
 #include "support/TempRoot.h"
 
 #include <arpa/inet.h>
+#include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -13,6 +15,7 @@
 #include <map>
 #include <netdb.h>
 #include <sys/socket.h>
+#include <thread>
 
 namespace {
 
@@ -182,6 +185,30 @@ TEST(SocketList, FindsSocketsBehindGapsInTheDescriptors) {
     ASSERT_GE(far.get(), 900);
     socket.reset();
     EXPECT_EQ(ofPort(listed(), portOf(far)).size(), 1U);
+}
+
+TEST(SocketList, MissesNoneWhileLowerNumbersComeAndGo) {
+    std::array<UniqueFd, 16> low;
+    const auto openLow = [&] {
+        for (auto& each : low) each.reset(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    };
+    openLow();
+    SocketLister lister(SystemRoot::host());
+    listed(lister); // opens what it keeps
+    const auto highest = bound(SOCK_STREAM, "127.0.0.1");
+    std::atomic<bool> done = false;
+    std::thread opener([&] {
+        while (!done) {
+            for (auto& each : low) each.reset();
+            openLow();
+        }
+    });
+    size_t found = 0;
+    constexpr size_t rounds = 300;
+    for (size_t round = 0; round < rounds; ++round) found += ofPort(listed(lister), portOf(highest)).size();
+    done = true;
+    opener.join();
+    EXPECT_EQ(found, rounds);
 }
 
 TEST(SocketList, ShowsASocketThatIsBoundAndNotUsed) {

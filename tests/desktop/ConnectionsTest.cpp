@@ -2,6 +2,7 @@
 #include "desktop/WindowFixture.h"
 #include "desktop/widgets/TableView.h"
 
+#include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
@@ -59,6 +60,7 @@ TEST_F(ConnectionsPage, ShowsASocketOfThisProcessWithItsState) {
 TEST_F(ConnectionsPage, SelectionStaysWithItsSocketWhileGroupsForm) {
     search(port());
     ASSERT_TRUE(eventually([&] { return texts(localPortColumn).size() == 1; }));
+    QAbstractItemModelTester tester(view().model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
     view().setCurrentIndex(view().model()->index(0, 0));
     QTcpSocket client;
     client.connectToHost(QHostAddress::LocalHost, server_.serverPort());
@@ -66,7 +68,8 @@ TEST_F(ConnectionsPage, SelectionStaysWithItsSocketWhileGroupsForm) {
     // The listener, both ends of the connection, and their group; read by the page's own cadence.
     ASSERT_TRUE(eventually([&] { return texts(localPortColumn).size() == 4; }));
     const QModelIndex current = view().currentIndex();
-    EXPECT_EQ(current.siblingAtColumn(stateColumn).data(), "listening (LISTEN)");
+    EXPECT_EQ(current.siblingAtColumn(stateColumn).data(), "listening (LISTEN)")
+        << (texts(stateColumn) + texts(pidColumn) + texts(localPortColumn)).join(", ").toStdString();
     EXPECT_TRUE(current.parent().isValid());
     EXPECT_TRUE(view().isExpanded(current.parent())) << "a selected row must not vanish in a closed group";
 

@@ -1,8 +1,13 @@
 // Every page of the window over machines of every kind.
+#include "desktop/SearchField.h"
+#include "desktop/Sidebar.h"
 #include "desktop/WindowFixture.h"
+#include "ui/settings/Prefs.h"
 
 #include <QApplication>
 #include <QImage>
+#include <QTest>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace quarn::testing {
@@ -43,6 +48,48 @@ TEST(Window, EveryPageShowsEveryMachine) {
             EXPECT_EQ(window.width(), 900) << "a page forces the window wider";
         }
     }
+}
+
+TEST(Window, OpensAndOrdersPagesAsTheSettingsSay) {
+    Prefs& prefs = Prefs::shared();
+    prefs.rememberPage.set(false);
+    prefs.startPage.set(4);
+    prefs.sidebarLayout.set({{"network", "gone", "overview"}, {"gpu", "memory"}});
+    WindowFixture fixture{LiveHistory()};
+    auto& window = fixture.window();
+    EXPECT_EQ(window.currentPage(), "gpu") << "the fifth of the table, shown in the sidebar or not";
+    const QStringList shown = desktop::sidebarPages(prefs.sidebarLayout.get());
+    EXPECT_EQ(shown.mid(0, 3), (QStringList{"network", "overview", "processes"}));
+    EXPECT_FALSE(shown.contains("gpu"));
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window)) << "shortcuts belong to the active window";
+    QTest::keyClick(&window, Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(window.currentPage(), "network") << "the first of the sidebar";
+
+    prefs.rememberPage.reset();
+    WindowFixture later{LiveHistory()};
+    EXPECT_EQ(later.window().currentPage(), "network") << "the page shown last";
+    for (const char* key : {"startPage", "sidebarLayout"}) prefs.find(key)->reset();
+}
+
+TEST(SearchField, FindsPagesProcessesAndSettings) {
+    const Snapshot snapshot = SampleMachine{}.at(30);
+    const auto first = [&](const char* typed) {
+        const auto hits = desktop::SearchField::hits(typed, snapshot.processes);
+        return hits.empty() ? QString() : hits.front().page + ":" + hits.front().search;
+    };
+    EXPECT_EQ(first("  MEMO "), "memory:");
+    EXPECT_EQ(first("firefox"), "processes:firefox");
+    EXPECT_EQ(first("1204"), "processes:1204") << "by number";
+    EXPECT_EQ(first("fahrenheit"), "settings:fahrenheit");
+    EXPECT_EQ(first("no such thing"), "");
+    EXPECT_EQ(first(" "), "");
+    const auto many = desktop::SearchField::hits("s", snapshot.processes);
+    EXPECT_EQ(
+        std::count_if(many.begin(), many.end(), [](const auto& hit) { return hit.page == "settings"; }) > 0,
+        true)
+        << "many processes leave room for settings";
 }
 
 } // namespace

@@ -119,26 +119,30 @@ void SocketHolders::walk(Holder& holder) {
         struct stat status {};
         if (!folder || ::fstat(folder.get(), &status) != 0) return;
         const auto count = static_cast<uint64_t>(status.st_size);
-        if (probe(holder, folder.get(), count, nextDescriptor)) return;
+        const auto probed = probe(holder, folder.get(), count, nextDescriptor);
+        if (probed == Probed::denied) return;
+        // A process that ran meanwhile may have taken a low number, which then was met instead of a higher
+        // one.
+        if (probed == Probed::all && holder.clock && processClock(holder.pid) == holder.clock) return;
     }
     list(holder, nextDescriptor);
 }
 
 /// Descriptors are numbered from 0 with few gaps, so asking for each number in turn costs a quarter less than
-/// listing them first. True when all `count` were met or the process may not be inspected; false when the
-/// gaps are too many and `nextDescriptor` and those after it are left.
-bool SocketHolders::probe(Holder& holder, int folder, uint64_t count, unsigned& nextDescriptor) {
+/// listing them first. Stops where the gaps are too many: then `nextDescriptor` and those after it are left.
+SocketHolders::Probed SocketHolders::probe(Holder& holder, int folder, uint64_t count,
+                                           unsigned& nextDescriptor) {
     uint64_t found = 0;
     uint64_t missesLeft = count / 2 + 8;
     for (; found < count; ++nextDescriptor) {
         switch (readDescriptor(holder, folder, nextDescriptor)) {
         case Link::present: ++found; break;
-        case Link::denied: return true;
+        case Link::denied: return Probed::denied;
         case Link::missing:
-            if (missesLeft-- == 0) return false;
+            if (missesLeft-- == 0) return Probed::some;
         }
     }
-    return true;
+    return Probed::all;
 }
 
 void SocketHolders::list(Holder& holder, unsigned firstDescriptor) {

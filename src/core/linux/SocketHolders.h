@@ -46,7 +46,8 @@ public:
 private:
     bool listPids();
     void walk(Holder& holder);
-    bool probe(Holder& holder, int folder, uint64_t count, unsigned& nextDescriptor);
+    enum class Probed : uint8_t { all, some, denied };
+    Probed probe(Holder& holder, int folder, uint64_t count, unsigned& nextDescriptor);
     void list(Holder& holder, unsigned firstDescriptor);
     enum class Link : uint8_t { present, missing, denied };
     Link readDescriptor(Holder& holder, int folder, unsigned descriptor);

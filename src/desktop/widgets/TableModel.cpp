@@ -1,6 +1,7 @@
 #include "desktop/widgets/TableModel.h"
 
 #include "desktop/Text.h"
+#include "ui/modules/LetterCase.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,7 +11,6 @@ namespace quarn::desktop {
 
 namespace {
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 std::string_view takeDigits(std::string_view& text) {
