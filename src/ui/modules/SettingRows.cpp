@@ -88,7 +88,7 @@ constexpr SettingRow statusItemRows[]{
 constexpr SettingRow panels[]{
     {"widgets", "Open panels", "Small windows with one reading each, to place anywhere.", moduleChecks},
     {"widgetOpacity", "Opacity of panels", "A panel becomes fully opaque when you hover over it.", share},
-    {"widgetsOnTop", "Keep panels above other windows", "Off, other windows may cover them."},
+    {"widgetsOnTop", "Keep panels above other windows", "When off, other windows may cover them."},
 };
 
 constexpr SettingRow processes[]{
