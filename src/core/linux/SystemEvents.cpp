@@ -51,9 +51,10 @@ public:
 
 private:
     void run() {
-        const auto devices = openDeviceEvents();
+        const auto devices = handlers_.powerSourceChanged ? openDeviceEvents() : scutil::UniqueFd();
         auto bus = platform::SystemBus::connect([this](bool goingToSleep) {
-            if (!goingToSleep && handlers_.wokeUp) handlers_.wokeUp();
+            const auto& handler = goingToSleep ? handlers_.goingToSleep : handlers_.wokeUp;
+            if (handler) handler();
         });
         if (bus && !bus->process()) bus.reset();
         for (;;) {
