@@ -18,9 +18,6 @@ Desktop::Desktop(Prefs& prefs, sysinfo::SystemRoot root)
       monitor_(
           {.queue = queue_, .aux = aux_, .main = main_, .prefs = prefs_, .helper = helper_, .root = root_}),
       profile_(prefs.samplingProfile.get()) {
-    // The first readings are taken while the window is made; they are published later, by the event loop.
-    monitor_.setBackground(!prefs_.openWindowAtLaunch.get());
-    monitor_.start();
     window_ = std::make_unique<MainWindow>(monitor_, prefs_, history_);
     const auto openPage = [this](const QString& page) {
         showWindow();
@@ -48,6 +45,8 @@ Desktop::~Desktop() {
 }
 
 void Desktop::start() {
+    monitor_.setBackground(!prefs_.openWindowAtLaunch.get());
+    monitor_.start();
     statusItems_->prefsChanged();
     panels_->applyPrefs();
     // Without a tray nobody could reach a hidden window.

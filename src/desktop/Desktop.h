@@ -24,8 +24,7 @@ public:
     explicit Desktop(Prefs& prefs, sysinfo::SystemRoot root = sysinfo::SystemRoot::host());
     ~Desktop() override;
 
-    /// Shows the status items, the panels and, unless the settings say not to, the window. Sampling has begun
-    /// with the construction.
+    /// Starts sampling, the status items and panels, and shows the window unless the settings say not to.
     void start();
     /// Has the colours of the setting `appTheme` from now on.
     void followThemeSetting();

@@ -15,10 +15,11 @@ const std::map<std::string, std::set<std::string>> allowed{
     {"HelperKit", {"core"}},
     {"ui/settings", {"HelperKit", "core"}},
     {"monitor", {"ui/settings", "HelperKit", "core"}},
+    {"history", {"monitor", "ui/settings", "HelperKit", "core"}},
     {"inventory", {"monitor", "ui/settings", "HelperKit", "core"}},
     {"ui/modules", {"monitor", "ui/settings", "HelperKit", "core"}},
-    {"desktop", {"inventory", "ui/modules", "monitor", "ui/settings", "HelperKit", "core"}},
-    {"cli", {"inventory", "ui/modules", "monitor", "ui/settings", "HelperKit", "core"}},
+    {"desktop", {"history", "inventory", "ui/modules", "monitor", "ui/settings", "HelperKit", "core"}},
+    {"cli", {"history", "inventory", "ui/modules", "monitor", "ui/settings", "HelperKit", "core"}},
 };
 
 /// The folder that a path below src belongs to; the longest name wins ("ui/settings").

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "monitor/Snapshot.h"
+
+#include <chrono>
+#include <cstdint>
+
+namespace quarn {
+
+inline constexpr int64_t minuteSeconds = 60;
+inline constexpr int64_t hourSeconds = 3600;
+
+/// Whole Unix seconds, rounded down.
+inline int64_t unixSeconds(WallTime time) {
+    return std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
+}
+
+inline WallTime wallTime(int64_t unixSeconds) { return WallTime(std::chrono::seconds(unixSeconds)); }
+
+/// `time` rounded down to a multiple of `step`, also before 1970.
+inline int64_t roundedDown(int64_t time, int64_t step) {
+    const int64_t remainder = time % step;
+    return time - (remainder < 0 ? remainder + step : remainder);
+}
+
+inline int64_t roundedUp(int64_t time, int64_t step) { return roundedDown(time + step - 1, step); }
+
+} // namespace quarn
