@@ -4,8 +4,6 @@
 
 namespace quarn {
 
-namespace {
-
 void mergeField(double& total, double part, MetricsMerge merge) {
     total = merge == MetricsMerge::sum ? total + part : std::max(total, part);
 }
@@ -16,6 +14,8 @@ void mergeField(int64_t& total, int64_t part, MetricsMerge merge) {
     else
         total = std::max(total, part);
 }
+
+namespace {
 
 void mergeField(std::string& total, const std::string& part, MetricsMerge) { total = std::max(total, part); }
 

@@ -73,6 +73,10 @@ struct MetricsFields<AppMetrics> {
 template <class Metrics>
 void mergeInto(Metrics& total, const Metrics& part);
 
+/// The same for the values of one column.
+void mergeField(double& total, double part, MetricsMerge merge);
+void mergeField(int64_t& total, int64_t part, MetricsMerge merge);
+
 extern template void mergeInto(SystemMetrics&, const SystemMetrics&);
 extern template void mergeInto(AppMetrics&, const AppMetrics&);
 

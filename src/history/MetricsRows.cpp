@@ -21,7 +21,23 @@ void readValue(const SQLiteStatement& row, int column, double& value) { value = 
 void readValue(const SQLiteStatement& row, int column, int64_t& value) { value = row.integer(column); }
 void readValue(const SQLiteStatement& row, int column, std::string& value) { value = row.text(column); }
 
+void mergeValue(const SQLiteStatement& row, int column, double& total, MetricsMerge merge) {
+    mergeField(total, row.real(column), merge);
+}
+void mergeValue(const SQLiteStatement& row, int column, int64_t& total, MetricsMerge merge) {
+    mergeField(total, row.integer(column), merge);
+}
+void mergeValue(const SQLiteStatement& row, int column, std::string& total, MetricsMerge) {
+    if (const auto text = row.text(column); text > total) total = text;
+}
+
 } // namespace
+
+void mergeRow(AppMetrics& total, const SQLiteStatement& statement, int first) {
+    for (const auto& field : MetricsFields<AppMetrics>::all)
+        std::visit([&](auto member) { mergeValue(statement, first++, total.*member, field.column.merge); },
+                   field.member);
+}
 
 template <class Metrics>
 void bindMetrics(SQLiteStatement& statement, int first, const Metrics& metrics) {

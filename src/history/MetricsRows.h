@@ -15,6 +15,9 @@ void bindMetrics(SQLiteStatement& statement, int first, const Metrics& metrics);
 template <class Metrics>
 Metrics readMetrics(const SQLiteStatement& statement, int first);
 
+/// Merges the value columns of the current row, from column `first` on, into a total.
+void mergeRow(AppMetrics& total, const SQLiteStatement& statement, int first);
+
 extern template void bindMetrics(SQLiteStatement&, int, const SystemMetrics&);
 extern template void bindMetrics(SQLiteStatement&, int, const AppMetrics&);
 extern template SystemMetrics readMetrics(const SQLiteStatement&, int);

@@ -170,14 +170,12 @@ const std::string& totalSystem(MetricsTable table) {
     return texts[static_cast<size_t>(table)];
 }
 
-const std::string& totalApps() {
+const std::string& readApps() {
     static const auto text =
-        fmt::format("SELECT app_id, {1} FROM (\n"
-                    "SELECT app_id, {0} FROM app_1d WHERE start >= ?1 AND start < ?2 UNION ALL\n"
+        fmt::format("SELECT app_id, {0} FROM app_1d WHERE start >= ?1 AND start < ?2 UNION ALL\n"
                     "SELECT app_id, {0} FROM app_1h WHERE start >= ?3 AND start < ?1 UNION ALL\n"
-                    "SELECT app_id, {0} FROM app_1h WHERE start >= ?2 AND start < ?4\n"
-                    ") GROUP BY app_id",
-                    names<AppMetrics>(), aggregates<AppMetrics>());
+                    "SELECT app_id, {0} FROM app_1h WHERE start >= ?2 AND start < ?4",
+                    names<AppMetrics>());
     return text;
 }
 

@@ -64,9 +64,9 @@ const std::string& rollAppDay();
 const std::string& readSystem(MetricsTable table);
 /// The columns of all rows that began in [?1, ?2) merged into one row.
 const std::string& totalSystem(MetricsTable table);
-/// `app_id` and the merged columns of each application: days that began in [?1, ?2), hours that began in
-/// [?3, ?1) and in [?2, ?4).
-const std::string& totalApps();
+/// `app_id` and the value columns of every application: days that began in [?1, ?2), hours that began in
+/// [?3, ?1) and in [?2, ?4). Within each period in order of `app_id`.
+const std::string& readApps();
 /// `start` and the value columns of application ?1 in [?2, ?3), in order.
 const std::string& readApp(MetricsTable table);
 

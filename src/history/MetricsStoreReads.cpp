@@ -3,6 +3,7 @@
 #include "history/MetricsStore.h"
 
 #include <algorithm>
+#include <map>
 
 namespace quarn {
 
@@ -89,13 +90,25 @@ RecentSystemTotals MetricsStore::recentTotals(WallTime now) {
 }
 
 std::vector<AppTotal> MetricsStore::appTotals(int64_t from, int64_t to) {
-    std::vector<AppTotal> totals;
+    std::map<std::string, AppMetrics, std::less<>> sums;
     db_.snapshot([&] {
         const auto days = MetricsTiers(db_, calendar_).wholeDays(MetricsTable::app_1d, from, to);
-        auto& rows = db_.statement(metrics_sql::totalApps());
+        auto& rows = db_.statement(metrics_sql::readApps());
         rows.bind({days.from, days.to, from, to});
-        while (rows.step()) totals.push_back({std::string(rows.text(0)), readMetrics<AppMetrics>(rows, 1)});
+        // Grouping here takes a third of what it takes SQLite, which sorts all rows: each period's rows are
+        // in order already, so that the next one mostly belongs to the next sum.
+        auto next = sums.end();
+        while (rows.step()) {
+            const auto app = rows.text(0);
+            if (next == sums.end() || next->first != app) next = sums.lower_bound(app);
+            if (next == sums.end() || next->first != app) next = sums.emplace_hint(next, app, AppMetrics());
+            mergeRow(next->second, rows, 1);
+            ++next;
+        }
     });
+    std::vector<AppTotal> totals;
+    totals.reserve(sums.size());
+    for (auto& [app, metrics] : sums) totals.push_back({app, std::move(metrics)});
     return totals;
 }
 
