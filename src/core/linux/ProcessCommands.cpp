@@ -14,10 +14,6 @@ namespace sysinfo::platform {
 
 namespace {
 
-std::string fileOf(const SystemRoot& root, int32_t pid, std::string_view name) {
-    return root.path("proc/" + std::to_string(pid) + "/").append(name);
-}
-
 /// By number, since the C library of the oldest systems has no name for them.
 scutil::UniqueFd openProcess(int32_t pid) {
     return scutil::UniqueFd(static_cast<int>(::syscall(SYS_pidfd_open, pid, 0)));
@@ -33,7 +29,7 @@ ProcessAnswer answerOf(int error) {
 }
 
 bool isStillThere(const SystemRoot& root, const ProcessInstance& process) {
-    const auto text = readTable(fileOf(root, process.pid, "stat"));
+    const auto text = readTable(processFile(root, process.pid, "stat"));
     const auto stat = text ? parseProcessStat(*text) : std::nullopt;
     return stat && startMicros(process.bootTime, stat->startTicks) == process.startTimeMicros;
 }
@@ -41,16 +37,16 @@ bool isStillThere(const SystemRoot& root, const ProcessInstance& process) {
 } // namespace
 
 std::optional<std::vector<std::string>> processCommandLine(const SystemRoot& root, int32_t pid) {
-    const auto text = readTable(fileOf(root, pid, "cmdline"));
+    const auto text = readTable(processFile(root, pid, "cmdline"));
     return text ? std::optional(parseCommandLine(*text)) : std::nullopt;
 }
 
 std::optional<std::string> processWorkingFolder(const SystemRoot& root, int32_t pid) {
-    return readLink(fileOf(root, pid, "cwd"));
+    return readLink(processFile(root, pid, "cwd"));
 }
 
 std::optional<int> processPriority(const SystemRoot& root, int32_t pid) {
-    const auto text = readTable(fileOf(root, pid, "stat"));
+    const auto text = readTable(processFile(root, pid, "stat"));
     const auto stat = text ? parseProcessStat(*text) : std::nullopt;
     return stat ? std::optional(stat->nice) : std::nullopt;
 }
@@ -71,7 +67,7 @@ ProcessAnswer setProcessPriority(const SystemRoot& root, const ProcessInstance& 
     if (!isStillThere(root, process)) return ProcessAnswer::gone;
     // The kernel keeps one value for each thread; new threads take that of their maker.
     int error = 0;
-    for (const auto& thread : listFolder(fileOf(root, process.pid, "task"))) {
+    for (const auto& thread : listFolder(processFile(root, process.pid, "task"))) {
         const auto id = scutil::toNumber<id_t>(thread);
         if (id && ::setpriority(PRIO_PROCESS, *id, nice) != 0 && errno != ESRCH) error = errno;
     }

@@ -6,6 +6,10 @@
 
 namespace sysinfo::platform {
 
+std::string processFile(const SystemRoot& root, int64_t pid, std::string_view name) {
+    return root.path("proc/" + std::to_string(pid) + "/").append(name);
+}
+
 std::optional<ProcessStat> parseProcessStat(std::string_view text) {
     const size_t open = text.find('(');
     const size_t close = text.rfind(')'); // the name itself may hold brackets
@@ -17,13 +21,24 @@ std::optional<ProcessStat> parseProcessStat(std::string_view text) {
     if (state.size() != 1) return {};
     stat.state = state.front();
     // Columns as proc(5) numbers them; the state is the third.
-    enum Column { ppid = 4, utime = 14, stime = 15, nice = 19, threads = 20, starttime = 22 };
+    enum Column {
+        ppid = 4,
+        terminal = 7,
+        flags = 9,
+        utime = 14,
+        stime = 15,
+        nice = 19,
+        threads = 20,
+        starttime = 22
+    };
     for (int column = ppid; column <= starttime; ++column) {
         const std::string_view word = scutil::takeWord(rest);
         if (word.empty()) return {};
         const auto number = [&] { return scutil::toNumber<uint64_t>(word).value_or(0); };
         switch (column) {
         case ppid: stat.ppid = scutil::toNumber<int32_t>(word).value_or(0); break;
+        case terminal: stat.terminal = scutil::toNumber<int32_t>(word).value_or(0); break;
+        case flags: stat.flags = scutil::toNumber<uint32_t>(word).value_or(0); break;
         case utime:
         case stime: stat.cpuTicks += number(); break;
         case nice: stat.nice = scutil::toNumber<int>(word).value_or(0); break;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/SystemRoot.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -8,11 +10,16 @@
 
 namespace sysinfo::platform {
 
+/// The path of a file in the folder that the kernel keeps for a process.
+std::string processFile(const SystemRoot& root, int64_t pid, std::string_view name);
+
 /// What is used of proc/<pid>/stat. `comm` points into the parsed text.
 struct ProcessStat {
     std::string_view comm; ///< raw bytes: may hold blanks, brackets and line feeds
     char state = '?';
     int32_t ppid = 0;
+    int32_t terminal = 0; ///< device number of the controlling terminal, 0 without one
+    uint32_t flags = 0;   ///< the kernel's PF_… bits
     int nice = 0;
     uint64_t cpuTicks = 0; ///< user + system
     uint32_t threads = 0;

@@ -1,8 +1,8 @@
 #include "desktop/processes/ApplicationIcons.h"
 
+#include "core/DesktopEntry.h"
 #include "desktop/Background.h"
 #include "desktop/processes/ProcessQueue.h"
-#include "ui/modules/DesktopEntry.h"
 
 #include <QDir>
 #include <QFile>
@@ -40,13 +40,14 @@ Images readImages() {
         for (const QString& name : menus.entryList({"*.desktop"}, QDir::Files)) {
             QFile file(menus.filePath(name));
             if (!file.open(QIODevice::ReadOnly)) continue;
-            const DesktopEntry entry = parseDesktopEntry(file.read(largestFile).toStdString());
-            if (entry.program.empty() || entry.icon.empty() || images.contains(entry.program)) continue;
+            const auto entry = sysinfo::parseDesktopEntry(file.read(largestFile).toStdString());
+            const std::string program(entry.program());
+            if (program.empty() || entry.icon.empty() || images.contains(program)) continue;
             const QString picture = pictureOf(QString::fromStdString(entry.icon), dataFolders);
             if (picture.isEmpty()) continue;
             const QImage image = QImageReader(picture).read();
             if (!image.isNull())
-                images.emplace(entry.program,
+                images.emplace(program,
                                image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation));
         }
     }
