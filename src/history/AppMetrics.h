@@ -1,6 +1,6 @@
 #pragma once
 
-#include "history/AppActivity.h"
+#include "monitor/AppActivity.h"
 
 #include <cstdint>
 #include <string>

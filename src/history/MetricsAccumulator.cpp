@@ -50,8 +50,6 @@ void MetricsAccumulator::add(const MetricsSample& sample) {
 void MetricsAccumulator::addUnnamed(WallTime at, std::span<const AppActivity> apps) {
     const auto dt = lastProcessList_ ? interval(*lastProcessList_, at) : std::nullopt;
     lastProcessList_ = at;
-    for (const auto& activity : apps)
-        if (activity.growth.energyKnown) energyApps_.emplace(activity.app.view());
     if (!dt || apps.empty()) return;
 
     auto& hour = batch_.apps[roundedDown(unixSeconds(at), hourSeconds)];
@@ -59,7 +57,7 @@ void MetricsAccumulator::addUnnamed(WallTime at, std::span<const AppActivity> ap
         auto& bucket = bucketFor(hour, activity.app);
         bucket.add(activity.growth);
         bucket.seconds += *dt;
-        if (energyApps_.contains(activity.app.view())) bucket.energySeconds += *dt;
+        if (activity.growth.energyKnown) bucket.energySeconds += *dt;
         bucket.memoryByteSeconds += *dt * static_cast<double>(activity.memBytes);
         bucket.peakMemoryBytes = std::max(bucket.peakMemoryBytes, byteCount(activity.memBytes));
     }

@@ -21,7 +21,7 @@ public:
 
     /// The first sample only sets the reference point.
     void add(const MetricsSample& sample);
-    /// One process list, grouped by application: each application is in it once.
+    /// One process list, added up by application: each application is in it once.
     void addUnnamed(WallTime at, std::span<const AppActivity> apps);
     /// What applications received and sent between two moments.
     void addUnnamed(std::span<const AppTraffic> traffic, WallTime from, WallTime to);
@@ -44,7 +44,6 @@ private:
     std::optional<WallTime> lastProcessList_;
     Names names_;
     std::set<std::string, std::less<>> unnamedApps_;
-    std::set<std::string, std::less<>> energyApps_; ///< that ever told their energy
 };
 
 } // namespace quarn

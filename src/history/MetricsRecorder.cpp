@@ -55,7 +55,7 @@ void MetricsRecorder::start(bool enabled) {
 
 void MetricsRecorder::setRecording(bool recording) {
     if (recording == isRecording_) return;
-    forgetGathered();
+    accumulator_.set({});
     timer_.reset();
     timerBegun_ = false;
     isRecording_ = recording;
@@ -67,46 +67,41 @@ void MetricsRecorder::setRecording(bool recording) {
     });
 }
 
-void MetricsRecorder::forgetGathered() {
-    gathered_.withValue([](Gathered& gathered) { gathered = {}; });
-}
-
 void MetricsRecorder::record(const Snapshot& snapshot) {
     if (!isRecording_) return;
     const MetricsSample sample(snapshot);
-    const bool newProcesses = gathered_.withValue([&](Gathered& gathered) {
-        gathered.accumulator.add(sample);
-        return std::exchange(gathered.lastProcessGeneration, snapshot.processGeneration) !=
-               snapshot.processGeneration;
-    });
-    if (!newProcesses || !setup_.appsOf) return;
-    const auto apps = setup_.appsOf(snapshot);
-    const bool unnamed = gathered_.withValue([&](Gathered& gathered) {
-        gathered.accumulator.addUnnamed(snapshot.timestamp, apps);
-        return !gathered.accumulator.unnamedApps().empty();
+    accumulator_.withValue([&](MetricsAccumulator& accumulator) { accumulator.add(sample); });
+}
+
+void MetricsRecorder::addApps(WallTime at, std::span<const AppActivity> apps) {
+    if (!isRecording_) return;
+    const bool unnamed = accumulator_.withValue([&](MetricsAccumulator& accumulator) {
+        accumulator.addUnnamed(at, apps);
+        return !accumulator.unnamedApps().empty();
     });
     if (unnamed) post([this] { resolveNames(); });
 }
 
 void MetricsRecorder::add(std::span<const AppTraffic> networkGrowth, WallTime from, WallTime to) {
     if (!isRecording_) return;
-    gathered_.withValue(
-        [&](Gathered& gathered) { gathered.accumulator.addUnnamed(networkGrowth, from, to); });
+    accumulator_.withValue(
+        [&](MetricsAccumulator& accumulator) { accumulator.addUnnamed(networkGrowth, from, to); });
 }
 
 /// Looks for names without holding the lock, since that may take a while.
 void MetricsRecorder::resolveNames() {
     if (!setup_.nameOf) return;
-    const auto unnamed =
-        gathered_.withValue([](const Gathered& gathered) { return gathered.accumulator.unnamedApps(); });
+    const auto unnamed = accumulator_.withValue(
+        [](const MetricsAccumulator& accumulator) { return accumulator.unnamedApps(); });
     MetricsAccumulator::Names names;
     for (const auto& app : unnamed) names.emplace(app, setup_.nameOf(app));
-    gathered_.withValue([&](Gathered& gathered) { gathered.accumulator.name(names); });
+    accumulator_.withValue([&](MetricsAccumulator& accumulator) { accumulator.name(names); });
 }
 
 void MetricsRecorder::writePending() {
     resolveNames();
-    const auto batch = gathered_.withValue([](Gathered& gathered) { return gathered.accumulator.drain(); });
+    const auto batch =
+        accumulator_.withValue([](MetricsAccumulator& accumulator) { return accumulator.drain(); });
     keeper_.write(batch, setup_.now());
 }
 
@@ -123,13 +118,13 @@ void MetricsRecorder::flush(Wait wait) {
 void MetricsRecorder::willSleep() { flush(Wait::no); }
 
 void MetricsRecorder::didWake() {
-    gathered_.withValue([](Gathered& gathered) { gathered.accumulator.forgetReferences(); });
+    accumulator_.withValue([](MetricsAccumulator& accumulator) { accumulator.forgetReferences(); });
 }
 
 void MetricsRecorder::clear(std::function<void(std::optional<std::string>)> completion) {
     post([this, completion = std::move(completion)] {
         std::optional<std::string> problem;
-        forgetGathered();
+        accumulator_.set({});
         try {
             keeper_.clear();
         } catch (const std::exception& error) {
@@ -191,6 +186,13 @@ void MetricsRecorder::recentTotals(Completion<std::optional<RecentSystemTotals>>
         completion(read<RecentSystemTotals>([&](MetricsStore& store) {
                        return store.recentTotals(setup_.now());
                    }).values);
+    });
+}
+
+void MetricsRecorder::ask(HistoryQuestion question, Completion<MetricsRead<HistoryAnswer>> completion) {
+    post([this, question = std::move(question), completion = std::move(completion)] {
+        completion(read<HistoryAnswer>(
+            [&](MetricsStore& store) { return readHistory(store, question, setup_.now()); }));
     });
 }
 

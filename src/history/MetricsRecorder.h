@@ -3,6 +3,7 @@
 #include "HelperKit/Locked.h"
 #include "HelperKit/Queue.h"
 #include "history/HistoryFiles.h"
+#include "history/HistoryReads.h"
 #include "history/MetricsAccumulator.h"
 #include "history/MetricsStoreKeeper.h"
 #include "ui/settings/SettingsStore.h"
@@ -24,9 +25,6 @@ struct MetricsRecorderSetup {
     Prefs& prefs;
     std::filesystem::path file = metricsFile();
 
-    /// Groups a new process list by application and says what each used since the list before. Called by
-    /// `record`, on its thread, once for each list.
-    std::function<std::vector<AppActivity>(const Snapshot&)> appsOf = {};
     /// The name of an application for people. Called on the queue; may touch the file system.
     std::function<std::string(const std::string& app)> nameOf = {};
     /// Called on the queue whenever the status changes.
@@ -45,9 +43,10 @@ struct MetricsRecorderSetup {
 /// Records the long-term history: gathers what snapshots say, writes it once a minute, and answers what the
 /// pages ask about the past.
 ///
-///     MetricsRecorder recorder({.queue = queue, .prefs = prefs, .appsOf = …, .nameOf = …});
+///     MetricsRecorder recorder({.queue = queue, .prefs = prefs, .nameOf = …});
 ///     recorder.start(prefs.saveMetricsHistory.get());
-///     monitor.observe([&](const Snapshot& snapshot) { recorder.record(snapshot); });
+///     apps.observeActivity([&](WallTime at, auto activity) { recorder.addApps(at, activity); });
+///     monitor.observe([&](const Snapshot& snapshot) { recorder.record(snapshot), apps.take(snapshot); });
 ///
 /// Records while the preference `saveMetricsHistory` is on. Nothing here fails: what went wrong is logged and
 /// in `status`, and reads answer `failed` or nothing. All calls return at once but where they say otherwise;
@@ -66,8 +65,10 @@ public:
     /// main thread.
     void start(bool enabled);
 
-    /// Called for every snapshot, on one thread; costs no input or output.
+    /// Called for every snapshot; costs no input or output. Any thread.
     void record(const Snapshot& snapshot);
+    /// Called for every process list, added up by application (AppWatch). Any thread.
+    void addApps(WallTime at, std::span<const AppActivity> apps);
     /// What applications received and sent between two moments. Any thread.
     void add(std::span<const AppTraffic> networkGrowth, WallTime from, WallTime to);
 
@@ -87,6 +88,8 @@ public:
     void appSeries(std::string appId, TopAppsRange over,
                    Completion<std::optional<std::vector<AppPoint>>> completion);
     void recentTotals(Completion<std::optional<RecentSystemTotals>> completion);
+    /// All that a view of the history shows, at one time.
+    void ask(HistoryQuestion question, Completion<MetricsRead<HistoryAnswer>> completion);
 
     /// How recording is going. Any thread.
     HistoryStatus status() const { return status_.get(); }
@@ -97,13 +100,7 @@ public:
     void didWake();
 
 private:
-    struct Gathered {
-        MetricsAccumulator accumulator;
-        int64_t lastProcessGeneration = 0;
-    };
-
     void post(std::function<void()> work);
-    void forgetGathered();
 
     // All below runs on the queue.
     void setRecording(bool recording);
@@ -113,7 +110,7 @@ private:
     MetricsRead<T> read(const Ask& ask);
 
     MetricsRecorderSetup setup_;
-    Locked<Gathered> gathered_;
+    Locked<MetricsAccumulator> accumulator_;
     Locked<HistoryStatus> status_;
     std::atomic<bool> isRecording_{false};
     MetricsStoreKeeper keeper_;

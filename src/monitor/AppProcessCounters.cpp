@@ -12,23 +12,22 @@ uint64_t grown(uint64_t before, uint64_t now) { return now > before ? now - befo
 } // namespace
 
 void AppProcessCounters::begin(size_t expecting) {
-    std::swap(baselines_, next_);
+    std::swap(baselines_, before_);
     const auto byPid = [](const Baseline& a, const Baseline& b) { return a.pid < b.pid; };
-    if (!std::is_sorted(baselines_.begin(), baselines_.end(), byPid))
-        std::sort(baselines_.begin(), baselines_.end(), byPid);
-    next_.clear();
-    next_.reserve(expecting);
-    energyApps_.clear();
+    if (!std::is_sorted(before_.begin(), before_.end(), byPid))
+        std::sort(before_.begin(), before_.end(), byPid);
+    baselines_.clear();
+    baselines_.reserve(expecting);
     at_ = 0;
 }
 
 const AppProcessCounters::Baseline* AppProcessCounters::find(int64_t pid) {
-    while (at_ < baselines_.size() && baselines_[at_].pid < pid) ++at_;
-    if (at_ < baselines_.size() && baselines_[at_].pid == pid) return &baselines_[at_++];
+    while (at_ < before_.size() && before_[at_].pid < pid) ++at_;
+    if (at_ < before_.size() && before_[at_].pid == pid) return &before_[at_++];
     const auto found =
-        std::lower_bound(baselines_.begin(), baselines_.end(), pid,
+        std::lower_bound(before_.begin(), before_.end(), pid,
                          [](const Baseline& each, int64_t wanted) { return each.pid < wanted; });
-    return found != baselines_.end() && found->pid == pid ? &*found : nullptr;
+    return found != before_.end() && found->pid == pid ? &*found : nullptr;
 }
 
 AppProcessCounters::Growth AppProcessCounters::growthBetween(const Baseline& before, const ProcInfo& now) {
@@ -45,35 +44,28 @@ AppProcessCounters::Growth AppProcessCounters::growthBetween(const Baseline& bef
     return growth;
 }
 
-void AppProcessCounters::record(const ProcInfo& process, const Text& app, const OnGrowth& onGrowth) {
+AppProcessCounters::Growth AppProcessCounters::record(const ProcInfo& process) {
     const Baseline* before = find(process.pid);
-    if (before && before->start == process.startTimeMicros) {
-        const Growth growth = growthBetween(*before, process);
-        if (growth.energyKnown) energyApps_.insert(app);
-        const bool didAnything = (growth.cpuNs | growth.diskRead | growth.diskWrite | growth.contextSwitches |
-                                  growth.energyNj) != 0;
-        if (didAnything) onGrowth(app, growth);
-    }
-    next_.push_back({process.pid, process.startTimeMicros, process.accessible, process.ioKnown,
-                     process.cpuTimeNs, process.diskRead, process.diskWrite, process.contextSwitches,
-                     process.energyNj});
+    const bool isSame = before && before->start == process.startTimeMicros;
+    baselines_.push_back({process.pid, process.startTimeMicros, process.accessible, process.ioKnown,
+                          process.cpuTimeNs, process.diskRead, process.diskWrite, process.contextSwitches,
+                          process.energyNj});
+    return isSame ? growthBetween(*before, process) : Growth();
 }
 
-void AppProcessCounters::sample(std::span<const ProcInfo> processes, std::span<const ProcessOwner> owners,
-                                Memory& memory, const OnGrowth& onGrowth) {
+std::span<const AppActivity> AppProcessCounters::sample(std::span<const ProcInfo> processes,
+                                                        std::span<const ProcessOwner> owners) {
     const size_t count = std::min(processes.size(), owners.size());
     begin(count);
-    memBytes_.clear();
+    apps_.clear();
+    activity_.clear();
     for (size_t i = 0; i < count; ++i) {
         const size_t number = apps_.number(owners[i].app);
-        if (number == memBytes_.size()) memBytes_.push_back(0);
-        memBytes_[number] += processes[i].memBytes;
-        record(processes[i], owners[i].app, onGrowth);
+        if (number == activity_.size()) activity_.push_back({owners[i].app, 0, {}});
+        activity_[number].memBytes += processes[i].memBytes;
+        activity_[number].growth += record(processes[i]);
     }
-    memory.clear();
-    for (size_t number = 0; number < apps_.size(); ++number)
-        memory.emplace(apps_.text(number), memBytes_[number]);
-    apps_.clear(); // it points into the list of owners
+    return activity_;
 }
 
 } // namespace quarn

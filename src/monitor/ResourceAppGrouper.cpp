@@ -4,11 +4,6 @@
 
 namespace quarn {
 
-namespace {
-constexpr size_t appLimit = 10;
-constexpr size_t processLimit = 10;
-} // namespace
-
 double wallSeconds() {
     return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
@@ -20,12 +15,12 @@ ResourceAppGrouper::ResourceAppGrouper(std::shared_ptr<AppOwnerIndex> index,
       wallSeconds_(std::move(wallSeconds)) {}
 
 ResourceAppList ResourceAppGrouper::list(ResourceKind kind, std::span<const ProcInfo> processes,
-                                         const NetworkRates& network) {
-    const auto owners = owners_.update(processes, wallSeconds_());
+                                         const NetworkRates& network, Limits limits) {
+    const auto owners = update(processes);
     names_.trim();
     if (std::exchange(revision_, owners_.revision()) != owners_.revision()) names_.clear();
     return ResourceAppList::make(
-        kind, processes, network, appLimit, processLimit,
+        kind, processes, network, limits.apps, limits.processes,
         [&](const ProcInfo& process) -> std::string_view {
             const auto& bundle = owners[static_cast<size_t>(&process - processes.data())].bundle;
             return bundle ? bundle->view() : std::string_view();

@@ -17,11 +17,25 @@ public:
     explicit ResourceAppGrouper(std::shared_ptr<AppOwnerIndex> index,
                                 std::function<double()> wallSeconds = quarn::wallSeconds);
 
-    /// The ten applications that use most of one resource, with up to ten processes each. `processes` ascend
-    /// by pid. Processes that are new to it are read of (about 10 µs each).
-    ResourceAppList list(ResourceKind kind, std::span<const ProcInfo> processes, const NetworkRates& network);
+    struct Limits {
+        size_t apps = 10;
+        size_t processes = 10; ///< of each application
+        static constexpr Limits none() { return {SIZE_MAX, SIZE_MAX}; }
+    };
+    /// The applications that use most of one resource. `processes` ascend by pid. Processes that are new to
+    /// it are read of (about 10 µs each).
+    ResourceAppList list(ResourceKind kind, std::span<const ProcInfo> processes,
+                         const NetworkRates& network) {
+        return list(kind, processes, network, Limits());
+    }
+    ResourceAppList list(ResourceKind kind, std::span<const ProcInfo> processes, const NetworkRates& network,
+                         Limits limits);
 
-    const ProcessOwners& owners() const { return owners_; }
+    /// Notes a list without grouping it: one owner for each process, in the same order, valid until the next
+    /// list.
+    std::span<const ProcessOwner> update(std::span<const ProcInfo> processes) {
+        return owners_.update(processes, wallSeconds_());
+    }
     const AppNameCache& names() const { return names_; }
 
 private:

@@ -17,7 +17,7 @@ const std::map<std::string, std::set<std::string>> allowed{
     {"monitor", {"ui/settings", "HelperKit", "core"}},
     {"history", {"monitor", "ui/settings", "HelperKit", "core"}},
     {"inventory", {"monitor", "ui/settings", "HelperKit", "core"}},
-    {"ui/modules", {"monitor", "ui/settings", "HelperKit", "core"}},
+    {"ui/modules", {"history", "monitor", "ui/settings", "HelperKit", "core"}},
     {"desktop", {"history", "inventory", "ui/modules", "monitor", "ui/settings", "HelperKit", "core"}},
     {"cli", {"history", "inventory", "ui/modules", "monitor", "ui/settings", "HelperKit", "core"}},
 };

@@ -111,7 +111,8 @@ TEST(MetricsAccumulator, ChargesApplicationsByTheHour) {
     const AppGrowth work{2'000'000'000, 1'500'000, 500'000, 2000, 3'000'000'000, true};
     list(fullHour - 10, {{"/editor", 100, {}}});
     list(fullHour - 5, {{"/editor", 100, work}, {"/shell", 7, {}}});
-    list(fullHour, {{"/editor", 40, {}}});         // told its energy before: that it used none now is known
+    const AppGrowth rest{.energyKnown = true};
+    list(fullHour, {{"/editor", 40, rest}});       // that it used no energy is known
     list(fullHour + 100, {{"/editor", 40, work}}); // after a hole
     accumulator.name({{"/editor", "Editor"}});
     const auto batch = accumulator.drain();

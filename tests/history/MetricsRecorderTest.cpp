@@ -28,10 +28,6 @@ public:
             MetricsRecorderSetup{.queue = queue,
                                  .prefs = prefs,
                                  .file = file_,
-                                 .appsOf =
-                                     [](const Snapshot&) {
-                                         return std::vector<AppActivity>{{"/editor", 100, {}}};
-                                     },
                                  .nameOf = [](const std::string& app) { return "Name of " + app; },
                                  .sleepNotices = MetricsRecorderSetup::SleepNotices::none,
                                  .now = [this] { return clock; },
@@ -42,10 +38,10 @@ public:
     void tick() {
         Snapshot snapshot;
         snapshot.timestamp = clock;
-        snapshot.processGeneration = ++generation_;
         snapshot.cpu.total = 50;
         snapshot.mem.total = snapshot.mem.used = 1000;
         recorder->record(snapshot);
+        recorder->addApps(clock, std::vector<AppActivity>{{"/editor", 100, {}}});
     }
     /// `count` ticks, a second apart.
     void run(int count) {
@@ -82,7 +78,6 @@ public:
 
 private:
     std::filesystem::path file_;
-    int64_t generation_ = 0;
 };
 
 TEST(MetricsRecorder, WritesOnceAMinuteAndAtTheEnd) {
@@ -334,22 +329,18 @@ TEST(MetricsRecorder, WorksAcrossThreads) {
     SettingsStore settings(home.path() / "settings.toml");
     Prefs prefs(settings);
     SerialQueue queue("com.kelmora.quarn.metrics");
-    MetricsRecorder recorder({.queue = queue,
-                              .prefs = prefs,
-                              .file = folder.file(),
-                              .appsOf =
-                                  [](const Snapshot&) {
-                                      return std::vector<AppActivity>{{"/editor", 1, {}}};
-                                  },
-                              .nameOf = [](const std::string& app) { return app; }});
+    MetricsRecorder recorder(
+        {.queue = queue, .prefs = prefs, .file = folder.file(), .nameOf = [](const std::string& app) {
+             return app;
+         }});
     recorder.start(true);
     queue.sync([] {});
     Snapshot snapshot;
     snapshot.timestamp = std::chrono::system_clock::now();
     for (int i = 0; i < 100; ++i) {
         snapshot.timestamp += 1s;
-        ++snapshot.processGeneration;
         recorder.record(snapshot);
+        recorder.addApps(snapshot.timestamp, std::vector<AppActivity>{{"/editor", 1, {}}});
         if (i % 10 == 0) recorder.flush(MetricsRecorder::Wait::no);
         if (i % 30 == 0) recorder.didWake();
         (void)recorder.status();

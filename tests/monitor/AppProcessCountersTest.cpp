@@ -21,52 +21,42 @@ ProcInfo process(int64_t pid, uint64_t counters, uint64_t start = 1) {
 /// Runs rounds over lists in which the application of a process is "a" for even pids and "b" for odd ones.
 struct Rounds {
     AppProcessCounters counters;
-    AppProcessCounters::Memory memory;
-    std::map<std::string, AppProcessCounters::Growth> grown;
-    int calls = 0;
+    std::map<std::string, AppActivity> apps; ///< of the latest round
 
     void round(const std::vector<ProcInfo>& processes) {
         std::vector<ProcessOwner> owners(processes.size());
         for (size_t i = 0; i < owners.size(); ++i) owners[i].app = processes[i].pid % 2 == 0 ? "a" : "b";
-        grown.clear();
-        calls = 0;
-        counters.sample(processes, owners, memory, [&](const Text& app, const auto& growth) {
-            auto& sum = grown[std::string(app.view())];
-            sum.cpuNs += growth.cpuNs;
-            sum.diskRead += growth.diskRead;
-            sum.diskWrite += growth.diskWrite;
-            sum.contextSwitches += growth.contextSwitches;
-            sum.energyNj += growth.energyNj;
-            sum.energyKnown |= growth.energyKnown;
-            ++calls;
-        });
+        apps.clear();
+        for (const auto& each : counters.sample(processes, owners))
+            EXPECT_TRUE(apps.emplace(each.app.view(), each).second) << "twice";
     }
+    const AppGrowth& grown(const char* app) { return apps[app].growth; }
 };
 
 TEST(AppProcessCounters, ChargeWhatHappenedSinceTheListBefore) {
     Rounds rounds;
     rounds.round({process(2, 100), process(4, 50), process(5, 7)});
-    EXPECT_EQ(rounds.calls, 0); // a first list is only where counting starts
-    EXPECT_EQ(rounds.memory.at("a"), 20U);
-    EXPECT_EQ(rounds.memory.at("b"), 10U);
+    EXPECT_EQ(rounds.grown("a").cpuNs, 0U); // a first list is only where counting starts
+    EXPECT_EQ(rounds.apps["a"].memBytes, 20U);
+    EXPECT_EQ(rounds.apps["b"].memBytes, 10U);
 
     rounds.round({process(2, 110), process(3, 900), process(4, 51), process(5, 7)});
-    EXPECT_EQ(rounds.calls, 2); // neither the new one nor the idle one
-    EXPECT_EQ(rounds.grown["a"].cpuNs, 11U);
-    EXPECT_EQ(rounds.grown["a"].diskRead, 22U);
-    EXPECT_EQ(rounds.grown["a"].diskWrite, 33U);
-    EXPECT_EQ(rounds.grown["a"].contextSwitches, 44U);
+    EXPECT_EQ(rounds.grown("b").cpuNs, 0U); // neither the new one nor the idle one
+    EXPECT_EQ(rounds.grown("a").cpuNs, 11U);
+    EXPECT_EQ(rounds.grown("a").diskRead, 22U);
+    EXPECT_EQ(rounds.grown("a").diskWrite, 33U);
+    EXPECT_EQ(rounds.grown("a").contextSwitches, 44U);
 
     // One ends, one is replaced by another of the same pid, one goes on; in any order.
     rounds.round({process(5, 9), process(3, 950, 2), process(2, 111)});
-    EXPECT_EQ(rounds.grown["a"].cpuNs, 1U);
-    EXPECT_EQ(rounds.grown["b"].cpuNs, 2U);
-    EXPECT_EQ(rounds.memory.at("a"), 10U);
+    EXPECT_EQ(rounds.grown("a").cpuNs, 1U);
+    EXPECT_EQ(rounds.grown("b").cpuNs, 2U);
+    EXPECT_EQ(rounds.apps["a"].memBytes, 10U);
     rounds.round({process(2, 115), process(3, 960, 2), process(5, 9)});
-    EXPECT_EQ(rounds.grown["a"].cpuNs, 4U);
-    EXPECT_EQ(rounds.grown["b"].cpuNs, 10U);
+    EXPECT_EQ(rounds.grown("a").cpuNs, 4U);
+    EXPECT_EQ(rounds.grown("b").cpuNs, 10U);
     rounds.round({});
-    EXPECT_TRUE(rounds.memory.empty());
+    EXPECT_TRUE(rounds.apps.empty());
 }
 
 TEST(AppProcessCounters, NeverInventGrowth) {
@@ -74,7 +64,7 @@ TEST(AppProcessCounters, NeverInventGrowth) {
         Rounds rounds;
         rounds.round({before});
         rounds.round({after});
-        return rounds.grown["a"];
+        return rounds.grown("a");
     };
     const ProcInfo before = process(2, 100), after = process(2, 150);
     EXPECT_EQ(growth(after, before).cpuNs, 0U); // counters that fell
@@ -95,17 +85,15 @@ TEST(AppProcessCounters, EnergyOfThoseThatTell) {
     ProcInfo telling = process(2, 1), silent = process(5, 1);
     telling.energyNj = 500;
     rounds.round({telling, silent});
-    EXPECT_TRUE(rounds.counters.energyApps().empty()); // nothing to compare with yet
+    EXPECT_FALSE(rounds.grown("a").energyKnown); // nothing to compare with yet
     telling.energyNj = 800;
     silent.cpuTimeNs = 9;
     rounds.round({telling, silent});
-    EXPECT_EQ(rounds.grown["a"].energyNj, 300U);
-    EXPECT_TRUE(rounds.grown["a"].energyKnown);
-    EXPECT_FALSE(rounds.grown["b"].energyKnown);
-    EXPECT_TRUE(rounds.counters.energyApps().contains("a"));
-    EXPECT_EQ(rounds.counters.energyApps().size(), 1U);
-    rounds.round({silent});
-    EXPECT_TRUE(rounds.counters.energyApps().empty());
+    EXPECT_EQ(rounds.grown("a").energyNj, 300U);
+    EXPECT_TRUE(rounds.grown("a").energyKnown);
+    EXPECT_FALSE(rounds.grown("b").energyKnown);
+    rounds.round({telling, silent});
+    EXPECT_TRUE(rounds.grown("a").energyKnown); // that it used none is known
 }
 
 TEST(TextNumbers, EqualTextsHaveOneNumber) {
