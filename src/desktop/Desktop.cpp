@@ -18,7 +18,8 @@ Desktop::Desktop(Prefs& prefs, sysinfo::SystemRoot root)
       monitor_(
           {.queue = queue_, .aux = aux_, .main = main_, .prefs = prefs_, .helper = helper_, .root = root_}),
       profile_(prefs.samplingProfile.get()) {
-    window_ = std::make_unique<MainWindow>(monitor_, prefs_, history_);
+    records_.emplace(monitor_, prefs_, main_);
+    window_ = std::make_unique<MainWindow>(monitor_, prefs_, history_, *records_);
     const auto openPage = [this](const QString& page) {
         showWindow();
         window_->open(page);
@@ -42,6 +43,7 @@ Desktop::~Desktop() {
     subscription_.reset();
     window_.reset(); // its pages may still be reading with the monitor
     sensors_.reset();
+    records_.reset();
 }
 
 void Desktop::start() {

@@ -2,6 +2,7 @@
 
 #include "HelperKit/SerialQueue.h"
 #include "desktop/QtExecutor.h"
+#include "history/History.h"
 #include "monitor/Monitor.h"
 #include "ui/modules/LiveHistory.h"
 #include "ui/settings/SettingsStore.h"
@@ -50,7 +51,8 @@ private:
     std::unique_ptr<MainWindow> window_;
     std::unique_ptr<StatusItemController> statusItems_;
     std::unique_ptr<WidgetManager> panels_;
-    Monitor monitor_;                        ///< after what its observers show into, so that it ends first
+    Monitor monitor_; ///< after what its observers show into, so that it ends first
+    std::optional<History> records_;
     std::optional<SensorRetention> sensors_; ///< while the window is open
     SettingsStore::Subscription subscription_;
     std::string profile_;

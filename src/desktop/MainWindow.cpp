@@ -6,6 +6,7 @@
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
 #include "desktop/UiState.h"
+#include "history/History.h"
 #include "ui/settings/Prefs.h"
 
 #include <QCloseEvent>
@@ -16,9 +17,9 @@
 
 namespace quarn::desktop {
 
-MainWindow::MainWindow(Monitor& monitor, Prefs& prefs, const LiveHistory& history)
+MainWindow::MainWindow(Monitor& monitor, Prefs& prefs, const LiveHistory& history, History& records)
     : prefs_(prefs),
-      context_{monitor, prefs, history, *this},
+      context_{monitor, prefs, history, records.apps(), records.metrics(), *this},
       sidebar_(new Sidebar(prefs)),
       search_(new SearchField(*this, [this] { return snapshot_.processes; })),
       stack_(new QStackedWidget) {

@@ -5,6 +5,10 @@
 #include <QMainWindow>
 #include <map>
 
+namespace quarn {
+class History;
+}
+
 class QLineEdit;
 class QStackedWidget;
 
@@ -17,7 +21,7 @@ class Sidebar;
 class MainWindow : public QMainWindow, public Navigator {
     Q_OBJECT
 public:
-    MainWindow(Monitor& monitor, Prefs& prefs, const LiveHistory& history);
+    MainWindow(Monitor& monitor, Prefs& prefs, const LiveHistory& history, History& records);
     ~MainWindow() override;
 
     /// Shows what is new on the current page; nothing while the window is hidden.

@@ -10,7 +10,9 @@
 class QVBoxLayout;
 
 namespace quarn {
+class AppWatch;
 class LiveHistory;
+class MetricsRecorder;
 class Monitor;
 class Prefs;
 } // namespace quarn
@@ -25,6 +27,8 @@ struct PageContext {
     Monitor& monitor;
     Prefs& prefs;
     const LiveHistory& history; ///< the readings of the last half hour, one point a tick
+    AppWatch& apps;             ///< use by application, now
+    MetricsRecorder& metrics;   ///< the long-term history
     Navigator& navigator;
 };
 

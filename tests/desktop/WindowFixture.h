@@ -4,6 +4,7 @@
 #include "desktop/MainWindow.h"
 #include "desktop/QtExecutor.h"
 #include "desktop/SampleMachine.h"
+#include "history/History.h"
 #include "monitor/Monitor.h"
 #include "ui/settings/Prefs.h"
 
@@ -31,7 +32,8 @@ private:
     NoHelper helper_;
     LiveHistory history_;
     Monitor monitor_;
-    desktop::MainWindow window_{monitor_, Prefs::shared(), history_};
+    History records_{monitor_, Prefs::shared(), main_};
+    desktop::MainWindow window_{monitor_, Prefs::shared(), history_, records_};
 };
 
 /// Runs a QApplication without a display around `run`, with settings of its own in a folder that goes at the

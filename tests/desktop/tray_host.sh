@@ -5,7 +5,7 @@ set -euo pipefail
 desktop=$1 quarn=$2
 folder=$(mktemp -d)
 export LC_ALL=C.UTF-8 # xwininfo prints titles in the characters of the locale
-export XDG_CONFIG_HOME=$folder XDG_RUNTIME_DIR=$folder QT_QPA_PLATFORM=xcb
+export XDG_CONFIG_HOME=$folder XDG_DATA_HOME=$folder XDG_RUNTIME_DIR=$folder QT_QPA_PLATFORM=xcb
 export DBUS_SESSION_BUS_ADDRESS=unix:path=$folder/none # so that items dock in the tray's window
 trap 'kill $(jobs -p) 2>/dev/null; rm -rf "$folder"' EXIT
 

@@ -1,22 +1,14 @@
 #include "ui/settings/Prefs.h"
 
 #include "HelperKit/Log.h"
+#include "core/Locale.h"
 #include "ui/settings/Migration.h"
-
-#include <cstdlib>
 
 #include <fmt/format.h>
 
 namespace quarn {
 
 namespace {
-
-/// The locale of the user's messages, by the precedence of POSIX.
-std::string_view messageLocale() {
-    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"})
-        if (const char* value = std::getenv(name); value && *value) return value;
-    return {};
-}
 
 void migrate(SettingsStore& store, const MigrationSources& sources) {
     const auto former = SettingsStore(sources.formerFile).values();
@@ -29,7 +21,7 @@ void migrate(SettingsStore& store, const MigrationSources& sources) {
 } // namespace
 
 MigrationSources MigrationSources::ofThisUser() {
-    return {settingsFileIn("com.kelmora.quarn"), languageOfLocale(messageLocale())};
+    return {settingsFileIn("com.kelmora.quarn"), languageOfLocale(sysinfo::messageLocale())};
 }
 
 Prefs::Prefs(SettingsStore& store, const MigrationSources& sources) : SettingGroup(store) {
