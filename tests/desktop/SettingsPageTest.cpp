@@ -4,6 +4,7 @@
 #include "desktop/pages/Pages.h"
 #include "desktop/settings/SettingLine.h"
 #include "desktop/widgets/Notice.h"
+#include "history/History.h"
 #include "settings/Support.h"
 
 #include <QCheckBox>
@@ -53,8 +54,9 @@ protected:
                      .helper = helper,
                      .root = sysinfo::SystemRoot(root.path())}};
     LiveHistory history;
+    History records{monitor, prefs, main};
     NoNavigator navigator;
-    desktop::PageContext context{monitor, prefs, history, navigator};
+    desktop::PageContext context{monitor, prefs, history, records.apps(), records.metrics(), navigator};
     std::unique_ptr<desktop::Page> page{desktop::makeSettingsPage(context)};
 };
 
