@@ -29,19 +29,20 @@ PageSearch::PageSearch(QWidget& page, QWidget& searched, const QString& name, co
     setClearButtonEnabled(true);
     addAction(icon("search"), LeadingPosition);
     setFixedWidth(searchWidth);
-    const auto shortcut = [](const QKeySequence& keys, QWidget* within, QWidget* receiver, auto work) {
-        auto* made = new QShortcut(keys, within, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
-        connect(made, &QShortcut::activated, receiver, work);
-    };
-    shortcut(QKeySequence::Find, &page, this, [this] {
+    // Wherever the keys go in the window: only the page that is shown hears it.
+    connect(new QShortcut(QKeySequence::Find, &page), &QShortcut::activated, this, [this] {
         setFocus(Qt::ShortcutFocusReason);
         selectAll();
     });
-    shortcut(Qt::Key_Escape, this, &searched, [this, &searched] {
+    const auto shortcut = [&](const QKeySequence& keys, auto work) {
+        connect(new QShortcut(keys, this, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated,
+                &searched, work);
+    };
+    shortcut(Qt::Key_Escape, [this, &searched] {
         clear();
         focusWithin(searched);
     });
-    shortcut(Qt::Key_Down, this, &searched, [&searched] { focusWithin(searched); });
+    shortcut(Qt::Key_Down, [&searched] { focusWithin(searched); });
 }
 
 } // namespace quarn::desktop
