@@ -28,6 +28,7 @@ function(quarn_module name)
   endif()
 endfunction()
 
+# quarn_join(target): lets the unity build compile many sources of a library or a test program at once.
 function(quarn_join target)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 12)
   target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
@@ -42,8 +43,8 @@ function(quarn_program name)
   install(TARGETS ${name} RUNTIME)
 endfunction()
 
-# quarn_test(name SOURCES … DEPENDS … [ALONE]): one GoogleTest program for one folder of tests. ALONE: its tests
-# change what every process sees, so no other test runs beside them.
+# quarn_test(name SOURCES … DEPENDS … [ALONE]): one GoogleTest program for one folder of tests, its sources joined
+# in a unity build. ALONE: its tests change what every process sees, so no other test runs beside them.
 function(quarn_test name)
   cmake_parse_arguments(arg "ALONE" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})

@@ -129,9 +129,4 @@ QSize ControlStyle::sizeFromContents(ContentsType type, const QStyleOption* opti
     return whole;
 }
 
-int ControlStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
-    if (metric == PM_ButtonShiftHorizontal || metric == PM_ButtonShiftVertical) return 0;
-    return QProxyStyle::pixelMetric(metric, option, widget);
-}
-
 } // namespace quarn::desktop

@@ -1,11 +1,10 @@
 #include "desktop/Icon.h"
 
+#include "desktop/DrawnIcon.h"
 #include "desktop/Theme.h"
 
-#include <QIconEngine>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPixmap>
 
 namespace quarn::desktop {
 
@@ -90,7 +89,7 @@ void draw(QPainter& p, const QString& name) {
     }
 }
 
-class LineIcon final : public QIconEngine {
+class LineIcon final : public DrawnIcon {
 public:
     explicit LineIcon(QString name) : name_(std::move(name)) {}
 
@@ -109,13 +108,6 @@ public:
             QPen(color, name_ == "quarn" ? 1.8 : 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         draw(*painter, name_);
         painter->restore();
-    }
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        QPixmap pixmap(size);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paint(&painter, QRect(QPoint(), size), mode, state);
-        return pixmap;
     }
     QIconEngine* clone() const override { return new LineIcon(name_); }
 

@@ -36,7 +36,7 @@ struct PageContext {
 class Navigator {
 public:
     virtual ~Navigator() = default;
-    /// Shows the page with this id; on the process page with `search` in its search field.
+    /// Shows the page with this id; one with a search field gets `search` into it unless that is empty.
     virtual void open(const QString& page, const QString& search = {}) = 0;
 };
 
@@ -55,7 +55,7 @@ public:
 protected:
     /// The one sentence of state under the title, in plain words.
     void setSentence(const QString& sentence);
-    /// Where cards and tables go, from top to bottom. `scrolling` pages put it into a scroll area.
+    /// Where cards and tables go, from top to bottom; it scrolls as a whole unless `contentFills`.
     QVBoxLayout& content();
     /// A page whose table scrolls by itself: content fills the window and does not scroll as a whole.
     void contentFills();

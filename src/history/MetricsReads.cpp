@@ -4,8 +4,6 @@
 
 namespace quarn {
 
-namespace {
-
 double rankOf(const AppMetrics& app, AppHistoryMetric metric) {
     const auto bytes = [](int64_t one, int64_t other) {
         return static_cast<double>(one) + static_cast<double>(other);
@@ -19,8 +17,6 @@ double rankOf(const AppMetrics& app, AppHistoryMetric metric) {
     }
     return 0;
 }
-
-} // namespace
 
 int64_t spanSeconds(TopAppsRange range) {
     switch (range) {

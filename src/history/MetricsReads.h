@@ -66,6 +66,8 @@ struct MetricsRead {
 /// 3,600, 86,400, 604,800 and 2,592,000 seconds.
 int64_t spanSeconds(TopAppsRange range);
 
+/// By what an application is ranked: seconds, bytes or a score.
+double rankOf(const AppMetrics& app, AppHistoryMetric metric);
 /// The greatest `limit` by `metric`; those that are equal keep their order.
 void rankApps(std::vector<AppTotal>& apps, AppHistoryMetric metric, size_t limit);
 

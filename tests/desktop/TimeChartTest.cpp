@@ -10,9 +10,9 @@
 namespace quarn::desktop {
 namespace {
 
-class Chart : public ::testing::Test {
+class TimeChartTest : public ::testing::Test {
 protected:
-    Chart() {
+    TimeChartTest() {
         chart.resize(300, 200);
         chart.show();
     }
@@ -40,7 +40,7 @@ protected:
                     {.full = 100, .text = [](double value) { return QString("%1 %").arg(value); }}};
 };
 
-TEST_F(Chart, SpeaksItsLatestValues) {
+TEST_F(TimeChartTest, SpeaksItsLatestValues) {
     refresh();
     EXPECT_EQ(spoken(), "Total —, System —"); // before anything was sampled
     sample(1, 20);
@@ -50,7 +50,7 @@ TEST_F(Chart, SpeaksItsLatestValues) {
     EXPECT_EQ(chart.accessibleName(), "Total, System over time");
 }
 
-TEST_F(Chart, StandsStillWhilePausedAndGoesOn) {
+TEST_F(TimeChartTest, StandsStillWhilePausedAndGoesOn) {
     sample(1, 20);
     refresh();
     QTest::keyClick(&chart, Qt::Key_Space);
@@ -65,7 +65,7 @@ TEST_F(Chart, StandsStillWhilePausedAndGoesOn) {
     EXPECT_EQ(spoken(), "Total 90 %, System 45 %"); // what it missed
 }
 
-TEST_F(Chart, LeavesAGapWhereNothingWasSampled) {
+TEST_F(TimeChartTest, LeavesAGapWhereNothingWasSampled) {
     for (int second = 0; second <= 60; ++second)
         if (second < 25 || second > 35) sample(second, 80);
     refresh();
@@ -74,7 +74,7 @@ TEST_F(Chart, LeavesAGapWhereNothingWasSampled) {
     EXPECT_TRUE(isFilled(0.8));
 }
 
-TEST_F(Chart, TheHairLineGoesWithTheKeysAndAway) {
+TEST_F(TimeChartTest, TheHairLineGoesWithTheKeysAndAway) {
     for (int second = 0; second <= 60; ++second) sample(second, second);
     refresh();
     const QImage without = chart.grab().toImage();

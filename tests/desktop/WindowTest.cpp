@@ -2,6 +2,7 @@
 #include "desktop/SearchField.h"
 #include "desktop/Sidebar.h"
 #include "desktop/WindowFixture.h"
+#include "desktop/widgets/PageSearch.h"
 #include "ui/settings/Prefs.h"
 
 #include <QApplication>
@@ -71,6 +72,30 @@ TEST(Window, OpensAndOrdersPagesAsTheSettingsSay) {
     WindowFixture later{LiveHistory()};
     EXPECT_EQ(later.window().currentPage(), "network") << "the page shown last";
     for (const char* key : {"startPage", "sidebarLayout"}) prefs.find(key)->reset();
+}
+
+TEST(Window, FindsWithinThePageByKeys) {
+    WindowFixture fixture(SampleMachine{}.history(60));
+    auto& window = fixture.window();
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window)) << "shortcuts belong to the active window";
+    window.refresh(SampleMachine{}.at(30), SampleMachine::known());
+    for (const char* page : {"processes", "connections", "settings"}) {
+        SCOPED_TRACE(page);
+        window.open(page);
+        QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
+        auto* field = qobject_cast<desktop::PageSearch*>(QApplication::focusWidget());
+        ASSERT_NE(field, nullptr);
+        for (const auto key : {Qt::Key_Down, Qt::Key_Escape}) {
+            field->setFocus();
+            QTest::keyClick(field, Qt::Key_X);
+            QTest::keyClick(field, key);
+            EXPECT_EQ(field->text().isEmpty(), key == Qt::Key_Escape);
+            EXPECT_FALSE(field->hasFocus());
+            EXPECT_TRUE(window.focusWidget()->isVisible());
+        }
+    }
 }
 
 TEST(SearchField, FindsPagesProcessesAndSettings) {

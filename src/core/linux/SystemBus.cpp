@@ -43,21 +43,21 @@ private:
 class Connection final : public SystemBus {
 public:
     Connection(const Library& library, sd_bus* bus, std::function<void(bool)> prepareForSleep)
-        : library_(library), bus_(bus), prepareForSleep_(std::move(prepareForSleep)) {}
-    ~Connection() override { library_.close(bus_); }
+        : systemd_(library), bus_(bus), prepareForSleep_(std::move(prepareForSleep)) {}
+    ~Connection() override { systemd_.close(bus_); }
 
     /// Asks for the signals without waiting for the bus: it may be slow, or hang.
     bool listen() {
-        return library_.matchSignal(bus_, nullptr, "org.freedesktop.login1", "/org/freedesktop/login1",
+        return systemd_.matchSignal(bus_, nullptr, "org.freedesktop.login1", "/org/freedesktop/login1",
                                     "org.freedesktop.login1.Manager", "PrepareForSleep", received, nullptr,
                                     this) >= 0;
     }
 
-    int fd() const override { return library_.getFd(bus_); }
-    short events() const override { return static_cast<short>(library_.getEvents(bus_)); }
+    int fd() const override { return systemd_.getFd(bus_); }
+    short events() const override { return static_cast<short>(systemd_.getEvents(bus_)); }
     bool process() override {
         int handled = 0;
-        do handled = library_.process(bus_, nullptr);
+        do handled = systemd_.process(bus_, nullptr);
         while (handled > 0);
         return handled == 0;
     }
@@ -66,12 +66,12 @@ private:
     static int received(sd_bus_message* message, void* self, sd_bus_error*) {
         auto& connection = *static_cast<Connection*>(self);
         int starting = 0;
-        if (connection.library_.readBasic(message, 'b', &starting) > 0)
+        if (connection.systemd_.readBasic(message, 'b', &starting) > 0)
             connection.prepareForSleep_(starting != 0);
         return 0;
     }
 
-    const Library& library_;
+    const Library& systemd_;
     sd_bus* bus_;
     std::function<void(bool)> prepareForSleep_;
 };

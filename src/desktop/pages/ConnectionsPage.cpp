@@ -1,18 +1,17 @@
 #include "HelperKit/SerialQueue.h"
 #include "desktop/Background.h"
-#include "desktop/Icon.h"
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
 #include "desktop/UiState.h"
 #include "desktop/connections/ConnectionModel.h"
 #include "desktop/connections/ConnectionSource.h"
 #include "desktop/pages/Pages.h"
+#include "desktop/widgets/PageSearch.h"
 #include "desktop/widgets/TableView.h"
 #include "monitor/Monitor.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
-#include <QLineEdit>
 #include <QMenu>
 #include <QShortcut>
 #include <QTimer>
@@ -46,9 +45,10 @@ class ConnectionsPage final : public Page {
 public:
     explicit ConnectionsPage(PageContext& context)
         : Page(context, say("Connections")),
-          search_(new QLineEdit),
           timer_(new QTimer(this)),
           table_(new TableView("connections", TableView::Shape::tree)),
+          search_(new PageSearch(*this, *table_, say("Search connections"),
+                                 say("Name, address, port, state or PID"))),
           source_(std::make_shared<ConnectionSource>(context.monitor.root())),
           queue_("com.kelmora.quarn.sockets") {
         contentFills();
@@ -132,12 +132,6 @@ private:
         row->addStretch(1);
         content().addLayout(row);
 
-        search_->setPlaceholderText(say("Search (Ctrl+F)"));
-        search_->setToolTip(say("Name, address, port, state or PID"));
-        search_->setAccessibleName(say("Search connections"));
-        search_->setClearButtonEnabled(true);
-        search_->addAction(icon("search"), QLineEdit::LeadingPosition);
-        search_->setFixedWidth(200);
         addTool(search_);
         connect(search_, &QLineEdit::textChanged, this, [this](const QString& text) {
             view_.search = text.trimmed().toStdString();
@@ -151,15 +145,6 @@ private:
             connect(new QShortcut(keys, within, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
                     &QShortcut::activated, this, work);
         };
-        shortcut(QKeySequence::Find, this, [this] {
-            search_->setFocus(Qt::ShortcutFocusReason);
-            search_->selectAll();
-        });
-        shortcut(Qt::Key_Escape, search_, [this] {
-            search_->clear();
-            table_->setFocus();
-        });
-        shortcut(Qt::Key_Down, search_, [this] { table_->setFocus(); });
         shortcut(Qt::Key_Return, table_, [this] { showProcess(); });
         shortcut(Qt::Key_Enter, table_, [this] { showProcess(); });
     }
@@ -236,10 +221,10 @@ private:
         menu.exec(table_->viewport()->mapToGlobal(at));
     }
 
-    QLineEdit* search_;
     QTimer* timer_;
     ConnectionModel model_;
     TableView* table_;
+    PageSearch* search_;
     ConnectionView view_;
     SharedList<ProcInfo> processes_; ///< for their names
     bool isBusy_ = false;

@@ -4,6 +4,7 @@
 #include "desktop/widgets/ApplicationList.h"
 #include "desktop/widgets/Card.h"
 #include "desktop/widgets/FactTable.h"
+#include "desktop/widgets/FlowGrid.h"
 #include "desktop/widgets/Legend.h"
 #include "desktop/widgets/RangePicker.h"
 #include "desktop/widgets/StackedBar.h"

@@ -6,6 +6,7 @@
 #include "desktop/widgets/ApplicationList.h"
 #include "desktop/widgets/AttentionList.h"
 #include "desktop/widgets/Card.h"
+#include "desktop/widgets/FlowGrid.h"
 #include "desktop/widgets/RangePicker.h"
 #include "desktop/widgets/Tile.h"
 #include "desktop/widgets/TimeChart.h"

@@ -1,4 +1,3 @@
-#include "desktop/Icon.h"
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
 #include "desktop/UiState.h"
@@ -7,12 +6,12 @@
 #include "desktop/processes/ProcessDetails.h"
 #include "desktop/processes/ProcessModel.h"
 #include "desktop/widgets/Notice.h"
+#include "desktop/widgets/PageSearch.h"
 #include "desktop/widgets/TableView.h"
 #include "monitor/Monitor.h"
 #include "ui/settings/Prefs.h"
 
 #include <QContextMenuEvent>
-#include <QLineEdit>
 #include <QMenu>
 #include <QShortcut>
 #include <QSplitter>
@@ -41,11 +40,12 @@ class ProcessesPage final : public Page {
 public:
     explicit ProcessesPage(PageContext& context)
         : Page(context, say("Processes")),
-          search_(new QLineEdit),
           tree_(toggle(say("Tree"), say("Each process under the one that started it (Ctrl+T)"))),
           own_(toggle(say("Mine"), say("Only your own processes"))),
           notice_(new Notice),
           view_(new TableView("processes")),
+          search_(new PageSearch(*this, *view_, say("Search processes"),
+                                 say("Name, path, user or PID; all words must occur"))),
           details_(new ProcessDetails(context.monitor)),
           splitter_(new QSplitter),
           actions_(new ProcessActions(context.monitor, this)) {
@@ -105,12 +105,6 @@ protected:
 
 private:
     void makeTools() {
-        search_->setPlaceholderText(say("Search (Ctrl+F)"));
-        search_->setToolTip(say("Name, path, user or PID; all words must occur"));
-        search_->setAccessibleName(say("Search processes"));
-        search_->setClearButtonEnabled(true);
-        search_->addAction(icon("search"), QLineEdit::LeadingPosition);
-        search_->setFixedWidth(200);
         addTool(own_);
         addTool(tree_);
         addTool(search_);
@@ -146,16 +140,7 @@ private:
             connect(new QShortcut(keys, within, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
                     &QShortcut::activated, this, work);
         };
-        shortcut(QKeySequence::Find, this, [this] {
-            search_->setFocus(Qt::ShortcutFocusReason);
-            search_->selectAll();
-        });
         shortcut(Qt::CTRL | Qt::Key_T, this, [this] { tree_->toggle(); });
-        shortcut(Qt::Key_Escape, search_, [this] {
-            search_->clear();
-            view_->setFocus();
-        });
-        shortcut(Qt::Key_Down, search_, [this] { view_->setFocus(); });
         shortcut(Qt::Key_Escape, view_, [this] { closeDetails(); });
         shortcut(Qt::Key_Return, view_, [this] { openDetails(); });
         shortcut(Qt::Key_Enter, view_, [this] { openDetails(); });
@@ -231,12 +216,12 @@ private:
             details_->show(model_.row(current), model_.rows(), model_.now());
     }
 
-    QLineEdit* search_;
     QToolButton* tree_;
     QToolButton* own_;
     Notice* notice_;
     ProcessModel model_;
     TableView* view_;
+    PageSearch* search_;
     ProcessDetails* details_;
     QSplitter* splitter_;
     ProcessActions* actions_;

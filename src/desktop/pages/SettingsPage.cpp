@@ -1,5 +1,4 @@
 // The settings: one line each, in groups; see SettingRows.h for the table of them.
-#include "desktop/Icon.h"
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
 #include "desktop/pages/Pages.h"
@@ -8,10 +7,10 @@
 #include "desktop/tray/Tray.h"
 #include "desktop/widgets/Card.h"
 #include "desktop/widgets/Notice.h"
+#include "desktop/widgets/PageSearch.h"
 #include "ui/settings/Prefs.h"
 
 #include <QLabel>
-#include <QLineEdit>
 #include <QVBoxLayout>
 
 namespace quarn::desktop {
@@ -25,13 +24,10 @@ public:
         : Page(context, say("Settings")),
           prefs_(context.prefs),
           notice_(new Notice),
-          search_(new QLineEdit),
+          column_(new QWidget),
+          search_(new PageSearch(*this, *column_, say("Search settings"),
+                                 say("A word of a setting's name or explanation"))),
           nothing_(new QLabel(say("No setting matches what you typed. Clear the search to see them all."))) {
-        search_->setPlaceholderText(say("Find a setting"));
-        search_->setAccessibleName(say("Find a setting"));
-        search_->setClearButtonEnabled(true);
-        search_->addAction(icon("search"), QLineEdit::LeadingPosition);
-        search_->setFixedWidth(220);
         connect(search_, &QLineEdit::textChanged, this, [this] { filter(); });
         addTool(search_);
         addGroups();
@@ -65,9 +61,8 @@ private:
     };
 
     void addGroups() {
-        auto* column = new QWidget;
-        column->setMaximumWidth(widest);
-        auto* groups = new QVBoxLayout(column);
+        column_->setMaximumWidth(widest);
+        auto* groups = new QVBoxLayout(column_);
         groups->setContentsMargins(0, 0, 0, 0);
         groups->setSpacing(Theme::gap);
         nothing_->setProperty("dim", true);
@@ -103,7 +98,7 @@ private:
         groups->addWidget(where);
         groups->addStretch();
         auto* aside = new QHBoxLayout;
-        aside->addWidget(column, 1);
+        aside->addWidget(column_, 1);
         aside->addStretch();
         content().addLayout(aside);
     }
@@ -153,7 +148,8 @@ private:
 
     Prefs& prefs_;
     Notice* notice_;
-    QLineEdit* search_;
+    QWidget* column_; ///< with all groups
+    PageSearch* search_;
     QLabel* nothing_;
     std::vector<Group> groups_;
     uint64_t generation_ = 0;

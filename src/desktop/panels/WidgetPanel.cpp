@@ -8,12 +8,12 @@
 #include "desktop/panels/WindowHints.h"
 #include "desktop/widgets/FlashLabel.h"
 #include "desktop/widgets/ReadingView.h"
+#include "desktop/widgets/RoundedSurface.h"
 #include "ui/modules/LiveHistory.h"
 
 #include <QEnterEvent>
 #include <QGuiApplication>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QScreen>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -164,13 +164,6 @@ void WidgetPanel::resizeEvent(QResizeEvent*) {
 
 void WidgetPanel::showEvent(QShowEvent*) { keepOutOfTaskbar(*this); }
 
-void WidgetPanel::paintEvent(QPaintEvent*) {
-    const auto& theme = Theme::current();
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(theme.line());
-    painter.setBrush(theme.surface());
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::corner, Theme::corner);
-}
+void WidgetPanel::paintEvent(QPaintEvent*) { paintRoundedSurface(*this); }
 
 } // namespace quarn::desktop

@@ -6,12 +6,12 @@
 #include "desktop/widgets/DetailList.h"
 #include "desktop/widgets/FlashLabel.h"
 #include "desktop/widgets/ReadingView.h"
+#include "desktop/widgets/RoundedSurface.h"
 #include "ui/modules/LiveHistory.h"
 
 #include <QEvent>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -134,13 +134,6 @@ void ModulePopover::keyPressEvent(QKeyEvent* event) {
         QFrame::keyPressEvent(event);
 }
 
-void ModulePopover::paintEvent(QPaintEvent*) {
-    const auto& theme = Theme::current();
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(theme.line());
-    painter.setBrush(theme.surface());
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::corner, Theme::corner);
-}
+void ModulePopover::paintEvent(QPaintEvent*) { paintRoundedSurface(*this); }
 
 } // namespace quarn::desktop

@@ -1,10 +1,10 @@
 #include "desktop/tray/StatusIcon.h"
 
+#include "desktop/DrawnIcon.h"
+
 #include <QApplication>
 #include <QFontMetricsF>
 #include <QHash>
-#include <QIconEngine>
-#include <QPainter>
 #include <algorithm>
 #include <cmath>
 
@@ -66,7 +66,7 @@ void drawGraph(QPainter& painter, const std::vector<double>& graph, const QRect&
     }
 }
 
-class StatusIconEngine final : public QIconEngine {
+class StatusIconEngine final : public DrawnIcon {
 public:
     explicit StatusIconEngine(MenuBarModule::Rendering rendering) : rendering_(std::move(rendering)) {}
 
@@ -93,13 +93,6 @@ public:
         }
         }
         painter->restore();
-    }
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        QPixmap pixmap(size);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paint(&painter, QRect(QPoint(), size), mode, state);
-        return pixmap;
     }
     QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
         return {{16, 16}, {22, 22}, {24, 24}, {32, 32}};

@@ -3,6 +3,7 @@
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
 #include "desktop/widgets/FactTable.h"
+#include "desktop/widgets/FlowGrid.h"
 
 #include <QLabel>
 #include <QVBoxLayout>

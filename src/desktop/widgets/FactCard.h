@@ -6,6 +6,7 @@
 namespace quarn::desktop {
 
 class FactTable;
+class FlowGrid;
 
 /// A card with groups of facts, side by side where there is room.
 class FactCard final : public Card {

@@ -59,7 +59,7 @@ private:
         const auto& cell = row_.cells[static_cast<size_t>(column)];
         const QRect place = list_.cell(column, width()).adjusted(0, 3, 0, -2);
         QColor color = theme.kind(list_.columns()[static_cast<size_t>(column)].kind);
-        color.setAlphaF(Theme::current().barOpacity());
+        color.setAlphaF(theme.barOpacity());
         const double share = std::clamp(cell.share, 0.0, 1.0);
         const int length = static_cast<int>(share * place.width());
         painter.fillRect(QRect(place.left(), place.top(), length, place.height()), color);

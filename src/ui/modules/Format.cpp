@@ -95,6 +95,13 @@ std::string watts(double watts) {
     return threeDigits(watts) + " W";
 }
 
+std::string energy(double joules) {
+    if (!sensible(joules)) return std::string(unknown);
+    const double wattHours = joules / static_cast<double>(hour);
+    return wattHours < fullThreeDigits ? threeDigits(wattHours) + " Wh"
+                                       : threeDigits(wattHours / 1000) + " kWh";
+}
+
 std::string duration(double seconds) { return durationIn(seconds, &Span::words, "{} s"); }
 
 std::string shortDuration(double seconds) { return durationIn(seconds, &Span::letters, "{}s"); }

@@ -28,6 +28,7 @@ std::string diskSize(uint64_t bytes);    ///< decimal units, as drives are sold:
 std::string rate(double bytesPerSecond); ///< decimal units: "1.20 MB/s"
 std::string perSecond(double count);     ///< how often: "12.3 k/s"
 std::string watts(double watts);         ///< "12.4 W"
+std::string energy(double joules);       ///< "12.4 Wh"
 
 /// The two largest units: "3 d 4 h", "4 h 5 min", "5 min 12 s", "12.3 s".
 std::string duration(double seconds);

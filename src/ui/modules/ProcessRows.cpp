@@ -3,6 +3,7 @@
 #include "core/Scan.h"
 #include "ui/modules/LetterCase.h"
 #include "ui/modules/ProcessGroups.h"
+#include "ui/modules/SearchWords.h"
 
 #include <algorithm>
 #include <bit>
@@ -43,18 +44,8 @@ uint16_t changesOf(const ProcInfo& before, const ProcInfo& after) {
     return changed;
 }
 
-/// A search, split into lower-case words.
-std::vector<std::string> wordsOf(std::string_view search) {
-    std::vector<std::string> words;
-    for (auto word = scutil::takeWord(search); !word.empty(); word = scutil::takeWord(search)) {
-        std::string& lowered = words.emplace_back(word);
-        std::transform(lowered.begin(), lowered.end(), lowered.begin(), lower);
-    }
-    return words;
-}
-
-bool matches(const ProcInfo& process, const std::vector<std::string>& words) {
-    return std::all_of(words.begin(), words.end(), [&](const std::string& word) {
+bool matches(const ProcInfo& process, const SearchWords& words) {
+    return words.all([&](const std::string& word) {
         return containsIgnoringCase(process.name, word) || containsIgnoringCase(process.path, word) ||
                containsIgnoringCase(process.user, word) || scutil::toNumber<int64_t>(word) == process.pid;
     });
@@ -77,14 +68,6 @@ uint64_t keyOf(std::string_view text) {
     for (size_t i = 0; i < sizeof key; ++i)
         key = key << 8 | (i < text.size() ? static_cast<unsigned char>(lower(text[i])) : 0U);
     return key;
-}
-
-int compareTexts(std::string_view a, std::string_view b) {
-    const size_t length = std::min(a.size(), b.size());
-    for (size_t i = 0; i < length; ++i)
-        if (const char x = lower(a[i]), y = lower(b[i]); x != y)
-            return static_cast<unsigned char>(x) < static_cast<unsigned char>(y) ? -1 : 1;
-    return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
 }
 
 } // namespace
@@ -156,7 +139,7 @@ std::span<const ProcessRow> ProcessRows::rows(const ProcessView& view) {
 }
 
 void ProcessRows::collect(const ProcessView& view) {
-    const auto words = wordsOf(view.search);
+    const SearchWords words(view.search);
     const bool byText = isText(view.sortedBy);
     const bool down = view.direction == ProcessView::Direction::descending;
     items_.clear();
@@ -216,8 +199,8 @@ void ProcessRows::sort(const ProcessView& view) {
         const Item &a = items_[left], &b = items_[right];
         if (a.key != b.key) return a.key < b.key;
         if (byText && a.key != lastKey)
-            if (const int order = compareTexts(processText(*a.process, view.sortedBy),
-                                               processText(*b.process, view.sortedBy));
+            if (const int order = compareIgnoringCase(processText(*a.process, view.sortedBy),
+                                                      processText(*b.process, view.sortedBy));
                 order != 0)
                 return sign * order < 0;
         if (a.process->pid != b.process->pid) return a.process->pid < b.process->pid;

@@ -1,0 +1,121 @@
+#include "ui/modules/HistorySeries.h"
+
+#include "history/Calendar.h"
+#include "history/HistoryTime.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace quarn {
+
+namespace {
+
+constexpr double notMeasured = std::numeric_limits<double>::quiet_NaN();
+
+double over(double sum, double seconds) { return seconds > 0 ? sum / seconds : notMeasured; }
+
+double real(int64_t bytes) { return static_cast<double>(bytes); }
+
+int64_t endOf(int64_t start, MetricsResolution resolution, const Calendar& calendar) {
+    switch (resolution) {
+    case MetricsResolution::minute: return start + minuteSeconds;
+    case MetricsResolution::hour: return start + hourSeconds;
+    case MetricsResolution::day: break;
+    }
+    return calendar.nextDay(start);
+}
+
+double valueOf(const AppMetrics& metrics, AppLine line, double seconds) {
+    switch (line) {
+    case AppLine::cpu: return over(100 * metrics.cpuSeconds, seconds);
+    case AppLine::memory: return over(metrics.memoryByteSeconds, metrics.seconds);
+    case AppLine::memoryPeak: return metrics.seconds > 0 ? real(metrics.peakMemoryBytes) : notMeasured;
+    case AppLine::diskRead: return real(metrics.diskReadBytes);
+    case AppLine::diskWritten: return real(metrics.diskWriteBytes);
+    case AppLine::received: return real(metrics.networkInBytes);
+    case AppLine::sent: return real(metrics.networkOutBytes);
+    case AppLine::energy: return metrics.energyImpact;
+    }
+    return notMeasured;
+}
+
+/// The periods of an application's points, whether it was there or not.
+std::vector<HistorySeries::Period> appPeriods(const HistoryAnswer& answer) {
+    const Calendar calendar;
+    const bool byDay = answer.question.span >= HistorySpan::month;
+    const auto resolution = byDay ? MetricsResolution::day : MetricsResolution::hour;
+    std::vector<HistorySeries::Period> periods;
+    int64_t start = byDay ? calendar.startOfDay(answer.from) : roundedDown(answer.from, hourSeconds);
+    for (; start < answer.to; start = periods.back().to)
+        periods.push_back({start, endOf(start, resolution, calendar)});
+    return periods;
+}
+
+} // namespace
+
+double valueOf(const SystemMetrics& metrics, SystemLine line) {
+    const double seconds = metrics.seconds;
+    switch (line) {
+    case SystemLine::cpu: return over(100 * metrics.cpuSeconds, seconds);
+    case SystemLine::cpuPeak: return seconds > 0 ? metrics.peakCPUPercent : notMeasured;
+    case SystemLine::memory: return over(metrics.memoryByteSeconds, seconds);
+    case SystemLine::memoryPeak: return seconds > 0 ? real(metrics.peakMemoryBytes) : notMeasured;
+    case SystemLine::diskRead: return over(real(metrics.diskReadBytes), seconds);
+    case SystemLine::diskWritten: return over(real(metrics.diskWriteBytes), seconds);
+    case SystemLine::received: return over(real(metrics.networkInBytes), seconds);
+    case SystemLine::sent: return over(real(metrics.networkOutBytes), seconds);
+    case SystemLine::power: return over(metrics.energyJoules, metrics.powerSeconds);
+    }
+    return notMeasured;
+}
+
+std::span<const AppLine> appLines(AppHistoryMetric metric) {
+    static constexpr AppLine cpu[]{AppLine::cpu}, memory[]{AppLine::memory, AppLine::memoryPeak},
+        disk[]{AppLine::diskRead, AppLine::diskWritten}, energy[]{AppLine::energy},
+        network[]{AppLine::received, AppLine::sent};
+    switch (metric) {
+    case AppHistoryMetric::cpu: return cpu;
+    case AppHistoryMetric::memory: return memory;
+    case AppHistoryMetric::disk: return disk;
+    case AppHistoryMetric::energy: return energy;
+    case AppHistoryMetric::network: return network;
+    }
+    return {};
+}
+
+HistorySeries systemSeries(const HistoryAnswer& answer, std::span<const SystemLine> lines) {
+    const Calendar calendar;
+    const auto resolution = traits(answer.question.span).resolution;
+    HistorySeries series;
+    series.lines.resize(lines.size());
+    for (const SystemPoint& point : answer.points) {
+        series.periods.push_back(
+            {point.start, std::min(endOf(point.start, resolution, calendar), answer.to)});
+        for (size_t line = 0; line < lines.size(); ++line)
+            series.lines[line].push_back(valueOf(point.metrics, lines[line]));
+    }
+    return series;
+}
+
+HistorySeries appSeries(const HistoryAnswer& answer, std::span<const AppLine> lines) {
+    HistorySeries series;
+    series.lines.resize(lines.size());
+    auto point = answer.appPoints.begin();
+    auto observed = answer.points.begin();
+    for (auto period : appPeriods(answer)) {
+        while (observed != answer.points.end() && observed->start < period.from) ++observed;
+        while (point != answer.appPoints.end() && point->start < period.from) ++point;
+        const bool wasObserved = observed != answer.points.end() && observed->start < period.to;
+        const bool wasThere = point != answer.appPoints.end() && point->start < period.to;
+        if (!wasObserved && !wasThere) continue;
+        period.to = std::min(period.to, answer.to);
+        const auto seconds = static_cast<double>(period.to - period.from);
+        const AppMetrics metrics = wasThere ? point->metrics : AppMetrics();
+        series.periods.push_back(period);
+        for (size_t line = 0; line < lines.size(); ++line)
+            series.lines[line].push_back(valueOf(metrics, lines[line], seconds));
+    }
+    return series;
+}
+
+} // namespace quarn
