@@ -3,6 +3,7 @@
 #include "cli/ConnectionsCommand.h"
 #include "cli/ProcessOrder.h"
 #include "core/SystemRoot.h"
+#include "history/HistoryReads.h"
 
 #include <cstdint>
 #include <span>
@@ -21,7 +22,10 @@ struct Options {
     ProcessOrder order = ProcessOrder::cpu;
     uint64_t limit = UINT64_MAX; ///< rows
     ConnectionsOptions connections;
-    std::vector<std::string> words; ///< whatever follows a command that reads its own arguments
+    std::optional<HistorySpan> span;
+    std::optional<AppHistoryMetric> metric;
+    enum class Confirmation { asked, given } confirmation = Confirmation::asked;
+    std::vector<std::string> words; ///< what stands between the options; all that follows, for takesWords
 };
 
 /// The options that a command takes, added up.
@@ -37,6 +41,10 @@ enum Takes : unsigned {
     takesScope = 128,
     takesSearch = 256,
     takesGrouping = 512,
+    takesArguments = 1024, ///< words between the options
+    takesSpan = 2048,
+    takesMetric = 4096,
+    takesConfirmation = 8192,
 };
 
 /// One option as the help shows it.
@@ -79,6 +87,8 @@ int runPower(const Options& options);
 int runBattery(const Options& options);
 int runGpu(const Options& options);
 int runHardware(const Options& options);
+int runHistory(const Options& options);
+int runRecorder(const Options& options);
 int runSettingsCommand(const Options& options);
 
 } // namespace quarn::cli

@@ -3,6 +3,7 @@
 #include "cli/Command.h"
 #include "cli/HelpText.h"
 #include "cli/Output.h"
+#include "ui/modules/HistoryText.h"
 
 #include <CLI/CLI.hpp>
 
@@ -36,21 +37,38 @@ std::string checkCount(const std::string& text) {
     return "'" + text + "' is not a whole number";
 }
 
-/// An option whose value is one of `names`, which are those of the values of `Choice`.
+/// The ids of a table of traits.
+template <class Traits, size_t count>
+std::array<std::string_view, count> idsOf(const std::array<Traits, count>& table) {
+    std::array<std::string_view, count> ids;
+    std::transform(table.begin(), table.end(), ids.begin(), [](const Traits& traits) { return traits.id; });
+    return ids;
+}
+
+template <class Choice>
+struct ChoiceOf {
+    using Type = Choice;
+};
+template <class Choice>
+struct ChoiceOf<std::optional<Choice>> {
+    using Type = Choice;
+};
+
+/// An option whose value is one of `names`, which are those of the values of `Choice` or of what it holds.
 template <class Choice, size_t count>
 void addChoice(CLI::App& app, const std::string& option, const std::array<std::string_view, count>& names,
                Choice& choice) {
-    const auto indexOf = [&names](const std::string& text) {
+    const auto indexOf = [names](const std::string& text) {
         return static_cast<size_t>(std::find(names.begin(), names.end(), text) - names.begin());
     };
-    const auto check = [&names, indexOf](const std::string& text) {
+    const auto check = [names, indexOf](const std::string& text) {
         if (indexOf(text) < count) return std::string();
         std::string message = "'" + text + "' is none of ";
         for (const auto name : names) message.append(name == names.front() ? "" : ", ").append(name);
         return message;
     };
     const auto set = [&choice, indexOf](const std::string& text) {
-        choice = static_cast<Choice>(indexOf(text));
+        choice = static_cast<typename ChoiceOf<Choice>::Type>(indexOf(text));
     };
     app.add_option_function<std::string>(option, set)->check(CLI::Validator(check, ""));
 }
@@ -73,9 +91,16 @@ void addOptions(CLI::App& app, const Command& command, Parsed& parsed) {
         case takesScope: addChoice(app, name, connectionScopeNames, connections.scope); break;
         case takesSearch: app.add_option(name, connections.search); break;
         case takesGrouping: addChoice(app, name, connectionGroupingNames, connections.grouping); break;
+        case takesSpan: addChoice(app, name, idsOf(historySpans), parsed.options.span); break;
+        case takesMetric: addChoice(app, name, idsOf(appMetrics), parsed.options.metric); break;
+        case takesConfirmation:
+            app.add_flag_callback(name,
+                                  [&parsed] { parsed.options.confirmation = Options::Confirmation::given; });
+            break;
         default: break;
         }
     }
+    if ((command.takes & takesArguments) != 0) app.add_option("arguments", parsed.options.words);
     if ((command.takes & takesWords) != 0) {
         app.fallthrough(false); // its words are for it alone
         app.prefix_command();
@@ -165,7 +190,7 @@ int runCommandLine(int argc, const char* const* argv) {
         return wrongUsage;
     }
     const Command* command = chosen();
-    if (command != nullptr)
+    if (command != nullptr && (command->takes & takesWords) != 0)
         parsed.options.words = app.get_subcommand(std::string(command->name))->remaining();
     return guarded(
         [&] { return command == nullptr ? runLive(parsed.options) : command->run(parsed.options); });

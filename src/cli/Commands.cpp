@@ -5,7 +5,7 @@
 namespace quarn::cli {
 namespace {
 
-constexpr std::array<OptionRow, 9> options{{
+constexpr std::array<OptionRow, 12> options{{
     {takesJson, "--json", "", "print JSON"},
     {takesInterval, "--interval", "SECONDS", "between the two samples that rates need (default 1)"},
     {takesCount, "--count", "N", "end after N documents (default 0: never)"},
@@ -15,9 +15,12 @@ constexpr std::array<OptionRow, 9> options{{
     {takesScope, "--scope", "SCOPE", "internet, listening, local or all (default)"},
     {takesSearch, "--search", "TEXT", "only what has TEXT in its name, address, port, state or PID"},
     {takesGrouping, "--by", "GROUP", "process (default) or destination"},
+    {takesSpan, "--range", "RANGE", "hour, day (default), week, month, year or two-years"},
+    {takesMetric, "--by", "KIND", "cpu (default), memory, disk, energy or network"},
+    {takesConfirmation, "--yes", "", "do not ask"},
 }};
 
-constexpr std::array<Command, 13> table{{
+constexpr std::array<Command, 15> table{{
     {"snapshot", "[options]", "One complete sample of the machine.",
      "Takes two samples, --interval seconds apart, because rates and shares need both; with an interval of 0 "
      "one sample, without rates.\nThe JSON document has a key for every reading. What is not known, or may "
@@ -62,6 +65,22 @@ constexpr std::array<Command, 13> table{{
      takesJson | takesInterval, runGpu},
     {"hardware", "[options]", "What the machine and its system are.", "", "quarn hardware", takesJson,
      runHardware},
+    {"history", "series | top | app NAME | totals | export FILE | clear",
+     "What the machine and its applications did, up to two years back.",
+     "  series       the machine over --range; with --by one kind only\n"
+     "  top          the applications that used most (--limit, default 10)\n"
+     "  app NAME     one application, by its name or the path in the JSON of `top`\n"
+     "  totals       today, the week and the month; with --range that time and the one before\n"
+     "  export FILE  the last half hour of a running Quarn as CSV\n"
+     "  clear        deletes the whole history\n"
+     "The history is recorded while the window, its status items or `quarn recorder` run, as long as the "
+     "setting saveMetricsHistory is on.",
+     "quarn history top --range week --by memory",
+     takesArguments | takesJson | takesSpan | takesMetric | takesLimit | takesConfirmation, runHistory},
+    {"recorder", "", "Records the history without a window, until it is stopped.",
+     "For servers and for the time between logins; `systemctl --user enable --now quarn-recorder` keeps it "
+     "running. Of several programs that could record one does, and another takes over when that one ends.",
+     "quarn recorder", takesNothing, runRecorder},
     {"settings", "list | get KEY | set KEY VALUE | reset KEY", "Shows and changes settings.",
      "  list [--json]    every setting with its value; * marks what differs from its default\n"
      "  get KEY          one value\n"

@@ -18,7 +18,7 @@ Desktop::Desktop(Prefs& prefs, sysinfo::SystemRoot root)
       monitor_(
           {.queue = queue_, .aux = aux_, .main = main_, .prefs = prefs_, .helper = helper_, .root = root_}),
       profile_(prefs.samplingProfile.get()) {
-    records_.emplace(monitor_, prefs_, main_);
+    records_.emplace(History::Setup{.monitor = monitor_, .prefs = prefs_, .main = main_});
     window_ = std::make_unique<MainWindow>(monitor_, prefs_, history_, *records_);
     const auto openPage = [this](const QString& page) {
         showWindow();

@@ -6,24 +6,32 @@
 
 namespace quarn {
 
-History::History(Monitor& monitor, Prefs& prefs, Executor& main, std::filesystem::path file)
-    : index_(std::make_shared<AppOwnerIndex>(monitor.root(), sysinfo::messageLocale())),
-      metrics_(
-          {.queue = queue_,
-           .prefs = prefs,
-           .file = std::move(file),
-           .nameOf = [index = index_](
-                         const std::string& app) { return std::string(index->identity(app).name.view()); }}),
-      apps_(queue_, main, index_) {
+History::History(Setup setup)
+    : setup_(std::move(setup)),
+      index_(std::make_shared<AppOwnerIndex>(setup_.monitor.root(), sysinfo::messageLocale())),
+      metrics_({.queue = queue_,
+                .prefs = setup_.prefs,
+                .file = setup_.file,
+                .nameOf =
+                    [this](const std::string& app) { return std::string(index_->identity(app).name.view()); },
+                .statusChanged = [this](const HistoryStatus& status) { tell(status); }}),
+      apps_(queue_, setup_.main, index_) {
     apps_.observeActivity(
         [this](WallTime at, std::span<const AppActivity> apps) { metrics_.addApps(at, apps); });
-    monitor.observe([this](const Snapshot& snapshot) { take(snapshot); });
-    if (monitor.root().isHost()) metrics_.start(prefs.saveMetricsHistory.get());
+    setup_.monitor.observe([this](const Snapshot& snapshot) { take(snapshot); });
+    if (setup_.monitor.root().isHost()) metrics_.start(setup_.prefs.saveMetricsHistory.get());
 }
 
 void History::take(const Snapshot& snapshot) {
     metrics_.record(snapshot);
     apps_.take(snapshot);
+}
+
+void History::tell(const HistoryStatus& status) {
+    if (!setup_.statusChanged) return;
+    setup_.main.async([this, alive = std::weak_ptr(alive_), status] {
+        if (alive.lock()) setup_.statusChanged(status);
+    });
 }
 
 } // namespace quarn

@@ -15,15 +15,27 @@ class Monitor;
 /// the Monitor, and after the Monitor has published its last snapshot.
 class History {
 public:
+    /// What it works with must outlive it.
+    struct Setup {
+        Monitor& monitor;
+        Prefs& prefs;
+        Executor& main;
+        std::filesystem::path file = metricsFile();
+        /// Called on the main executor's thread.
+        std::function<void(const HistoryStatus&)> statusChanged = {};
+    };
     /// Nothing of a captured machine is recorded: its history reads as `off`.
-    History(Monitor& monitor, Prefs& prefs, Executor& main, std::filesystem::path file = metricsFile());
+    explicit History(Setup setup);
 
     AppWatch& apps() { return apps_; }
     MetricsRecorder& metrics() { return metrics_; }
 
 private:
     void take(const Snapshot& snapshot);
+    void tell(const HistoryStatus& status);
 
+    Setup setup_;
+    std::shared_ptr<const bool> alive_ = std::make_shared<const bool>(true);
     SerialQueue queue_{"com.kelmora.quarn.metrics"};
     std::shared_ptr<AppOwnerIndex> index_;
     MetricsRecorder metrics_;

@@ -27,7 +27,7 @@ MetricsStoreKeeper::MetricsStoreKeeper(Setup setup) : setup_(std::move(setup)) {
 void MetricsStoreKeeper::begin() {
     storeFailed_ = false;
     try {
-        becomeWriter();
+        if (becomeWriter()) tell({State::recording, lost_});
     } catch (const std::exception& error) {
         fail("open", error);
     }

@@ -54,7 +54,7 @@ protected:
                      .helper = helper,
                      .root = sysinfo::SystemRoot(root.path())}};
     LiveHistory history;
-    History records{monitor, prefs, main};
+    History records{{.monitor = monitor, .prefs = prefs, .main = main}};
     NoNavigator navigator;
     desktop::PageContext context{monitor, prefs, history, records.apps(), records.metrics(), navigator};
     std::unique_ptr<desktop::Page> page{desktop::makeSettingsPage(context)};

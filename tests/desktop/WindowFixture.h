@@ -32,7 +32,7 @@ private:
     NoHelper helper_;
     LiveHistory history_;
     Monitor monitor_;
-    History records_{monitor_, Prefs::shared(), main_};
+    History records_{{.monitor = monitor_, .prefs = Prefs::shared(), .main = main_}};
     desktop::MainWindow window_{monitor_, Prefs::shared(), history_, records_};
 };
 

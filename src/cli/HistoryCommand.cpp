@@ -1,0 +1,296 @@
+#include "cli/HistoryCommand.h"
+
+#include "cli/HistoryFields.h"
+#include "cli/HistoryPlot.h"
+#include "cli/Json.h"
+#include "cli/TextTable.h"
+#include "ui/modules/CalendarText.h"
+#include "ui/modules/Format.h"
+#include "ui/modules/HistoryText.h"
+#include "ui/modules/LetterCase.h"
+#include "ui/modules/Scale.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include <fmt/format.h>
+
+namespace quarn::cli {
+
+namespace {
+
+/// How the values of a line are written and scaled.
+struct Unit {
+    std::string (*text)(double value);
+    double (*top)(double greatest);
+};
+
+double binaryTop(double greatest) {
+    const double unit = greatest >= 1 ? std::exp2(10 * std::floor(std::log2(greatest) / 10)) : 1;
+    return niceTop(greatest / unit) * unit;
+}
+double percentTop(double greatest) { return std::max(niceTop(greatest), 1.0); }
+std::string memoryText(double bytes) { return format::memory(static_cast<uint64_t>(bytes)); }
+std::string sizeText(double bytes) { return format::diskSize(static_cast<uint64_t>(bytes)); }
+
+constexpr Unit percent{format::percent, percentTop}, memory{memoryText, binaryTop},
+    rate{format::rate, niceTop}, size{sizeText, niceTop}, watts{format::watts, niceTop},
+    score{format::threeDigits, niceTop};
+
+struct SystemPlot {
+    AppHistoryMetric kind;
+    SystemLine line;
+    std::optional<SystemLine> peak;
+    std::string_view title;
+    Unit unit;
+};
+constexpr std::array<SystemPlot, 7> systemPlots{{
+    {AppHistoryMetric::cpu, SystemLine::cpu, SystemLine::cpuPeak, "CPU", percent},
+    {AppHistoryMetric::memory, SystemLine::memory, SystemLine::memoryPeak, "Memory", memory},
+    {AppHistoryMetric::disk, SystemLine::diskRead, {}, "Read from disks", rate},
+    {AppHistoryMetric::disk, SystemLine::diskWritten, {}, "Written to disks", rate},
+    {AppHistoryMetric::network, SystemLine::received, {}, "Received", rate},
+    {AppHistoryMetric::network, SystemLine::sent, {}, "Sent", rate},
+    {AppHistoryMetric::energy, SystemLine::power, {}, "Power", watts},
+}};
+
+struct AppPlot {
+    AppHistoryMetric kind;
+    AppLine line;
+    std::string_view title;
+    Unit unit;
+};
+constexpr std::array<AppPlot, 7> appPlots{{
+    {AppHistoryMetric::cpu, AppLine::cpu, "CPU, in shares of one core", percent},
+    {AppHistoryMetric::memory, AppLine::memory, "Memory", memory},
+    {AppHistoryMetric::disk, AppLine::diskRead, "Read from disks", size},
+    {AppHistoryMetric::disk, AppLine::diskWritten, "Written to disks", size},
+    {AppHistoryMetric::energy, AppLine::energy, "Energy score", score},
+    {AppHistoryMetric::network, AppLine::received, "Received", size},
+    {AppHistoryMetric::network, AppLine::sent, "Sent", size},
+}};
+
+/// "CPU: at most 97.0 % (Tue 14 Oct, 15:04)".
+std::string heading(std::string_view title, const HistorySeries& series, size_t peakLine, const Unit& unit) {
+    const auto& values = series.lines[peakLine];
+    const auto less = [](double a, double b) { return std::isnan(a) ? !std::isnan(b) : a < b; };
+    const auto peak = std::max_element(values.begin(), values.end(), less);
+    if (peak == values.end() || std::isnan(*peak)) return {};
+    const auto& period = series.periods[static_cast<size_t>(peak - values.begin())];
+    return fmt::format("{}: at most {} ({})\n", title, unit.text(*peak), periodText(period.from, period.to));
+}
+
+std::string plot(const HistoryAnswer& answer, const HistorySeries& series, const Unit& unit,
+                 HistoryLayout layout) {
+    HistoryPlot plot{.from = answer.from, .to = answer.to, .columns = layout.columns};
+    plot.charset = layout.charset;
+    plot.top = unit.top;
+    plot.mark = unit.text;
+    return plotText(plot, series, 0);
+}
+
+std::string safe(std::string_view text, HistoryLayout layout) {
+    constexpr int longest = 4096;
+    return fitted(text, longest, layout.charset);
+}
+
+template <class T>
+void write(JsonWriter& json, std::string_view name, const T& value) {
+    json.key(name);
+    writeJson(json, value, Known());
+}
+
+void beginAnswer(JsonWriter& json, const HistoryAnswer& answer) {
+    json.beginObject();
+    write(json, "range", traits(answer.question.span).id);
+}
+
+template <class Points>
+void writePoints(JsonWriter& json, const Points& points) {
+    json.key("points");
+    json.beginArray();
+    for (const auto& point : points) {
+        json.beginObject();
+        write(json, "start", point.start);
+        Fields<std::decay_t<decltype(point.metrics)>>::each(
+            point.metrics, Known(),
+            [&](std::string_view name, const auto& value) { write(json, name, value); });
+        json.endObject();
+    }
+    json.endArray();
+}
+
+void writeTotal(JsonWriter& json, const AppTotal& total) {
+    write(json, "app", total.bundlePath);
+    write(json, "name", appName(total));
+    write(json, "total", total.metrics);
+}
+
+} // namespace
+
+std::string seriesText(const HistoryAnswer& answer, std::optional<AppHistoryMetric> by,
+                       HistoryLayout layout) {
+    std::string text = safe(historySentence(answer), layout) + ".\n";
+    for (const auto& each : systemPlots) {
+        if (by && each.kind != *by) continue;
+        const std::array lines{each.line, each.peak.value_or(each.line)};
+        const auto series = systemSeries(answer, lines);
+        const auto title = heading(each.title, series, 1, each.unit);
+        if (!title.empty()) text += "\n" + title + plot(answer, series, each.unit, layout);
+    }
+    return text;
+}
+
+void writeSeries(JsonWriter& json, const HistoryAnswer& answer) {
+    beginAnswer(json, answer);
+    write(json, "from", answer.from);
+    write(json, "to", answer.to);
+    writePoints(json, answer.points);
+    json.endObject();
+    json.newline();
+}
+
+std::string topText(const HistoryAnswer& answer, HistoryLayout layout) {
+    const auto& metric = traits(answer.question.by);
+    const auto rows = appRankRows(answer);
+    if (rows.empty())
+        return fmt::format("No application used any of this in {}: {}.\n", lastSpan(answer.question.span),
+                           metric.title);
+    TextTable table({{"Application"}, {metric.amount, Align::right}, {"Before", Align::right}, {"Share"}},
+                    layout.charset);
+    constexpr int barCells = 20;
+    for (const auto& row : rows) {
+        const auto cells = static_cast<size_t>(std::lround(row.share * barCells));
+        std::string bar;
+        for (size_t i = 0; i < cells; ++i) bar += layout.charset == Charset::utf8 ? "█" : "#";
+        table.add({row.name, row.amount, row.comparison, bar});
+    }
+    std::string text = table.text();
+    if (answer.otherAppCount == 0) return text;
+    text += fmt::format("and {} more", answer.otherAppCount);
+    // Means of memory over different times do not add up.
+    if (answer.question.by != AppHistoryMetric::memory)
+        text += ", together " + safe(amountText(answer.otherApps, answer.question.by), layout);
+    return text + "\n";
+}
+
+void writeTop(JsonWriter& json, const HistoryAnswer& answer) {
+    beginAnswer(json, answer);
+    write(json, "by", traits(answer.question.by).id);
+    write(json, "period", answer.appPeriod);
+    write(json, "periodBefore", answer.appPeriodBefore);
+    json.key("apps");
+    json.beginArray();
+    for (const auto& app : answer.apps) {
+        json.beginObject();
+        writeTotal(json, app.total);
+        write(json, "before", app.before);
+        json.endObject();
+    }
+    json.endArray();
+    json.endObject();
+    json.newline();
+}
+
+std::vector<AppTotal> appsNamed(std::vector<AppTotal> all, std::string_view name) {
+    const auto keep = [&](const auto& fits) {
+        std::vector<AppTotal> found;
+        std::copy_if(all.begin(), all.end(), std::back_inserter(found), fits);
+        rankApps(found, AppHistoryMetric::cpu, found.size());
+        return found;
+    };
+    auto found = keep([&](const AppTotal& app) {
+        return app.bundlePath == name || compareIgnoringCase(appName(app), name) == 0;
+    });
+    if (!found.empty()) return found;
+    return keep([&](const AppTotal& app) { return containsIgnoringCase(appName(app), name); });
+}
+
+std::string appText(const HistoryAnswer& answer, HistoryLayout layout) {
+    if (!answer.app) return {};
+    std::string text =
+        fmt::format("{}, {}\n", safe(appName(*answer.app), layout), lastSpan(answer.question.span));
+    for (const auto& fact : appFacts(answer.app->metrics))
+        text += fmt::format("  {:<20}{}\n", fact.name, safe(fact.value, layout));
+    for (const auto& each : appPlots) {
+        if (each.kind != answer.question.by) continue;
+        const auto series = appSeries(answer, std::array{each.line});
+        const auto title = heading(each.title, series, 0, each.unit);
+        if (!title.empty()) text += "\n" + title + plot(answer, series, each.unit, layout);
+    }
+    return text;
+}
+
+void writeApp(JsonWriter& json, const HistoryAnswer& answer) {
+    beginAnswer(json, answer);
+    write(json, "period", answer.appPeriod);
+    if (answer.app) writeTotal(json, *answer.app);
+    writePoints(json, answer.appPoints);
+    json.endObject();
+    json.newline();
+}
+
+std::string totalsText(const HistoryAnswer& answer, HistoryLayout layout) {
+    std::string text = safe(historySentence(answer), layout) + ".\n";
+    const auto totals = historyTotals(answer);
+    if (totals.empty()) return text;
+    TextTable table({{"Part"}, {"Total", Align::right}, {""}, {"Compared"}}, layout.charset);
+    for (const auto& total : totals)
+        table.add({Reading::title(total.kind), total.figure, total.meaning, total.comparison});
+    return text + "\n" + table.text();
+}
+
+void writeTotals(JsonWriter& json, const HistoryAnswer& answer) {
+    beginAnswer(json, answer);
+    write(json, "from", answer.from);
+    write(json, "to", answer.to);
+    write(json, "total", answer.total);
+    write(json, "before", answer.before);
+    json.endObject();
+    json.newline();
+}
+
+std::string totalsText(const RecentSystemTotals& totals, HistoryLayout layout) {
+    TextTable table(
+        {{""}, {"Today", Align::right}, {"Last 7 days", Align::right}, {"Last 30 days", Align::right}},
+        layout.charset);
+    const std::array all{&totals.today, &totals.lastWeek, &totals.lastMonth};
+    const auto row = [&](const char* title, const auto& textOf) {
+        std::vector<std::string> cells{title};
+        for (const auto* metrics : all) cells.push_back(metrics->seconds > 0 ? textOf(*metrics) : "—");
+        table.add(std::move(cells));
+    };
+    const auto bytes = [](auto member) {
+        return
+            [member](const SystemMetrics& metrics) { return sizeText(static_cast<double>(metrics.*member)); };
+    };
+    row("Recorded", [](const SystemMetrics& metrics) { return format::duration(metrics.seconds); });
+    row("CPU on average",
+        [](const SystemMetrics& metrics) { return format::percent(valueOf(metrics, SystemLine::cpu)); });
+    row("CPU at most", [](const SystemMetrics& metrics) { return format::percent(metrics.peakCPUPercent); });
+    row("Memory on average",
+        [](const SystemMetrics& metrics) { return memoryText(valueOf(metrics, SystemLine::memory)); });
+    row("Memory at most", [](const SystemMetrics& metrics) {
+        return memoryText(static_cast<double>(metrics.peakMemoryBytes));
+    });
+    row("Read from disks", bytes(&SystemMetrics::diskReadBytes));
+    row("Written to disks", bytes(&SystemMetrics::diskWriteBytes));
+    row("Received", bytes(&SystemMetrics::networkInBytes));
+    row("Sent", bytes(&SystemMetrics::networkOutBytes));
+    row("Energy", [](const SystemMetrics& metrics) {
+        return metrics.powerSeconds > 0 ? format::energy(metrics.energyJoules) : std::string(format::unknown);
+    });
+    return table.text();
+}
+
+void writeTotals(JsonWriter& json, const RecentSystemTotals& totals) {
+    json.beginObject();
+    write(json, "today", totals.today);
+    write(json, "lastWeek", totals.lastWeek);
+    write(json, "lastMonth", totals.lastMonth);
+    json.endObject();
+    json.newline();
+}
+
+} // namespace quarn::cli
