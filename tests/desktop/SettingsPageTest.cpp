@@ -4,6 +4,7 @@
 #include "desktop/pages/Pages.h"
 #include "desktop/settings/SettingLine.h"
 #include "desktop/widgets/Notice.h"
+#include "history/History.h"
 #include "settings/Support.h"
 
 #include <QCheckBox>
@@ -54,7 +55,8 @@ protected:
                      .root = sysinfo::SystemRoot(root.path())}};
     LiveHistory history;
     NoNavigator navigator;
-    desktop::PageContext context{monitor, prefs, history, navigator};
+    History records{monitor, prefs, main, folder.path / "metrics.sqlite"};
+    desktop::PageContext context{monitor, prefs, history, records.apps(), records.metrics(), navigator};
     std::unique_ptr<desktop::Page> page{desktop::makeSettingsPage(context)};
 };
 
