@@ -11,6 +11,7 @@
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
+#include <QPointer>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QVBoxLayout>
@@ -44,6 +45,9 @@ MainWindow::MainWindow(Monitor& monitor, Prefs& prefs, const LiveHistory& histor
 
     connect(sidebar_, &Sidebar::chosen, this, [this](const QString& id) { open(id); });
     addShortcuts();
+    records.apps().observeList([self = QPointer<MainWindow>(this)] {
+        if (self) self->showApplications();
+    });
     if (!restoreGeometry(UiState::bytes("window/geometry"))) resize(1200, 800);
     open(firstPage());
     sidebar_->setFocus();
@@ -82,7 +86,26 @@ void MainWindow::open(const QString& id, const QString& search) {
         sidebar_->select(id);
         UiState::setText("window/page", id);
     }
-    if (snapshot_.generation > 0) shown->refresh(snapshot_, known_);
+    followApplications();
+    showCurrent();
+}
+
+/// All of the current page, before the next snapshot comes.
+void MainWindow::showCurrent() {
+    if (snapshot_.generation == 0) return;
+    page(current_)->refresh(snapshot_, known_);
+    showApplications();
+}
+
+void MainWindow::showApplications() {
+    const auto list = context_.apps.latest();
+    if (list && applications_) page(current_)->showApplications(*list, snapshot_, known_);
+}
+
+void MainWindow::followApplications() {
+    const bool areWanted = isVisible() && page(current_)->needsApplications();
+    if (!areWanted) return applications_.reset();
+    if (!applications_) applications_.emplace(context_.apps);
 }
 
 void MainWindow::refresh(const Snapshot& snapshot, const Known& known) {
@@ -93,7 +116,7 @@ void MainWindow::refresh(const Snapshot& snapshot, const Known& known) {
 
 void MainWindow::settingsChanged() {
     sidebar_->reload();
-    refresh(snapshot_, known_);
+    if (isVisible() && !isMinimized()) showCurrent();
 }
 
 void MainWindow::present() {
@@ -126,11 +149,13 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 
 void MainWindow::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
+    followApplications();
     Q_EMIT visibilityChanged(true);
 }
 
 void MainWindow::hideEvent(QHideEvent* event) {
     QMainWindow::hideEvent(event);
+    followApplications();
     Q_EMIT visibilityChanged(false);
 }
 

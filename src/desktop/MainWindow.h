@@ -1,9 +1,11 @@
 #pragma once
 
 #include "desktop/Page.h"
+#include "monitor/AppWatch.h"
 
 #include <QMainWindow>
 #include <map>
+#include <optional>
 
 namespace quarn {
 class History;
@@ -48,6 +50,9 @@ private:
     Page* page(const QString& id);
     QString firstPage() const;
     void addShortcuts();
+    void showCurrent();
+    void showApplications();
+    void followApplications();
 
     Prefs& prefs_;
     PageContext context_;
@@ -58,6 +63,7 @@ private:
     QString current_;
     Snapshot snapshot_; ///< the last one, for pages that are opened between two
     Known known_;
+    std::optional<AppListRetention> applications_; ///< while a page that needs them is shown
 };
 
 } // namespace quarn::desktop

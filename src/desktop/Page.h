@@ -15,6 +15,7 @@ class LiveHistory;
 class MetricsRecorder;
 class Monitor;
 class Prefs;
+struct ResourceAppList;
 } // namespace quarn
 
 namespace quarn::desktop {
@@ -51,6 +52,11 @@ public:
     virtual void refresh(const Snapshot& snapshot, const Known& known) = 0;
     /// What the search field of the page should hold; pages without one ignore it.
     virtual void search(const QString& text);
+    /// Whether the list of applications is to be kept up to date while the page is shown.
+    virtual bool needsApplications() const { return false; }
+    /// Brings up to date what the page shows of that list. Called when the list changed while the page is
+    /// shown, and when the page becomes so.
+    virtual void showApplications(const ResourceAppList&, const Snapshot&, const Known&) {}
 
 protected:
     /// The one sentence of state under the title, in plain words.

@@ -54,8 +54,9 @@ protected:
                      .helper = helper,
                      .root = sysinfo::SystemRoot(root.path())}};
     LiveHistory history;
-    History records{{.monitor = monitor, .prefs = prefs, .main = main}};
     NoNavigator navigator;
+    History records{
+        {.monitor = monitor, .prefs = prefs, .main = main, .file = folder.path / "metrics.sqlite"}};
     desktop::PageContext context{monitor, prefs, history, records.apps(), records.metrics(), navigator};
     std::unique_ptr<desktop::Page> page{desktop::makeSettingsPage(context)};
 };

@@ -7,6 +7,7 @@
 #include "desktop/widgets/FlowGrid.h"
 #include "desktop/widgets/RangePicker.h"
 #include "desktop/widgets/TimeChart.h"
+#include "monitor/AppWatch.h"
 #include "monitor/Monitor.h"
 #include "ui/modules/Format.h"
 #include "ui/modules/HardwareText.h"
@@ -29,6 +30,7 @@ class CpuPage final : public Page {
 public:
     explicit CpuPage(PageContext& context);
     void refresh(const Snapshot& snapshot, const Known& known) override;
+    bool needsApplications() const override { return true; }
 
 private:
     static constexpr int factsWidth = 280;
@@ -84,7 +86,7 @@ CpuPage::CpuPage(PageContext& context)
 }
 
 void CpuPage::refresh(const Snapshot& snapshot, const Known& known) {
-    const std::string sentence = stateSentence(snapshot, known);
+    const std::string sentence = stateSentence(snapshot, known, context_.apps.latest().get());
     setSentence(!sentence.empty()         ? toQt(sentence)
                 : snapshot.generation < 2 ? say("How busy the cores are will be known with the next sample")
                                           : say("How busy the cores are could not be read"));

@@ -35,6 +35,8 @@ class MemoryPage final : public Page {
 public:
     explicit MemoryPage(PageContext& context);
     void refresh(const Snapshot& snapshot, const Known& known) override;
+    bool needsApplications() const override { return true; }
+    void showApplications(const ResourceAppList& list, const Snapshot& snapshot, const Known& known) override;
 
 private:
     static constexpr int cardWidth = 320;
@@ -64,7 +66,7 @@ MemoryPage::MemoryPage(PageContext& context)
                            {.full = 100, .text = [](double value) { return toQt(format::percent(value)); }})),
       pressure_(new FactTable),
       rates_(new FactTable),
-      largest_(new ApplicationList(GroupOrder::memory)) {
+      largest_(new ApplicationList(AppField::memory)) {
     addTool(range_);
     bar_->setAccessibleName(say("What memory is used for"));
     parts_->content().addWidget(bar_);
@@ -88,7 +90,7 @@ MemoryPage::MemoryPage(PageContext& context)
     content().addWidget(cards);
     content().addStretch();
     connect(largest_, &ApplicationList::opened, this,
-            [this](const QString& name) { context_.navigator.open("processes", name); });
+            [this](const QString& name) { context_.navigator.open("applications", name); });
 }
 
 void MemoryPage::refresh(const Snapshot& snapshot, const Known& known) {
@@ -104,9 +106,10 @@ void MemoryPage::refresh(const Snapshot& snapshot, const Known& known) {
     chart_->refresh(range_->follow());
     showPressure(snapshot, known);
     showRates(snapshot, known);
-    largest_->refresh(snapshot, known,
-                      context_.prefs.appCPUWholeMac.get() ? ApplicationList::CpuShare::ofTheMachine
-                                                          : ApplicationList::CpuShare::ofOneCore);
+}
+
+void MemoryPage::showApplications(const ResourceAppList& list, const Snapshot& snapshot, const Known& known) {
+    largest_->refresh(list, known, appStyle(context_.prefs, snapshot.cpu.perCore.size()));
 }
 
 void MemoryPage::showParts(const Snapshot& snapshot, const Known& known) {

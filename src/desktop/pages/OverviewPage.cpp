@@ -10,6 +10,7 @@
 #include "desktop/widgets/RangePicker.h"
 #include "desktop/widgets/Tile.h"
 #include "desktop/widgets/TimeChart.h"
+#include "monitor/AppWatch.h"
 #include "monitor/Monitor.h"
 #include "ui/modules/Format.h"
 #include "ui/modules/StateSentence.h"
@@ -36,6 +37,8 @@ class OverviewPage final : public Page {
 public:
     explicit OverviewPage(PageContext& context);
     void refresh(const Snapshot& snapshot, const Known& known) override;
+    bool needsApplications() const override { return true; }
+    void showApplications(const ResourceAppList& list, const Snapshot& snapshot, const Known& known) override;
 
 private:
     static constexpr int tileWidth = 150;
@@ -67,7 +70,7 @@ OverviewPage::OverviewPage(PageContext& context)
                            {{LiveSeries::cpuTotal, say("CPU"), WidgetKind::cpu},
                             {LiveSeries::cpuSystem, say("System share"), WidgetKind::cpu, true}},
                            {.full = 100, .text = [](double value) { return toQt(format::percent(value)); }})),
-      busiest_(new ApplicationList(GroupOrder::cpu)),
+      busiest_(new ApplicationList(AppField::cpu)),
       attention_(new AttentionList) {
     addTool(range_);
     auto* tiles = new FlowGrid(tileWidth, FlowGrid::Lead::wide);
@@ -96,22 +99,24 @@ OverviewPage::OverviewPage(PageContext& context)
     content().addStretch();
 
     connect(busiest_, &ApplicationList::opened, this,
-            [this](const QString& name) { context_.navigator.open("processes", name); });
+            [this](const QString& name) { context_.navigator.open("applications", name); });
     connect(attention_, &AttentionList::opened, this,
             [this](const QString& page, const QString& search) { context_.navigator.open(page, search); });
 }
 
 void OverviewPage::refresh(const Snapshot& snapshot, const Known& known) {
-    const std::string sentence = stateSentence(snapshot, known);
+    const std::string sentence = stateSentence(snapshot, known, context_.apps.latest().get());
     setSentence(!sentence.empty()         ? toQt(sentence)
                 : snapshot.generation < 2 ? say("How busy the machine is will be known with the next sample")
                                           : say("How busy the machine is could not be read"));
     showTiles(snapshot, known);
     chart_->refresh(range_->follow());
-    busiest_->refresh(snapshot, known,
-                      context_.prefs.appCPUWholeMac.get() ? ApplicationList::CpuShare::ofTheMachine
-                                                          : ApplicationList::CpuShare::ofOneCore);
     showAttention(snapshot, known);
+}
+
+void OverviewPage::showApplications(const ResourceAppList& list, const Snapshot& snapshot,
+                                    const Known& known) {
+    busiest_->refresh(list, known, appStyle(context_.prefs, snapshot.cpu.perCore.size()));
 }
 
 void OverviewPage::showTiles(const Snapshot& snapshot, const Known& known) {

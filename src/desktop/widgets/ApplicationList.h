@@ -1,21 +1,21 @@
 #pragma once
 
 #include "desktop/widgets/RankList.h"
-#include "ui/modules/ProcessGroups.h"
+#include "ui/modules/AppRows.h"
 
 namespace quarn::desktop {
 
-/// The applications (processes of one name) that use most of the processor or of the memory.
+/// The applications that use most of the processor or of the memory.
 class ApplicationList : public RankList {
     Q_OBJECT
 public:
-    explicit ApplicationList(GroupOrder order, QWidget* parent = nullptr);
+    /// `order` is AppField::cpu or AppField::memory.
+    explicit ApplicationList(AppField order, QWidget* parent = nullptr);
 
-    enum class CpuShare { ofOneCore, ofTheMachine };
-    void refresh(const Snapshot& snapshot, const Known& known, CpuShare share);
+    void refresh(const ResourceAppList& list, const Known& known, const AppStyle& style);
 
 private:
-    GroupOrder order_;
+    AppField order_;
 };
 
 } // namespace quarn::desktop

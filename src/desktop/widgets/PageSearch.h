@@ -9,8 +9,8 @@ namespace quarn::desktop {
 class PageSearch : public QLineEdit {
     Q_OBJECT
 public:
-    /// `searched`, or the first within it that takes keys, gets them afterwards. `name` is for screen readers,
-    /// `hint` tells what is looked at.
+    /// `searched`, or the first within it that takes keys, gets them afterwards. `name` is for screen
+    /// readers, `hint` tells what is looked at.
     PageSearch(QWidget& page, QWidget& searched, const QString& name, const QString& hint);
 };
 

@@ -7,12 +7,12 @@
 #include <QPainter>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 namespace quarn::desktop {
 
 namespace {
 
-constexpr int cellWidth = 92;
 constexpr int inset = 6;
 
 } // namespace
@@ -34,12 +34,16 @@ public:
         setToolTip(name.toHtmlEscaped());
         update();
     }
-    const QString& name() const { return row_.name; }
+    const QString& key() const { return row_.key.isEmpty() ? row_.name : row_.key; }
+    void setCurrent(bool isCurrent) {
+        if (std::exchange(isCurrent_, isCurrent) != isCurrent) update();
+    }
 
 protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         const auto& theme = Theme::current();
+        if (isCurrent_) painter.fillRect(rect(), theme.selection());
         paintBackground(painter);
         painter.fillRect(QRect(0, 0, width(), 1), theme.line());
         const QRect names(inset, 0, list_.cell(0, width()).left() - 2 * inset, height());
@@ -69,6 +73,7 @@ private:
 
     const RankList& list_;
     RankList::Row row_;
+    bool isCurrent_ = false;
 };
 
 RankList::RankList(const QString& nameTitle, std::vector<Column> columns, QWidget* parent)
@@ -82,19 +87,36 @@ RankList::RankList(const QString& nameTitle, std::vector<Column> columns, QWidge
 void RankList::show(const std::vector<Row>& rows) {
     while (rows_.size() < rows.size()) {
         auto* row = new RankRow(*this);
-        connect(row, &RowButton::clicked, this, [this, row] { Q_EMIT opened(row->name()); });
+        connect(row, &RowButton::clicked, this, [this, row] { Q_EMIT opened(row->key()); });
         layout()->addWidget(row);
         rows_.push_back(row);
     }
     for (size_t i = 0; i < rows_.size(); ++i) {
         if (i < rows.size()) rows_[i]->set(rows[i]);
+        rows_[i]->setCurrent(!current_.isEmpty() && rows_[i]->key() == current_);
         if (rows_[i]->isHidden() == (i < rows.size())) rows_[i]->setVisible(i < rows.size());
     }
 }
 
+void RankList::setColumns(std::vector<Column> columns) {
+    columns_ = std::move(columns);
+    update();
+}
+
+void RankList::setEmptyText(const QString& text) {
+    if (std::exchange(emptyText_, text) != text) update();
+}
+
+void RankList::setCurrent(const QString& key) {
+    current_ = key;
+    for (auto* row : rows_) row->setCurrent(!key.isEmpty() && row->key() == key);
+}
+
 QRect RankList::cell(int column, int width) const {
-    const int behind = static_cast<int>(columns_.size()) - column;
-    return {width - behind * cellWidth - (behind - 1) * Theme::gap, 0, cellWidth, Theme::rowHeight};
+    int left = width + Theme::gap;
+    for (size_t i = static_cast<size_t>(column); i < columns_.size(); ++i)
+        left -= columns_[i].width + Theme::gap;
+    return {left, 0, columns_[static_cast<size_t>(column)].width, Theme::rowHeight};
 }
 
 void RankList::paintEvent(QPaintEvent*) {
@@ -112,7 +134,7 @@ void RankList::paintEvent(QPaintEvent*) {
     if (!rows_.empty() && !rows_.front()->isHidden()) return;
     painter.setFont(font());
     painter.drawText(QRect(inset, height, width(), Theme::rowHeight), Qt::AlignLeft | Qt::AlignVCenter,
-                     say("No process could be read"));
+                     emptyText_);
 }
 
 } // namespace quarn::desktop

@@ -57,7 +57,7 @@ public:
 
 private:
     AppField field_;
-    int sign_;
+    double sign_;
     const Known& known_;
 };
 
@@ -196,6 +196,19 @@ std::string_view whyUntold(AppField field) {
     case AppField::energy: return "Nothing on this machine tells the power of single processes.";
     default: return "Not known on this machine.";
     }
+}
+
+std::vector<const App*> topApps(const ResourceAppList& list, AppField field, const Known& known,
+                                size_t limit) {
+    const Order order({.sortedBy = field}, known);
+    std::vector<const App*> apps;
+    apps.reserve(list.apps.size());
+    for (const App& app : list.apps) apps.push_back(&app);
+    limit = std::min(limit, apps.size());
+    std::partial_sort(apps.begin(), apps.begin() + static_cast<std::ptrdiff_t>(limit), apps.end(),
+                      [&](const App* a, const App* b) { return order({a}, {b}); });
+    apps.resize(limit);
+    return apps;
 }
 
 std::string appSentence(const ResourceAppList& list, const Known& known, size_t cores) {

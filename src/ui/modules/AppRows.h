@@ -31,7 +31,7 @@ inline constexpr size_t appFieldCount = static_cast<size_t>(AppField::threads) +
 
 /// How a person wants the figures of applications written.
 struct AppStyle {
-    ReadingStyle reading;
+    ReadingStyle reading{};
     size_t wholeMachine = 0; ///< cores, when CPU use is a share of the whole machine; 0 for shares of a core
 };
 /// What the settings say now, on a machine of so many cores.
@@ -102,6 +102,11 @@ std::string shownAppField(const AppRow& row, AppField field, const Known& known,
 std::string_view whyUnknown(const AppRow& row, AppField field, const Known& known);
 /// Why a field is not known of any application on this machine.
 std::string_view whyUntold(AppField field);
+
+/// The `limit` applications that have most of a figure, the largest first; those of which it is not known
+/// come last.
+std::vector<const ResourceAppList::App*> topApps(const ResourceAppList& list, AppField field,
+                                                 const Known& known, size_t limit);
 
 /// "52 applications with 180 processes; Firefox uses most CPU, 0.9 of 8 cores".
 std::string appSentence(const ResourceAppList& list, const Known& known, size_t cores);

@@ -21,7 +21,9 @@ std::string_view nameOf(HistorySpan span) {
 }
 
 uint64_t bytes(double count) { return static_cast<uint64_t>(std::max(count, 0.0)); }
-std::string sizeText(int64_t count) { return format::diskSize(static_cast<uint64_t>(std::max<int64_t>(count, 0))); }
+std::string sizeText(int64_t count) {
+    return format::diskSize(static_cast<uint64_t>(std::max<int64_t>(count, 0)));
+}
 
 /// How far `now` is from `before`, in whole percent; nothing from twice as much on.
 std::optional<int> percentChange(double now, double before) {
@@ -34,9 +36,21 @@ double bytesBoth(int64_t one, int64_t other) { return static_cast<double>(one) +
 
 HistoryTotal twoWays(WidgetKind kind, int64_t in, int64_t out, std::string_view inWord,
                      std::string_view outWord) {
-    return {kind, format::diskSize(bytes(bytesBoth(in, out))),
+    return {kind,
+            format::diskSize(bytes(bytesBoth(in, out))),
             fmt::format("{} {}, {} {}", sizeText(in), inWord, sizeText(out), outWord),
             {}};
+}
+
+std::string_view wordOf(AppHistoryMetric metric) {
+    switch (metric) {
+    case AppHistoryMetric::cpu: return "CPU";
+    case AppHistoryMetric::memory: return "memory";
+    case AppHistoryMetric::disk: return "of the disks";
+    case AppHistoryMetric::energy: return "energy";
+    case AppHistoryMetric::network: return "of the network";
+    }
+    return {};
 }
 
 /// How much of a span must have been recorded to speak of all of it.
@@ -72,8 +86,8 @@ std::string shortComparison(double now, double before) {
 }
 
 bool areComparable(double observed, double observedBefore) {
-    return std::min(observed, observedBefore) > 0 && std::min(observed, observedBefore) * 2 >=
-                                                         std::max(observed, observedBefore);
+    return std::min(observed, observedBefore) > 0 &&
+           std::min(observed, observedBefore) * 2 >= std::max(observed, observedBefore);
 }
 
 std::vector<HistoryTotal> historyTotals(const HistoryAnswer& answer) {
@@ -82,15 +96,16 @@ std::vector<HistoryTotal> historyTotals(const HistoryAnswer& answer) {
     std::vector<HistoryTotal> totals;
     if (!(total.seconds > 0)) return totals;
     const double cpu = valueOf(total, SystemLine::cpu), memory = valueOf(total, SystemLine::memory);
-    totals.push_back({WidgetKind::cpu, format::percent(cpu),
+    totals.push_back({WidgetKind::cpu,
+                      format::percent(cpu),
                       fmt::format("on average, {} at most", format::percent(total.peakCPUPercent)),
                       {}});
-    totals.push_back({WidgetKind::memory, format::memory(bytes(memory)),
+    totals.push_back({WidgetKind::memory,
+                      format::memory(bytes(memory)),
                       fmt::format("on average, {} at most",
                                   format::memory(bytes(static_cast<double>(total.peakMemoryBytes)))),
                       {}});
-    totals.push_back(
-        twoWays(WidgetKind::disk, total.diskReadBytes, total.diskWriteBytes, "read", "written"));
+    totals.push_back(twoWays(WidgetKind::disk, total.diskReadBytes, total.diskWriteBytes, "read", "written"));
     totals.push_back(
         twoWays(WidgetKind::network, total.networkInBytes, total.networkOutBytes, "received", "sent"));
     if (areComparable(total.seconds, before.seconds)) {
@@ -102,7 +117,8 @@ std::vector<HistoryTotal> historyTotals(const HistoryAnswer& answer) {
                                           bytesBoth(before.networkInBytes, before.networkOutBytes), span);
     }
     if (total.powerSeconds > 0) {
-        totals.push_back({WidgetKind::power, format::energy(total.energyJoules),
+        totals.push_back({WidgetKind::power,
+                          format::energy(total.energyJoules),
                           fmt::format("{} on average", format::watts(valueOf(total, SystemLine::power))),
                           {}});
         if (areComparable(total.powerSeconds, before.powerSeconds))
@@ -158,7 +174,9 @@ std::vector<AppRankRow> appRankRows(const HistoryAnswer& answer) {
     for (const AppRank& app : answer.apps) {
         const double amount = rankOf(app.total.metrics, by);
         if (!(amount > 0)) break; // the rest did nothing of the kind
-        AppRankRow row{app.total.bundlePath, std::string(appName(app.total)), amountText(app.total.metrics, by),
+        AppRankRow row{app.total.bundlePath,
+                       std::string(appName(app.total)),
+                       amountText(app.total.metrics, by),
                        {},
                        amount / greatest};
         if (compares)
@@ -179,8 +197,7 @@ std::vector<Fact> appFacts(const AppMetrics& metrics) {
         facts.push_back({"Received", sizeText(metrics.networkInBytes), {}});
         facts.push_back({"Sent", sizeText(metrics.networkOutBytes), {}});
     }
-    if (metrics.energySeconds > 0)
-        facts.push_back({"Energy", format::energy(metrics.energyJoules), {}});
+    if (metrics.energySeconds > 0) facts.push_back({"Energy", format::energy(metrics.energyJoules), {}});
     facts.push_back({"Energy score", format::threeDigits(metrics.energyImpact), {}});
     facts.push_back({"It ran for", format::duration(metrics.seconds), {}});
     return facts;
@@ -190,18 +207,14 @@ std::string historySentence(const HistoryAnswer& answer) {
     const HistorySpan span = answer.question.span;
     const double seconds = answer.total.seconds;
     if (!(seconds > 0)) return fmt::format("Nothing was recorded in {}", lastSpan(span));
-    std::string text =
-        seconds >= nearlyAll * static_cast<double>(traits(span).seconds)
-            ? fmt::format("All of {} was recorded", lastSpan(span))
-            : fmt::format("{} of {} were recorded", format::duration(seconds), lastSpan(span));
-    const auto& apps = answer.apps;
-    const auto busiest = std::max_element(apps.begin(), apps.end(), [](const AppRank& a, const AppRank& b) {
-        return a.total.metrics.cpuSeconds < b.total.metrics.cpuSeconds;
-    });
-    if (busiest == apps.end() || !(busiest->total.metrics.cpuSeconds > 0)) return text;
-    if (answer.question.by != AppHistoryMetric::cpu) return text; // others may have used more
-    return text + fmt::format("; {} used most CPU, {}", appName(busiest->total),
-                              amountSentence(busiest->total.metrics, AppHistoryMetric::cpu));
+    std::string text = seconds >= nearlyAll * static_cast<double>(traits(span).seconds)
+                           ? fmt::format("All of {} was recorded", lastSpan(span))
+                           : fmt::format("{} of {} were recorded", format::duration(seconds), lastSpan(span));
+    const AppHistoryMetric by = answer.question.by;
+    if (answer.apps.empty() || !(rankOf(answer.apps.front().total.metrics, by) > 0)) return text;
+    const AppTotal& first = answer.apps.front().total;
+    return text + fmt::format("; {} used most {}, {}", appName(first), wordOf(by),
+                              amountSentence(first.metrics, by));
 }
 
 } // namespace quarn

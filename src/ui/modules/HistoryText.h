@@ -51,7 +51,9 @@ inline constexpr std::array<AppMetricTraits, 5> appMetrics{{
     {"energy", "Energy", "Energy score", WidgetKind::power},
     {"network", "Network", "Sent and received", WidgetKind::network},
 }};
-inline const AppMetricTraits& traits(AppHistoryMetric metric) { return appMetrics[static_cast<size_t>(metric)]; }
+inline const AppMetricTraits& traits(AppHistoryMetric metric) {
+    return appMetrics[static_cast<size_t>(metric)];
+}
 
 /// "1 h 12 min", "1.20 GiB", "3.40 GB".
 std::string amountText(const AppMetrics& metrics, AppHistoryMetric metric);

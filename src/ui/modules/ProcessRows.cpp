@@ -1,8 +1,8 @@
 #include "ui/modules/ProcessRows.h"
 
 #include "core/Scan.h"
+#include "ui/modules/BusiestProgram.h"
 #include "ui/modules/LetterCase.h"
-#include "ui/modules/ProcessGroups.h"
 #include "ui/modules/SearchWords.h"
 
 #include <algorithm>
@@ -280,11 +280,10 @@ std::string processSentence(const Snapshot& snapshot, const Known& known) {
     std::string text = counted(static_cast<int64_t>(snapshot.processes.size()), " process", " processes");
     if (snapshot.totalThreads > 0) text += ", " + counted(snapshot.totalThreads, " thread", " threads");
     if (!known.processRates) return text;
-    // By name, as everywhere: a browser is many processes.
-    const auto busiest = topGroups(snapshot.processes, known, GroupOrder::cpu, 1);
+    const auto busiest = busiestProgram(snapshot.processes, known);
     constexpr double busy = 1; // percent of a core
-    if (busiest.empty() || busiest.front().cpuPercent.value_or(0) < busy) return text + "; all of them rest";
-    return text.append("; ").append(busiest.front().name.view()).append(" uses most CPU");
+    if (!busiest || busiest->cpuPercent < busy) return text + "; all of them rest";
+    return text.append("; ").append(busiest->name.view()).append(" uses most CPU");
 }
 
 std::string shellWords(std::span<const std::string> words) {

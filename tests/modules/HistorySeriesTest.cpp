@@ -1,0 +1,80 @@
+#include "ui/modules/HistorySeries.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <gtest/gtest.h>
+
+namespace quarn {
+namespace {
+
+constexpr int64_t hour = 3600, start = 1'700'006'400; // a full hour
+
+SystemPoint point(int64_t at, double seconds, double cpuSeconds) {
+    SystemPoint result{at, {}};
+    result.metrics.seconds = seconds;
+    result.metrics.cpuSeconds = cpuSeconds;
+    result.metrics.diskReadBytes = 6000;
+    return result;
+}
+
+HistoryAnswer day() {
+    HistoryAnswer answer;
+    answer.question = {HistorySpan::week, AppHistoryMetric::cpu, 10, "app"};
+    answer.from = start;
+    answer.to = start + 3 * hour + 1800;
+    answer.points = {point(start, 3600, 900), point(start + 2 * hour, 1800, 1800),
+                     point(start + 3 * hour, 0, 0)};
+    return answer;
+}
+
+TEST(HistorySeries, MeansAreOverWhatWasObserved) {
+    constexpr SystemLine lines[]{SystemLine::cpu, SystemLine::diskRead, SystemLine::power};
+    const auto series = systemSeries(day(), lines);
+    ASSERT_EQ(series.periods.size(), 3u);
+    EXPECT_EQ(series.periods[1], (HistorySeries::Period{start + 2 * hour, start + 3 * hour}));
+    EXPECT_EQ(series.periods[2].to, start + 3 * hour + 1800) << "the current hour ends now";
+    EXPECT_DOUBLE_EQ(series.lines[0][0], 25);
+    EXPECT_DOUBLE_EQ(series.lines[0][1], 100) << "half an hour of it was observed";
+    EXPECT_DOUBLE_EQ(series.lines[1][1], 6000.0 / 1800);
+    for (const auto& line : series.lines) EXPECT_TRUE(std::isnan(line[2])) << "nothing was observed";
+    EXPECT_TRUE(std::isnan(series.lines[2][0])) << "power that was not known is not 0";
+}
+
+TEST(HistorySeries, AnApplicationThatDidNotRunDidNothing) {
+    HistoryAnswer answer = day();
+    AppMetrics busy;
+    busy.seconds = 600;
+    busy.cpuSeconds = 450;
+    busy.memoryByteSeconds = 600 * 1000.0;
+    answer.appPoints = {{start, busy}, {start + 3 * hour, busy}};
+    constexpr AppLine lines[]{AppLine::cpu, AppLine::memory};
+    const auto series = appSeries(answer, lines);
+    ASSERT_EQ(series.periods.size(), 3u) << "the second hour was not recorded";
+    EXPECT_DOUBLE_EQ(series.lines[0][0], 12.5) << "of the whole hour";
+    EXPECT_DOUBLE_EQ(series.lines[0][1], 0);
+    EXPECT_DOUBLE_EQ(series.lines[0][2], 25) << "of the half hour so far";
+    EXPECT_DOUBLE_EQ(series.lines[1][0], 1000);
+    EXPECT_TRUE(std::isnan(series.lines[1][1])) << "what did not run has no memory";
+}
+
+TEST(HistorySeries, DaysAreThoseOfTheCalendar) {
+    ::setenv("TZ", "Europe/Berlin", 1);
+    ::tzset();
+    constexpr int64_t midnight = 1'792'879'200; // of 25 October 2026, a day of 25 hours
+    HistoryAnswer answer = day();
+    answer.question.span = HistorySpan::year;
+    answer.from = midnight;
+    answer.to = midnight + 40 * hour;
+    answer.points = {point(midnight, 3600, 900), point(midnight + 25 * hour, 3600, 900)};
+    constexpr SystemLine lines[]{SystemLine::cpu};
+    const auto series = systemSeries(answer, lines);
+    EXPECT_EQ(series.periods[0].to, midnight + 25 * hour);
+    constexpr AppLine appLines[]{AppLine::cpu};
+    EXPECT_EQ(appSeries(answer, appLines).periods, series.periods);
+    ::setenv("TZ", "UTC", 1);
+    ::tzset();
+}
+
+} // namespace
+} // namespace quarn

@@ -1,0 +1,116 @@
+#include "ui/modules/HistoryText.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace quarn {
+namespace {
+
+constexpr double week = 604'800;
+
+TEST(HistoryText, ComparesInWords) {
+    const struct {
+        double now, before;
+        const char *words, *column;
+    } cases[]{
+        {112, 100, "12 % more than the week before", "+12 %"},
+        {95, 100, "5 % less than the week before", "−5 %"},
+        {100.2, 100, "as much as the week before", "±0 %"},
+        {310, 100, "3.10 times the week before", "× 3.10"},
+        {0, 100, "100 % less than the week before", ""},
+        {100, 0, "nothing the week before", "new"},
+        {0, 0, "", ""},
+        {std::nan(""), 100, "", ""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(comparison(c.now, c.before, HistorySpan::week), c.words) << c.now;
+        EXPECT_EQ(shortComparison(c.now, c.before), c.column) << c.now;
+    }
+    EXPECT_TRUE(areComparable(week, week / 2));
+    EXPECT_FALSE(areComparable(week, week / 3)) << "less was observed, not less done";
+    EXPECT_FALSE(areComparable(0, 0));
+}
+
+SystemMetrics observed(double seconds, double share) {
+    SystemMetrics metrics;
+    metrics.seconds = seconds;
+    metrics.cpuSeconds = share * seconds;
+    metrics.peakCPUPercent = 97;
+    metrics.memoryByteSeconds = 4.0 * (1u << 30) * seconds;
+    metrics.diskReadBytes = static_cast<int64_t>(share * 10e9);
+    metrics.diskWriteBytes = 2'000'000'000;
+    return metrics;
+}
+
+AppTotal total(const char* key, const char* name, double cpuSeconds) {
+    AppTotal app{key, {}};
+    app.metrics.name = name;
+    app.metrics.seconds = week;
+    app.metrics.cpuSeconds = cpuSeconds;
+    app.metrics.memoryByteSeconds = week * 1e9;
+    return app;
+}
+
+HistoryAnswer lastWeek() {
+    HistoryAnswer answer;
+    answer.question = {HistorySpan::week, AppHistoryMetric::cpu, 3, {}};
+    answer.total = observed(6 * 86'400 + 4 * 3600, 0.2);
+    answer.before = observed(week, 0.1);
+    answer.apps = {{total("/menus/firefox.desktop", "Firefox", 7200), total("", "", 6000).metrics},
+                   {total("/usr/lib/x/make", "", 3600), {}},
+                   {total("idle", "idle", 0), {}}};
+    answer.appPeriod = static_cast<int64_t>(week) + 1800;
+    answer.appPeriodBefore = static_cast<int64_t>(week);
+    return answer;
+}
+
+TEST(HistoryText, TotalsOfTheMachine) {
+    const auto totals = historyTotals(lastWeek());
+    ASSERT_EQ(totals.size(), 4u) << "no power where none was known";
+    EXPECT_EQ(totals[0].figure, "20.0 %");
+    EXPECT_EQ(totals[0].meaning, "on average, 97.0 % at most");
+    EXPECT_EQ(totals[0].comparison, "2.00 times the week before");
+    EXPECT_EQ(totals[1].figure, "4.00 GiB");
+    EXPECT_EQ(totals[1].comparison, "as much as the week before");
+    EXPECT_EQ(totals[2].meaning, "2.00 GB read, 2.00 GB written");
+    EXPECT_EQ(totals[2].comparison, "33 % more than the week before");
+
+    HistoryAnswer young = lastWeek();
+    young.before = observed(3600, 0.1);
+    young.total.energyJoules = 3600 * 1200.0;
+    young.total.powerSeconds = 3600 * 100.0;
+    const auto withPower = historyTotals(young);
+    EXPECT_EQ(withPower.back().figure, "1.20 kWh");
+    EXPECT_EQ(withPower.back().meaning, "12.0 W on average");
+    for (const auto& each : withPower)
+        EXPECT_EQ(each.comparison, "") << "hardly anything was recorded before";
+    EXPECT_TRUE(historyTotals(HistoryAnswer()).empty());
+}
+
+TEST(HistoryText, RanksApplicationsThatDidSomething) {
+    const auto rows = appRankRows(lastWeek());
+    ASSERT_EQ(rows.size(), 2u);
+    EXPECT_EQ(rows[0].name, "Firefox");
+    EXPECT_EQ(rows[0].amount, "2 h 0 min");
+    EXPECT_EQ(rows[0].comparison, "+20 %");
+    EXPECT_EQ(rows[1].name, "make") << "from its key while no name is known";
+    EXPECT_EQ(rows[1].comparison, "new");
+    EXPECT_DOUBLE_EQ(rows[1].share, 0.5);
+    HistoryAnswer young = lastWeek();
+    young.before = {};
+    EXPECT_EQ(appRankRows(young)[1].comparison, "") << "nothing is new where nothing was recorded before";
+}
+
+TEST(HistoryText, SaysHowMuchOfTheSpanWasRecorded) {
+    HistoryAnswer answer = lastWeek();
+    EXPECT_EQ(historySentence(answer),
+              "6 d 4 h of the last week were recorded; Firefox used most CPU, 2 h 0 min of one core");
+    answer.apps.clear();
+    answer.total.seconds = week - 60;
+    EXPECT_EQ(historySentence(answer), "All of the last week was recorded");
+    answer.total.seconds = 0;
+    EXPECT_EQ(historySentence(answer), "Nothing was recorded in the last week");
+}
+
+} // namespace
+} // namespace quarn
