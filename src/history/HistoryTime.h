@@ -17,6 +17,12 @@ inline int64_t unixSeconds(WallTime time) {
 
 inline WallTime wallTime(int64_t unixSeconds) { return WallTime(std::chrono::seconds(unixSeconds)); }
 
+inline double secondsBetween(WallTime from, WallTime to) {
+    return std::chrono::duration<double>(to - from).count();
+}
+
+inline double epochSeconds(WallTime time) { return secondsBetween({}, time); }
+
 /// `time` rounded down to a multiple of `step`, also before 1970.
 inline int64_t roundedDown(int64_t time, int64_t step) {
     const int64_t remainder = time % step;
