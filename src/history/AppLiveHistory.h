@@ -1,6 +1,5 @@
 #pragma once
 
-#include "history/AppActivity.h"
 #include "history/MetricsReads.h"
 #include "monitor/Snapshot.h"
 
@@ -18,7 +17,7 @@ public:
     static constexpr int64_t span = 1800; ///< seconds
 
     struct Use {
-        Text app; ///< its identity, see AppActivity
+        Text app;           ///< its identity, see AppActivity
         AppMetrics metrics; ///< without the name
     };
     struct Minute {
@@ -50,9 +49,9 @@ public:
     const Names& names() const { return names_; }
 
 private:
-    Use& useIn(Minute& minute, const Text& app);
-    Minute& minuteOf(WallTime at);
-    void dropBefore(int64_t time);
+    void beginMinute(int64_t start);
+    void indexNewest();
+    AppMetrics& metricsOf(const Text& app);
 
     struct Hash {
         size_t operator()(const Text& text) const { return std::hash<std::string_view>()(text.view()); }
@@ -60,7 +59,6 @@ private:
     std::deque<Minute> minutes_;
     std::unordered_map<Text, size_t, Hash> places_; ///< in the newest minute
     std::optional<WallTime> lastList_;
-    std::set<std::string, std::less<>> energyApps_; ///< that ever told their energy
     std::set<std::string, std::less<>> unnamed_;
     Names names_;
 };

@@ -24,7 +24,8 @@ std::vector<float> bySlot(std::span<const SensorGroups::Maximum> maxima, SensorN
     for (const auto& slot : SensorGroups::slotNames(naming)) {
         const auto found = std::find_if(maxima.begin(), maxima.end(),
                                         [&](const auto& maximum) { return maximum.prefix == slot.prefix; });
-        result.push_back(static_cast<float>(found == maxima.end() ? HistorySample::notKnown : found->celsius));
+        result.push_back(
+            static_cast<float>(found == maxima.end() ? HistorySample::notKnown : found->celsius));
     }
     return result;
 }
@@ -90,10 +91,9 @@ HistorySample::HistorySample(const Snapshot& snapshot, SharedList<HistoryProc> t
     const bool sameInterfaces = previous && previous->interfacesGeneration == interfacesGeneration;
     diskRates = sameDisks ? previous->diskRates
                           : ratesOf(snapshot.disks, previous ? &previous->diskRates : nullptr, diskRate);
-    interfaceRates =
-        sameInterfaces
-            ? previous->interfaceRates
-            : ratesOf(snapshot.interfaces, previous ? &previous->interfaceRates : nullptr, interfaceRate);
+    interfaceRates = sameInterfaces ? previous->interfaceRates
+                                    : ratesOf(snapshot.interfaces,
+                                              previous ? &previous->interfaceRates : nullptr, interfaceRate);
 
     if (snapshot.generation <= 1) return; // the first sample of a run has no rates and no shares of time
     if (!snapshot.cpu.perCore.empty()) {

@@ -30,10 +30,11 @@ void HistoryStore::append(SharedSample sample, WallTime now) {
 void HistoryStore::thinOld(WallTime now) {
     const WallTime denseCut = earlier(now, denseSpan);
     const auto first = samples_.begin() + static_cast<ptrdiff_t>(thinnedCount_);
-    const auto dense = std::find_if(first, samples_.end(),
-                                    [&](const SharedSample& each) { return each->time >= denseCut; });
+    const auto dense =
+        std::find_if(first, samples_.end(), [&](const SharedSample& each) { return each->time >= denseCut; });
     if (dense - first < static_cast<ptrdiff_t>(batch)) return;
-    const auto kept = thinned({first, dense}, first == samples_.begin() ? nullptr : first[-1].get(), sparseStep);
+    const auto kept =
+        thinned({first, dense}, first == samples_.begin() ? nullptr : first[-1].get(), sparseStep);
     samples_.erase(std::copy(kept.begin(), kept.end(), first), dense);
     thinnedCount_ += kept.size();
 }

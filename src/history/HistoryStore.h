@@ -8,11 +8,11 @@ namespace quarn {
 /// A plain value, whose copy shares the samples.
 class HistoryStore {
 public:
-    double duration = 1800;   ///< seconds; older samples are dropped
-    double denseSpan = 600;   ///< seconds at the end of which every sample is kept
-    double sparseStep = 1.0;  ///< seconds between two samples before that, about
-    size_t limit = 7500;      ///< samples
-    size_t batch = 64;        ///< thinning waits for as many
+    double duration = 1800;  ///< seconds; older samples are dropped
+    double denseSpan = 600;  ///< seconds at the end of which every sample is kept
+    double sparseStep = 1.0; ///< seconds between two samples before that, about
+    size_t limit = 7500;     ///< samples
+    size_t batch = 64;       ///< thinning waits for as many
 
     const std::vector<SharedSample>& samples() const { return samples_; } ///< oldest first
 
