@@ -35,7 +35,7 @@ void ArchiveColumns::setApps(const AppLiveHistory& apps) {
     Column& index = columns["app.index"];
     Column& time = columns["app.time"];
     std::vector<Column*> targets;
-    visitUse(AppMetrics(),
+    visitUse(noUse,
              [&](std::string_view name, const auto&) { targets.push_back(&columns[std::string(name)]); });
     for (const auto& minute : apps.minutes()) {
         for (const auto& use : minute.apps) {

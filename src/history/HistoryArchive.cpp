@@ -10,7 +10,6 @@ namespace quarn::HistoryArchive {
 
 namespace {
 
-constexpr size_t mostBytes = size_t{64} << 20;
 constexpr int64_t mostSamples = 20'000;
 constexpr int64_t mostAppSamples = 1'000'000;
 constexpr size_t mostNumbers = 16'000'000; ///< in all columns together, however often one is referred to

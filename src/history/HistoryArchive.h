@@ -26,6 +26,9 @@ namespace HistoryArchive {
 /// Other versions are not read.
 inline constexpr int64_t version = 1;
 
+/// Longer files are not read.
+inline constexpr size_t mostBytes = size_t{64} << 20;
+
 struct Content {
     std::vector<SharedSample> samples; ///< oldest first; `restored` once they are decoded
     std::vector<HistoryBreak> breaks;
@@ -38,7 +41,7 @@ enum class Error {
 
 Data encode(std::span<const SharedSample> samples, std::span<const HistoryBreak> breaks,
             const AppLiveHistory& apps);
-/// Takes any bytes; memory and time are bounded by their number, and by 64 MiB of them.
+/// Takes any bytes; memory and time are bounded by their number.
 std::variant<Content, Error> decode(DataView data);
 
 } // namespace HistoryArchive

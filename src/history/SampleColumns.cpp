@@ -202,7 +202,7 @@ void ArchiveColumns::setSamples(std::span<const SharedSample> samples) {
 
 std::vector<SharedSample> ArchiveColumns::samples() const {
     std::vector<const Column*> sources;
-    visitFields(HistorySample(),
+    visitFields(noSample,
                 [&](std::string_view name, const auto&) { sources.push_back(find(*this, name, count)); });
     require(count == 0 || sources.front() != nullptr); // a time is what every sample must have
     Samples samples;
