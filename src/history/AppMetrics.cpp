@@ -13,7 +13,12 @@ constexpr double perThousandSwitches = 0.3;
 
 } // namespace
 
-void AppMetrics::add(const AppGrowth& growth) {
+void AppMetrics::add(const AppActivity& activity, double interval) {
+    const AppGrowth& growth = activity.growth;
+    seconds += interval;
+    memoryByteSeconds += interval * static_cast<double>(activity.memBytes);
+    peakMemoryBytes = std::max(peakMemoryBytes, byteCount(activity.memBytes));
+    if (growth.energyKnown) energySeconds += interval;
     const double cpu = static_cast<double>(growth.cpuNs) / 1e9;
     const double disk = static_cast<double>(growth.diskRead) + static_cast<double>(growth.diskWrite);
     cpuSeconds += cpu;

@@ -24,7 +24,8 @@ struct AppMetrics {
 
     bool operator==(const AppMetrics&) const = default;
 
-    void add(const AppGrowth& growth);
+    /// What it did in an interval of `interval` seconds, at whose end it used `activity.memBytes`.
+    void add(const AppActivity& activity, double interval);
 };
 
 } // namespace quarn

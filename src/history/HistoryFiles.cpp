@@ -29,12 +29,15 @@ fs::path dataFolder() {
     return home.is_absolute() ? home / ".local" / "share" : fs::path();
 }
 
+fs::path fileNamed(const char* name) {
+    const fs::path folder = dataFolder();
+    return folder.empty() ? folder : folder / "Quarn" / name;
+}
+
 } // namespace
 
-fs::path metricsFile() {
-    const fs::path folder = dataFolder();
-    return folder.empty() ? folder : folder / "Quarn" / "metrics.sqlite";
-}
+fs::path metricsFile() { return fileNamed("metrics.sqlite"); }
+fs::path liveHistoryFile() { return fileNamed("live-history.plist"); }
 
 void makePrivateFolder(const fs::path& folder) {
     std::error_code error;
@@ -49,14 +52,14 @@ void makePrivateFile(const fs::path& file) {
     const scutil::UniqueFd created(::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
 }
 
-fs::path setAside(const fs::path& database, std::string_view error) {
+fs::path setAside(const fs::path& file, std::string_view error) {
     fs::path aside;
     for (int number = 1; aside.empty() || fs::exists(aside); ++number)
-        aside = database.string() + ".broken-" + std::to_string(number);
-    fs::rename(database, aside);
+        aside = file.string() + ".broken-" + std::to_string(number);
+    fs::rename(file, aside);
     for (const char* companion : {"-wal", "-shm"}) {
         std::error_code missing;
-        fs::rename(database.string() + companion, aside.string() + companion, missing);
+        fs::rename(file.string() + companion, aside.string() + companion, missing);
     }
     std::ofstream(aside.string() + ".txt") << error << '\n';
     return aside;

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 namespace quarn {
 
@@ -16,6 +17,20 @@ inline int64_t unixSeconds(WallTime time) {
 }
 
 inline WallTime wallTime(int64_t unixSeconds) { return WallTime(std::chrono::seconds(unixSeconds)); }
+
+inline double secondsBetween(WallTime from, WallTime to) {
+    return std::chrono::duration<double>(to - from).count();
+}
+
+/// What of the time between two samples is taken as observed. nullopt for a hole: the machine slept, the
+/// program stood still, or the clock was set back.
+inline std::optional<double> observedSeconds(WallTime from, WallTime to) {
+    constexpr double longest = 60;
+    const double seconds = secondsBetween(from, to);
+    return seconds > 0 && seconds <= longest ? std::optional(seconds) : std::nullopt;
+}
+
+inline double epochSeconds(WallTime time) { return secondsBetween({}, time); }
 
 /// `time` rounded down to a multiple of `step`, also before 1970.
 inline int64_t roundedDown(int64_t time, int64_t step) {

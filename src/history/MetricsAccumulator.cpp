@@ -9,14 +9,7 @@ namespace quarn {
 
 namespace {
 
-constexpr double longestInterval = 60;
 constexpr size_t mostNames = 4096; ///< a machine that builds software runs new programs for ever
-
-/// Seconds to integrate over; nullopt for a hole.
-std::optional<double> interval(WallTime from, WallTime to) {
-    const double seconds = std::chrono::duration<double>(to - from).count();
-    return seconds > 0 && seconds <= longestInterval ? std::optional(seconds) : std::nullopt;
-}
 
 void integrate(SystemMetrics& bucket, const MetricsSample& before, const MetricsSample& now, double dt) {
     bucket.seconds += dt;
@@ -41,30 +34,23 @@ void integrate(SystemMetrics& bucket, const MetricsSample& before, const Metrics
 
 void MetricsAccumulator::add(const MetricsSample& sample) {
     if (lastSample_)
-        if (const auto dt = interval(lastSample_->time, sample.time))
+        if (const auto dt = observedSeconds(lastSample_->time, sample.time))
             integrate(batch_.system[roundedDown(unixSeconds(sample.time), minuteSeconds)], *lastSample_,
                       sample, *dt);
     lastSample_ = sample;
 }
 
 void MetricsAccumulator::addUnnamed(WallTime at, std::span<const AppActivity> apps) {
-    const auto dt = lastProcessList_ ? interval(*lastProcessList_, at) : std::nullopt;
+    const auto dt = lastProcessList_ ? observedSeconds(*lastProcessList_, at) : std::nullopt;
     lastProcessList_ = at;
     if (!dt || apps.empty()) return;
 
     auto& hour = batch_.apps[roundedDown(unixSeconds(at), hourSeconds)];
-    for (const auto& activity : apps) {
-        auto& bucket = bucketFor(hour, activity.app);
-        bucket.add(activity.growth);
-        bucket.seconds += *dt;
-        if (activity.growth.energyKnown) bucket.energySeconds += *dt;
-        bucket.memoryByteSeconds += *dt * static_cast<double>(activity.memBytes);
-        bucket.peakMemoryBytes = std::max(bucket.peakMemoryBytes, byteCount(activity.memBytes));
-    }
+    for (const auto& activity : apps) bucketFor(hour, activity.app).add(activity, *dt);
 }
 
 void MetricsAccumulator::addUnnamed(std::span<const AppTraffic> traffic, WallTime from, WallTime to) {
-    if (!interval(from, to) || traffic.empty()) return;
+    if (!observedSeconds(from, to) || traffic.empty()) return;
     auto& hour = batch_.apps[roundedDown(unixSeconds(to), hourSeconds)];
     for (const auto& growth : traffic) {
         auto& bucket = bucketFor(hour, growth.app);

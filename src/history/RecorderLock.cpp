@@ -9,10 +9,10 @@
 
 namespace quarn {
 
-bool RecorderLock::acquire(const std::filesystem::path& database) {
+bool RecorderLock::acquire(const std::filesystem::path& file) {
     if (isHeld()) return true;
-    makePrivateFolder(database.parent_path());
-    const std::string path = database.string() + ".lock";
+    makePrivateFolder(file.parent_path());
+    const std::string path = file.string() + ".lock";
     scutil::UniqueFd fd(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!fd) throw std::system_error(errno, std::generic_category(), "lock " + path);
     if (::flock(fd.get(), LOCK_EX | LOCK_NB) != 0) {

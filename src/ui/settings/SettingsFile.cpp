@@ -1,5 +1,7 @@
 #include "ui/settings/SettingsFile.h"
 
+#include "HelperKit/ReplaceFile.h"
+
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -8,6 +10,7 @@
 #include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <thread>
 
 #include <fmt/format.h>
@@ -31,16 +34,6 @@ constexpr auto lockPatience = 5s;
                                     path.string(), std::strerror(error), advice));
 }
 
-bool writeAll(int fd, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(fd, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return false;
-        text.remove_prefix(static_cast<size_t>(written));
-    }
-    return ::fsync(fd) == 0;
-}
-
 bool readAll(int fd, std::string& text) {
     char buffer[16384];
     for (;;) {
@@ -54,32 +47,6 @@ bool readAll(int fd, std::string& text) {
             return false;
         }
     }
-}
-
-/// Where a chain of symbolic links ends, whether or not something is there.
-fs::path linkTarget(fs::path path) {
-    constexpr int mostLinks = 40;
-    std::error_code ignored;
-    for (int followed = 0; followed < mostLinks && fs::is_symlink(path, ignored); ++followed) {
-        const fs::path next = fs::read_symlink(path, ignored);
-        path = next.is_absolute() ? next : path.parent_path() / next;
-    }
-    return path;
-}
-
-/// A new file keeps the owner and permissions of the one it replaces; the first one belongs to the folder's
-/// owner, so that a run as administrator does not lock the user out of the settings.
-void inheritOwner(int fd, const fs::path& target) {
-    struct stat former {};
-    const bool exists = ::stat(target.c_str(), &former) == 0;
-    if (!exists && ::stat(target.parent_path().c_str(), &former) != 0) return;
-    if (::fchown(fd, former.st_uid, former.st_gid) != 0 && errno != EPERM) return;
-    if (exists) ::fchmod(fd, former.st_mode & 07777);
-}
-
-void syncFolder(const fs::path& folder) {
-    const scutil::UniqueFd fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (fd) ::fsync(fd.get()); // some file systems cannot: the rename itself has been done
 }
 
 void makeFolder(const fs::path& folder) {
@@ -149,20 +116,12 @@ scutil::UniqueFd SettingsFile::lock() const {
 }
 
 FileStamp SettingsFile::replace(std::string_view text) const {
-    const fs::path target = linkTarget(path_);
-    std::string temporary = (target.parent_path() / ("." + target.filename().string() + ".XXXXXX")).string();
-    const scutil::UniqueFd fd(::mkostemp(temporary.data(), O_CLOEXEC));
-    if (!fd) fail(target, errno);
-    inheritOwner(fd.get(), target);
-    if (!writeAll(fd.get(), text) || ::rename(temporary.c_str(), target.c_str()) != 0) {
-        const int error = errno;
-        ::unlink(temporary.c_str());
-        fail(target, error);
+    try {
+        replaceFile(path_, text, NewFile::forUserAlone);
+    } catch (const std::system_error& error) {
+        fail(path_, error.code().value());
     }
-    syncFolder(target.parent_path());
-    struct stat status {};
-    ::fstat(fd.get(), &status);
-    return FileStamp(status);
+    return stamp().value_or(FileStamp());
 }
 
 fs::path SettingsFile::keepAside(std::string_view text) const {
@@ -171,7 +130,7 @@ fs::path SettingsFile::keepAside(std::string_view text) const {
         const scutil::UniqueFd fd(::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
         if (!fd && errno == EEXIST) continue;
         if (!fd) fail(aside, errno);
-        if (!writeAll(fd.get(), text)) {
+        if (!writeAll(fd.get(), text) || ::fsync(fd.get()) != 0) {
             const int error = errno;
             ::unlink(aside.c_str());
             fail(aside, error);
