@@ -20,7 +20,7 @@ namespace quarn::desktop {
 
 MainWindow::MainWindow(Monitor& monitor, Prefs& prefs, const LiveHistory& history, History& records)
     : prefs_(prefs),
-      context_{monitor, prefs, history, records.apps(), records.metrics(), *this},
+      context_{monitor, prefs, history, records.apps(), records.metrics(), records.live(), *this},
       sidebar_(new Sidebar(prefs)),
       search_(new SearchField(*this, [this] { return snapshot_.processes; })),
       stack_(new QStackedWidget) {

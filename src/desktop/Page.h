@@ -12,6 +12,7 @@ class QVBoxLayout;
 namespace quarn {
 class AppWatch;
 class LiveHistory;
+class LiveRecord;
 class MetricsRecorder;
 class Monitor;
 class Prefs;
@@ -30,6 +31,7 @@ struct PageContext {
     const LiveHistory& history; ///< the readings of the last half hour, one point a tick
     AppWatch& apps;             ///< use by application, now
     MetricsRecorder& metrics;   ///< the long-term history
+    LiveRecord& live;           ///< the last half hour, for export and recording
     Navigator& navigator;
 };
 

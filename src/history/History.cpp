@@ -12,19 +12,32 @@ History::History(Setup setup)
       metrics_({.queue = queue_,
                 .prefs = setup_.prefs,
                 .file = setup_.file,
-                .nameOf =
-                    [this](const std::string& app) { return std::string(index_->identity(app).name.view()); },
+                .nameOf = [this](const std::string& app) { return nameOf(app); },
                 .statusChanged = [this](const HistoryStatus& status) { tell(status); }}),
+      live_({.queue = recording_,
+             .file = setup_.liveFile,
+             .breaks = [this] { return setup_.monitor.historyBreaks(); },
+             .nameOf = [this](const std::string& app) { return nameOf(app); }}),
       apps_(queue_, setup_.main, index_) {
-    apps_.observeActivity(
-        [this](WallTime at, std::span<const AppActivity> apps) { metrics_.addApps(at, apps); });
+    apps_.observeActivity([this](WallTime at, std::span<const AppActivity> apps) {
+        metrics_.addApps(at, apps);
+        live_.addApps(at, apps);
+    });
     setup_.monitor.observe([this](const Snapshot& snapshot) { take(snapshot); });
-    if (setup_.monitor.root().isHost()) metrics_.start(setup_.prefs.saveMetricsHistory.get());
+    if (!setup_.monitor.root().isHost()) return;
+    metrics_.start(setup_.prefs.saveMetricsHistory.get());
+    recording_.async([this] { restoreLive(); });
+}
+
+History::~History() {
+    recording_.sync([] {}); // restored, if at all
 }
 
 void History::take(const Snapshot& snapshot) {
     metrics_.record(snapshot);
     apps_.take(snapshot);
+    // The first tick has no rates yet.
+    if (snapshot.generation > 1) live_.add(snapshot, setup_.monitor.sensorGroupMaxima());
 }
 
 void History::tell(const HistoryStatus& status) {
@@ -32,6 +45,18 @@ void History::tell(const HistoryStatus& status) {
     setup_.main.async([this, alive = std::weak_ptr(alive_), status] {
         if (alive.lock()) setup_.statusChanged(status);
     });
+}
+
+void History::restoreLive() {
+    live_.begin();
+    if (!setup_.restored) return;
+    setup_.main.async([this, alive = std::weak_ptr(alive_)] {
+        if (alive.lock()) setup_.restored();
+    });
+}
+
+std::string History::nameOf(const std::string& app) const {
+    return std::string(index_->identity(app).name.view());
 }
 
 } // namespace quarn

@@ -55,9 +55,13 @@ protected:
                      .root = sysinfo::SystemRoot(root.path())}};
     LiveHistory history;
     NoNavigator navigator;
-    History records{
-        {.monitor = monitor, .prefs = prefs, .main = main, .file = folder.path / "metrics.sqlite"}};
-    desktop::PageContext context{monitor, prefs, history, records.apps(), records.metrics(), navigator};
+    History records{{.monitor = monitor,
+                     .prefs = prefs,
+                     .main = main,
+                     .file = folder.path() / "metrics.sqlite",
+                     .liveFile = {}}};
+    desktop::PageContext context{monitor,           prefs,          history,  records.apps(),
+                                 records.metrics(), records.live(), navigator};
     std::unique_ptr<desktop::Page> page{desktop::makeSettingsPage(context)};
 };
 
