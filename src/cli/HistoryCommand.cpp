@@ -20,6 +20,8 @@ namespace quarn::cli {
 
 namespace {
 
+constexpr int longestText = 4096;
+
 /// How the values of a line are written and scaled.
 struct Unit {
     std::string (*text)(double value);
@@ -71,28 +73,27 @@ constexpr std::array<AppPlot, 7> appPlots{{
     {AppHistoryMetric::network, AppLine::sent, "Sent", size},
 }};
 
-/// "CPU: at most 97.0 % (Tue 14 Oct, 15:04)".
-std::string heading(std::string_view title, const HistorySeries& series, size_t peakLine, const Unit& unit) {
+/// "CPU: at most 97.0 % (Tue 14 Oct, 15:04)" above the plot of line 0. Nothing where nothing was measured,
+/// and no plot of nothing but zeros.
+std::string plot(std::string_view title, const HistoryAnswer& answer, const HistorySeries& series,
+                 size_t peakLine, const Unit& unit, HistoryLayout layout) {
     const auto& values = series.lines[peakLine];
     const auto less = [](double a, double b) { return std::isnan(a) ? !std::isnan(b) : a < b; };
     const auto peak = std::max_element(values.begin(), values.end(), less);
     if (peak == values.end() || std::isnan(*peak)) return {};
+    if (*peak == 0) return fmt::format("\n{}: nothing\n", title);
     const auto& period = series.periods[static_cast<size_t>(peak - values.begin())];
-    return fmt::format("{}: at most {} ({})\n", title, unit.text(*peak), periodText(period.from, period.to));
-}
-
-std::string plot(const HistoryAnswer& answer, const HistorySeries& series, const Unit& unit,
-                 HistoryLayout layout) {
     HistoryPlot plot{.from = answer.from, .to = answer.to, .columns = layout.columns};
     plot.charset = layout.charset;
     plot.top = unit.top;
     plot.mark = unit.text;
-    return plotText(plot, series, 0);
+    return fmt::format("\n{}: at most {} ({})\n", title, unit.text(*peak),
+                       fitted(periodText(period.from, period.to), longestText, layout.charset)) +
+           plotText(plot, series, 0);
 }
 
 std::string safe(std::string_view text, HistoryLayout layout) {
-    constexpr int longest = 4096;
-    return fitted(text, longest, layout.charset);
+    return fitted(text, longestText, layout.charset);
 }
 
 template <class T>
@@ -135,9 +136,7 @@ std::string seriesText(const HistoryAnswer& answer, std::optional<AppHistoryMetr
     for (const auto& each : systemPlots) {
         if (by && each.kind != *by) continue;
         const std::array lines{each.line, each.peak.value_or(each.line)};
-        const auto series = systemSeries(answer, lines);
-        const auto title = heading(each.title, series, 1, each.unit);
-        if (!title.empty()) text += "\n" + title + plot(answer, series, each.unit, layout);
+        text += plot(each.title, answer, systemSeries(answer, lines), 1, each.unit, layout);
     }
     return text;
 }
@@ -167,6 +166,9 @@ std::string topText(const HistoryAnswer& answer, HistoryLayout layout) {
         table.add({row.name, row.amount, row.comparison, bar});
     }
     std::string text = table.text();
+    if (answer.question.span == HistorySpan::hour)
+        text += "Applications are kept by the hour; this is since " +
+                safe(clockText(answer.to - answer.appPeriod), layout) + ".\n";
     if (answer.otherAppCount == 0) return text;
     text += fmt::format("and {} more", answer.otherAppCount);
     // Means of memory over different times do not add up.
@@ -215,9 +217,7 @@ std::string appText(const HistoryAnswer& answer, HistoryLayout layout) {
         text += fmt::format("  {:<20}{}\n", fact.name, safe(fact.value, layout));
     for (const auto& each : appPlots) {
         if (each.kind != answer.question.by) continue;
-        const auto series = appSeries(answer, std::array{each.line});
-        const auto title = heading(each.title, series, 0, each.unit);
-        if (!title.empty()) text += "\n" + title + plot(answer, series, each.unit, layout);
+        text += plot(each.title, answer, appSeries(answer, std::array{each.line}), 0, each.unit, layout);
     }
     return text;
 }

@@ -37,7 +37,7 @@ struct HistoryQuestion {
     HistorySpan span = HistorySpan::day;
     AppHistoryMetric by = AppHistoryMetric::cpu; ///< ranks the applications
     size_t limit = 10;                           ///< of applications
-    std::string app;                             ///< whose own series is wanted; empty for none
+    std::string app{};                           ///< whose own series is wanted; empty for none
 
     bool operator==(const HistoryQuestion&) const = default;
 };

@@ -47,6 +47,7 @@ Outcome runProgram(const std::vector<std::string>& arguments, int out) {
     const pid_t pid = ::fork();
     if (pid == 0) {
         ::setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
+        ::setenv("XDG_DATA_HOME", folder.path().c_str(), 1);
         ::setenv("LC_ALL", "C.UTF-8", 1);
         ::dup2(::open("/dev/null", O_RDONLY), STDIN_FILENO);
         ::dup2(out < 0 ? ::creat(file("out").c_str(), 0600) : out, STDOUT_FILENO);
@@ -74,6 +75,7 @@ TerminalProgram::TerminalProgram(const std::vector<std::string>& arguments, cons
     if (pid_ == 0) {
         ::close(terminal_);
         ::setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
+        ::setenv("XDG_DATA_HOME", "/nonexistent", 1);
         ::setenv("LC_ALL", "C.UTF-8", 1);
         ::setenv("TERM", term, 1);
         ::unsetenv("COLORTERM");

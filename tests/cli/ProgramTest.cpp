@@ -37,6 +37,12 @@ TEST(Program, WrongUsageIsOneLineAndStatusTwo) {
         {{"connections", "--proto", "icmp"}, "'icmp' is none of all, tcp, udp"},
         {{"connections", "--scope", "moon"}, "'moon' is none of internet, listening, local, all"},
         {{"connections", "--by", "name"}, "'name' is none of process, destination"},
+        {{"history"}, "takes one of series, top, app NAME, totals, export FILE, clear"},
+        {{"history", "app"}, "takes one of"},
+        {{"history", "top", "more"}, "takes one of"},
+        {{"history", "top", "--range", "decade"},
+         "'decade' is none of hour, day, week, month, year, two-years"},
+        {{"history", "top", "--by", "process"}, "'process' is none of cpu, memory, disk, energy, network"},
         {{"snapshot", "--root", "/nonexistent"}, "/nonexistent is no folder"},
         {{"--root", empty.path().string(), "volumes"}, "holds neither proc nor sys"},
         {{"\x1b[31m\nred"}, "unknown command '\uFFFD[31m\uFFFDred'"},
@@ -55,7 +61,7 @@ TEST(Program, HelpNamesEveryCommandAndGivesExamples) {
     const std::string help = outputOf({"--help"});
     for (const std::string command :
          {"snapshot", "stream", "processes", "disks", "volumes", "sensors", "connections", "interfaces",
-          "power", "battery", "gpu", "hardware", "settings"}) {
+          "power", "battery", "gpu", "hardware", "history", "recorder", "settings"}) {
         const std::string own = outputOf({command, "--help"});
         EXPECT_TRUE(contains(help, "\n  " + command + " "));
         EXPECT_TRUE(contains(own, "Example:\n  ") && contains(own, "quarn " + command)) << own;

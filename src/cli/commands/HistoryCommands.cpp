@@ -8,6 +8,7 @@
 #include "history/History.h"
 #include "history/HistoryTime.h"
 #include "history/MetricsStore.h"
+#include "ui/modules/CalendarText.h"
 #include "ui/modules/HistoryText.h"
 #include "ui/settings/Prefs.h"
 
@@ -23,6 +24,7 @@ namespace quarn::cli {
 namespace {
 
 constexpr uint64_t defaultLimit = 10;
+constexpr int longestLine = 4096;
 
 WallTime now() { return std::chrono::system_clock::now(); }
 
@@ -127,15 +129,33 @@ int runClear(const Options& options) {
     return 0;
 }
 
+int runExport(const Options& options) {
+    const auto file = liveHistoryFile();
+    const auto content = readArchive(file);
+    if (!content || content->samples.empty())
+        throw std::runtime_error(
+            "there is no live history yet; quarn-desktop and `quarn recorder` save theirs "
+            "every five minutes and when they end");
+    HistoryExport::writeCSV(options.words[1], content->samples);
+    const auto timeOf = [](const SharedSample& sample) { return unixSeconds(sample->time); };
+    writeOut(
+        fmt::format("Wrote {} samples, {}, into {}\n", content->samples.size(),
+                    fitted(periodText(timeOf(content->samples.front()), timeOf(content->samples.back()) + 1),
+                           longestLine, charsetOfEnvironment()),
+                    fitted(options.words[1], longestLine, charsetOfEnvironment())));
+    return success;
+}
+
 struct Action {
     std::string_view name;
     size_t words; ///< with the name
     int (*run)(const Options&);
 };
-constexpr std::array<Action, 5> actions{{{"series", 1, runSeries},
+constexpr std::array<Action, 6> actions{{{"series", 1, runSeries},
                                          {"top", 1, runTop},
                                          {"app", 2, runApp},
                                          {"totals", 1, runTotals},
+                                         {"export", 2, runExport},
                                          {"clear", 1, runClear}}};
 
 /// How recording is going, in a line.

@@ -126,6 +126,8 @@ std::string periodText(int64_t from, int64_t to) {
     return fmt::format("{}, {} – {}", date, clockOf(first), clockOf(local(to)));
 }
 
+std::string clockText(int64_t time) { return clockOf(local(time)); }
+
 std::string dateText(int64_t time) {
     const tm parts = local(time);
     return fmt::format("{} {} {}", parts.tm_mday, nameOf(parts.tm_mon), parts.tm_year + 1900);

@@ -24,6 +24,8 @@ std::vector<CalendarTick> calendarTicks(int64_t from, int64_t to, size_t most);
 /// A period of one minute, some hours, or whole days: "Tue 14 Oct, 15:04", "Tue 14 Oct, 15:00 – 16:00",
 /// "Tue 14 Oct 2025". `to` is exclusive.
 std::string periodText(int64_t from, int64_t to);
+/// "15:04".
+std::string clockText(int64_t time);
 /// "14 Oct 2025".
 std::string dateText(int64_t time);
 
