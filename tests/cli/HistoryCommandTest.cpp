@@ -74,9 +74,6 @@ TEST(HistoryCommand, PlotsHaveHolesWhereNothingWasRecorded) {
     EXPECT_TRUE(contains(day, " #####  ####\n    0.0 % |"));
     EXPECT_TRUE(contains(day, " -----  ----\n"));
     EXPECT_TRUE(contains(day, "\nReceived: nothing\n"));
-    EXPECT_TRUE(contains(day, " #####  ####\n    0.0 % |"));
-    EXPECT_TRUE(contains(day, " -----  ----\n"));
-    EXPECT_TRUE(contains(day, "\nReceived: nothing\n"));
     EXPECT_TRUE(contains(day, "\nMemory: at most 4.00 GiB"));
     EXPECT_FALSE(contains(day, "Power")); // never measured
 
