@@ -4,6 +4,7 @@
 #include "history/PropertyListReader.h"
 #include "history/PropertyListWriter.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace quarn::HistoryArchive {
@@ -12,7 +13,7 @@ namespace {
 
 constexpr int64_t mostSamples = 20'000;
 constexpr int64_t mostAppSamples = 1'000'000;
-constexpr size_t mostNumbers = 16'000'000; ///< in all columns together, however often one is referred to
+constexpr size_t mostNumbers = 16'000'000;
 constexpr size_t mostTexts = 100'000;
 constexpr size_t longestText = 4096;
 constexpr size_t mostBreaks = 2000;
@@ -53,7 +54,8 @@ std::vector<HistoryBreak> breaksIn(const Value& document) {
     return breaks;
 }
 
-ArchiveColumns columnsIn(const Value& document) {
+/// Of a document of `bytes`, each of whose numbers must have a byte of its own, at least.
+ArchiveColumns columnsIn(const Value& document, size_t bytes) {
     ArchiveColumns result;
     result.count = countUnder(document, "count", mostSamples);
     if (document["appSamples"]) result.appSamples = countUnder(document, "appSamples", mostAppSamples);
@@ -61,7 +63,7 @@ ArchiveColumns columnsIn(const Value& document) {
     result.topNames = textsUnder(document, "topNames");
     result.appKeys = textsUnder(document, "appKeys");
     result.appNames = textsUnder(document, "appNames");
-    size_t left = mostNumbers;
+    size_t left = std::min(mostNumbers, bytes);
     for (const auto& [name, value] : need(document["columns"]).entries()) {
         auto numbers = need(value.numbers(left));
         left -= numbers.size();
@@ -106,7 +108,7 @@ std::variant<Content, Error> decode(DataView data) {
     const Value document = list->top();
     try {
         if (need(need(document["version"]).integer()) != version) return Error::unreadable;
-        const ArchiveColumns columns = columnsIn(document);
+        const ArchiveColumns columns = columnsIn(document, data.size());
         return Content{columns.samples(), breaksIn(document), columns.apps()};
     } catch (const ArchiveColumns::Unreadable&) {
         return Error::unreadable;

@@ -55,8 +55,9 @@ std::vector<HistoryBreak> HistoryStore::restore(std::vector<SharedSample> restor
                                                 std::vector<HistoryBreak> breaks, WallTime now) {
     const WallTime cutoff = earlier(now, duration);
     const WallTime end = samples_.empty() ? now : samples_.front()->time;
-    std::erase_if(restored,
-                  [&](const SharedSample& each) { return each->time < cutoff || each->time >= end; });
+    std::erase_if(restored, [&](const SharedSample& each) {
+        return each->time < cutoff || each->time > end || (!samples_.empty() && each->time == end);
+    });
     std::erase_if(breaks, [&](const HistoryBreak& each) { return each.second < epochSeconds(cutoff); });
     if (restored.empty()) return breaks;
     breaks.emplace_back(epochSeconds(restored.back()->time), epochSeconds(end));
