@@ -75,7 +75,7 @@ TerminalProgram::TerminalProgram(const std::vector<std::string>& arguments, cons
     if (pid_ == 0) {
         ::close(terminal_);
         ::setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
-        ::setenv("XDG_DATA_HOME", "/nonexistent", 1);
+        ::setenv("XDG_DATA_HOME", "/dev/null/none", 1); // where not even root can make a folder
         ::setenv("LC_ALL", "C.UTF-8", 1);
         ::setenv("TERM", term, 1);
         ::unsetenv("COLORTERM");

@@ -195,5 +195,22 @@ TEST(LiveView, ATerminalThatCannotBeDrawnOnGetsText) {
     EXPECT_FALSE(contains(outcome.out, "\x1b"));
 }
 
+TEST(Program, TheRecorderRunsOnWhereItCannotRecordAndEndsWhenToldTo) {
+    TerminalProgram recorder({"recorder"});
+    EXPECT_TRUE(
+        recorder.waitFor("quarn: nothing can be recorded: lock /dev/null/none/Quarn/metrics.sqlite.lock"));
+    ::kill(recorder.pid(), SIGTERM);
+    EXPECT_EQ(recorder.finish().status, 0);
+}
+
+TEST(Program, AHistoryThatIsNotThereIsAFailure) {
+    for (const std::string action : {"series", "top", "totals", "clear"}) {
+        const Outcome outcome = runProgram({"history", action});
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_TRUE(contains(outcome.err, "quarn: nothing has been recorded yet; start")) << action;
+    }
+    EXPECT_TRUE(contains(runProgram({"history", "export", "/tmp/x"}).err, "there is no live history yet"));
+}
+
 } // namespace
 } // namespace quarn::testing
