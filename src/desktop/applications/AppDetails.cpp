@@ -187,9 +187,9 @@ void AppDetails::showPast(const HistoryAsker::Answer& answer) {
     past_->setVisible(isThere);
     noPast_->setVisible(!isThere);
     if (!isThere) {
-        noPast_->setText(values ? say("Nothing was recorded of it in %1.")
-                                      .arg(toQt(lastSpan(asker_.wanted()->span)))
-                                : toQt(whyNoHistory(answer.state, context_.metrics.status())));
+        noPast_->setText(
+            values ? say("Nothing was recorded of it in %1.").arg(toQt(lastSpan(asker_.wanted()->span)))
+                   : toQt(whyNoHistory(answer.state, context_.metrics.status())));
         return;
     }
     const double share = style_.wholeMachine > 0 ? static_cast<double>(style_.wholeMachine) : 1;

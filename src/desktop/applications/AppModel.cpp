@@ -1,5 +1,6 @@
 #include "desktop/applications/AppModel.h"
 
+#include "desktop/Icon.h"
 #include "desktop/Text.h"
 #include "desktop/processes/ApplicationIcons.h"
 
@@ -62,7 +63,8 @@ bool isNothing(const AppRow& row, AppField field, const Known& known) {
 
 } // namespace
 
-AppModel::AppModel(QObject* parent) : TableModel(parent), icons_(ApplicationIcons::shared()) {
+AppModel::AppModel(QObject* parent)
+    : TableModel(parent), icons_(ApplicationIcons::shared()), plainIcon_(icon("program")) {
     connect(&icons_, &ApplicationIcons::arrived, this, [this] {
         if (rowCount() > 0) Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, 0));
     });
@@ -147,13 +149,14 @@ QVariant AppModel::toolTip(const AppRow& row, AppField field) const {
     return row.app->bundle ? toQt(*row.app->bundle) : say("Programs that belong to no application");
 }
 
-/// That of the application, or of the first of its programs that has one; processes go without.
+/// That of the application, or of the first of its programs that has one, or else one for all; processes go
+/// without.
 QVariant AppModel::picture(const AppRow& row) const {
     if (row.process || icons_.empty()) return {};
-    const QIcon* icon = row.app->bundle ? icons_.find(*row.app->bundle) : nullptr;
-    for (size_t i = 0; !icon && i < row.app->processes.size(); ++i)
-        icon = icons_.find(row.app->processes[i].path);
-    return icon ? *icon : QIcon(); // an empty one keeps the names in line
+    const QIcon* picture = row.app->bundle ? icons_.find(*row.app->bundle) : nullptr;
+    for (size_t i = 0; !picture && i < row.app->processes.size(); ++i)
+        picture = icons_.find(row.app->processes[i].path);
+    return picture ? *picture : plainIcon_;
 }
 
 /// Bars are there to compare rows: of CPU the busiest application, but no less than a core, is the whole.

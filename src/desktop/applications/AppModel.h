@@ -3,6 +3,8 @@
 #include "desktop/widgets/TableModel.h"
 #include "ui/modules/AppRows.h"
 
+#include <QIcon>
+
 namespace quarn::desktop {
 
 class ApplicationIcons;
@@ -38,6 +40,7 @@ private:
     QVariant barShare(const AppRow& row, AppField field) const;
 
     const ApplicationIcons& icons_;
+    QIcon plainIcon_; ///< of what has none
     AppRows rows_;
     AppView view_;
     AppStyle style_;

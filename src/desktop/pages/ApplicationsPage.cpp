@@ -19,7 +19,7 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr int roomForBoth = 880;  ///< pixels from which the details stand at the right
+constexpr int roomForBoth = 880; ///< pixels from which the details stand at the right
 constexpr int detailsWidth = 340;
 constexpr AppField mayBeUnknown[]{AppField::disk, AppField::network, AppField::energy};
 
@@ -142,8 +142,8 @@ const AppRow* ApplicationsPage::current() const {
 void ApplicationsPage::showProcesses() {
     const AppRow* row = current();
     if (!row) return;
-    context_.navigator.open("processes",
-                            row->process ? QString::number(row->process->pid) : toQt(processSearch(*row->app)));
+    context_.navigator.open("processes", row->process ? QString::number(row->process->pid)
+                                                      : toQt(processSearch(*row->app)));
 }
 
 void ApplicationsPage::showHistory() {
@@ -165,7 +165,7 @@ void ApplicationsPage::showMenu(const QPoint& at) {
 
 void ApplicationsPage::openDetails() {
     if (!current() || !details_->isHidden()) return;
-    details_->show();
+    details_->setVisible(true);
     giveRoom();
     showDetails();
     // Once the table has got its new size.

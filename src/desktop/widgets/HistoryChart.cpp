@@ -41,8 +41,7 @@ QString HistoryChart::agoText(const Data::Period&) const { return {}; }
 void HistoryChart::describe(ChartOverlay& overlay, const std::function<double(double)>& xOf) const {
     const auto room = static_cast<size_t>(std::max(1, overlay.area.width() / tickWidth));
     overlay.ticks.clear();
-    for (const auto& tick :
-         calendarTicks(static_cast<int64_t>(from()), static_cast<int64_t>(to()), room))
+    for (const auto& tick : calendarTicks(static_cast<int64_t>(from()), static_cast<int64_t>(to()), room))
         overlay.ticks.push_back({xOf(static_cast<double>(tick.time)), toQt(tick.text)});
 }
 
