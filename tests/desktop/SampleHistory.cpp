@@ -11,6 +11,7 @@ namespace {
 
 constexpr int64_t day = 86'400;
 constexpr double gib = 1ull << 30;
+constexpr int64_t workdays = 1; ///< so that the pictures show a week of work
 
 struct Program {
     const char *key, *name;
@@ -42,21 +43,21 @@ double noise(int64_t seed) {
 
 /// How busy the machine is, 0 to 1; negative while it is switched off.
 double load(int64_t time) {
-    const int64_t hour = time / hourSeconds % 24, date = time / day, weekday = (date + 4) % 7;
-    if (noise(date) < 0.06 || hour < 6) return -1; // a day off, and nights
-    const bool isWork = weekday >= 1 && weekday <= 5 && hour >= 8 && hour < 18;
+    const int64_t hour = time / hourSeconds % 24, date = time / day;
+    if (noise(date) < 0.06 || hour < 5) return -1; // a day off, and nights
+    const bool isWork = (date + workdays) % 7 < 5 && hour >= 7 && hour < 19;
     const double season = 0.8 + 0.2 * std::sin(static_cast<double>(date) / 40);
     return (isWork ? 0.25 + 0.55 * noise(time / hourSeconds) : 0.04 + 0.1 * noise(time / hourSeconds)) *
            season;
 }
 
 SystemMetrics machine(int64_t time, double seconds) {
-    const double busy = load(time) * (0.6 + 0.8 * noise(time / minuteSeconds));
-    const double burst = noise(time / minuteSeconds + 7) > 0.93 ? 1 : 0;
+    const double busy = load(time) * (0.7 + 0.6 * noise(time / minuteSeconds));
+    const double burst = noise(time / (10 * minuteSeconds) + 7) > 0.8 ? busy : 0;
     SystemMetrics m;
     m.seconds = m.powerSeconds = seconds;
-    m.cpuSeconds = seconds * std::min(1.0, 0.5 * busy + 0.3 * burst * busy);
-    m.peakCPUPercent = std::min(100.0, 100 * (0.9 * busy + 0.4 * burst));
+    m.cpuSeconds = seconds * std::min(1.0, 0.5 * busy + 0.4 * burst);
+    m.peakCPUPercent = std::min(100.0, 100 * (0.9 * busy + 0.5 * burst));
     m.memoryByteSeconds = seconds * gib * (4 + 5 * busy);
     m.peakMemoryBytes = static_cast<int64_t>(gib * (4.3 + 6 * busy));
     m.diskReadBytes = static_cast<int64_t>(seconds * 900e3 * busy * (1 + 9 * burst));

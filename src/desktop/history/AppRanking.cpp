@@ -23,7 +23,7 @@ namespace quarn::desktop {
 namespace {
 
 constexpr int roomForTwo = 760; ///< pixels from which the chosen application stands beside the list
-constexpr int amountWidth = 128, changeWidth = 76, chartHeight = 150;
+constexpr int leastAmount = 128, changeWidth = 76, chartHeight = 150;
 const QString metricKey = "history/metric";
 
 QStringList metricTitles() {
@@ -95,10 +95,12 @@ AppRanking::AppRanking(QWidget* parent)
     metric_->setCurrent(stored);
     connect(metric_, &SegmentedChoice::chosen, this, [this](int index) {
         UiState::setText(metricKey, toQt(appMetrics[static_cast<size_t>(index)].id));
+        if (choice_ == Choice::first) app_.clear();
         Q_EMIT changed();
     });
     connect(list_, &RankList::opened, this, [this](const QString& key) {
-        choose(key.toStdString() == app_ ? std::string() : key.toStdString());
+        if (key.toStdString() == app_) return close();
+        choose(key.toStdString());
         Q_EMIT changed();
     });
     others_->setFont(Theme::captionFont());
@@ -136,10 +138,7 @@ void AppRanking::makeDetails() {
     heading->addWidget(name_, 1);
     heading->addWidget(button("applications", say("Show it among the applications that run now"),
                               [this] { Q_EMIT processesWanted(name_->text()); }));
-    heading->addWidget(button("close", say("Close the past of this application"), [this] {
-        choose({});
-        Q_EMIT changed();
-    }));
+    heading->addWidget(button("close", say("Close the past of this application"), [this] { close(); }));
     column->addLayout(heading);
     column->addWidget(amount_);
     column->addLayout(charts_);
@@ -152,8 +151,14 @@ AppHistoryMetric AppRanking::metric() const {
     return static_cast<AppHistoryMetric>(std::max(metric_->current(), 0));
 }
 
+void AppRanking::close() {
+    choose({});
+    Q_EMIT changed();
+}
+
 void AppRanking::choose(const std::string& app) {
     app_ = app;
+    choice_ = Choice::own;
     list_->setCurrent(toQt(app));
     if (app.empty()) details_->hide();
 }
@@ -161,11 +166,19 @@ void AppRanking::choose(const std::string& app) {
 void AppRanking::show(const HistoryAnswer& answer, const AppStyle& style) {
     showRanking(answer);
     showDetails(answer, style);
+    if (!app_.empty() || choice_ == Choice::own || !isWide() || answer.apps.empty()) return;
+    app_ = answer.apps.front().total.bundlePath;
+    list_->setCurrent(toQt(app_));
+    Q_EMIT changed();
 }
+
+bool AppRanking::isWide() const { return width() >= roomForTwo; }
 
 void AppRanking::showRanking(const HistoryAnswer& answer) {
     const auto& by = traits(answer.question.by);
     const auto rows = appRankRows(answer);
+    // Bars are longer where no other half needs the room.
+    const int amountWidth = app_.empty() ? std::max(leastAmount, width() / 3) : leastAmount;
     list_->setColumns({{say(by.amount), by.kind, amountWidth}, {say("Change"), by.kind, changeWidth}});
     list_->setEmptyText(say("Nothing of the kind was recorded of any application."));
     std::vector<RankList::Row> shown;
@@ -204,7 +217,7 @@ void AppRanking::showDetails(const HistoryAnswer& answer, const AppStyle& style)
 
 void AppRanking::resizeEvent(QResizeEvent* event) {
     Card::resizeEvent(event);
-    halves_->setDirection(width() >= roomForTwo ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    halves_->setDirection(isWide() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
 }
 
 } // namespace quarn::desktop

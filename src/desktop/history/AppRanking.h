@@ -36,6 +36,8 @@ protected:
 
 private:
     void makeDetails();
+    void close();
+    bool isWide() const;
     void showRanking(const HistoryAnswer& answer);
     void showDetails(const HistoryAnswer& answer, const AppStyle& style);
 
@@ -50,6 +52,8 @@ private:
     HistoryChart* chart_ = nullptr; ///< made anew with the metric
     FactTable* facts_;
     std::string app_;
+    /// Where there is room the first of the list is chosen, until a person chooses another or none.
+    enum class Choice { first, own } choice_ = Choice::first;
     std::optional<AppHistoryMetric> charted_; ///< what `chart_` is for
 };
 

@@ -86,6 +86,7 @@ HistoryCard::HistoryCard(WidgetKind kind, int chartHeight, QWidget* parent)
 void HistoryCard::show(const HistoryAnswer& answer, const HistoryTotal& total, const ReadingStyle& style,
                        uint64_t memory) {
     figure_->setText(toQt(total.figure));
+    figure_->setMinimumWidth(figure_->sizeHint().width());
     meaning_->show(toQt(total.meaning));
     setNote(toQt(total.comparison));
     std::vector<SystemLine> lines;

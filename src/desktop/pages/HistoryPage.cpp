@@ -82,7 +82,6 @@ HistoryPage::HistoryPage(PageContext& context)
       apps_(new AppRanking),
       keeping_(new HistoryKeeping(context)),
       range_(context.prefs.topAppsRange.get()) {
-    addTool(spans_);
     why_->setWordWrap(true);
     why_->setTextFormat(Qt::PlainText);
     nothing_->content().addWidget(why_);
@@ -94,6 +93,10 @@ HistoryPage::HistoryPage(PageContext& context)
     column->addWidget(cpu_);
     column->addWidget(apps_);
     column->addWidget(grid);
+    auto* choices = new QHBoxLayout;
+    choices->addWidget(spans_);
+    choices->addStretch(1);
+    content().addLayout(choices);
     content().addWidget(notice_);
     content().addWidget(nothing_);
     content().addWidget(past_);

@@ -9,6 +9,7 @@ namespace quarn::desktop {
 SegmentedChoice::SegmentedChoice(const QStringList& texts, const QString& accessibleName, QWidget* parent)
     : QWidget(parent), buttons_(new QButtonGroup(this)) {
     setAccessibleName(accessibleName);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(2);
