@@ -32,6 +32,12 @@ void draw(QPainter& p, const QString& name) {
         for (const double at : {5.0, 8.0, 11.0}) line(at, 7, at, 9), line(at, 11.5, at, 13.5);
     } else if (name == "processes") {
         for (const double at : {4.0, 8.0, 12.0}) line(2, at, 3, at), line(6, at, 14, at);
+    } else if (name == "applications") {
+        box(2, 3, 12, 10), line(2, 6.5, 14, 6.5), line(4.2, 4.8, 4.3, 4.8), line(6.4, 4.8, 6.5, 4.8);
+    } else if (name == "program") {
+        box(3, 3, 10, 10, 2.5);
+    } else if (name == "history") {
+        p.drawEllipse(QPointF(8, 8), 6, 6), polyline({{8, 4.5}, {8, 8}, {10.5, 9.8}});
     } else if (name == "network") {
         polyline({{2, 7}, {5, 3}, {8, 7}}), line(5, 3, 5, 12);
         polyline({{8, 9}, {11, 13}, {14, 9}}), line(11, 4, 11, 13);
@@ -99,11 +105,11 @@ public:
         painter->setRenderHint(QPainter::Antialiasing);
         painter->translate(rect.topLeft());
         painter->scale(rect.width() / 16.0, rect.height() / 16.0);
-        const QColor color = name_ == "quarn"          ? theme.accent()
-                             : name_ == "warning"      ? theme.warning()
-                             : name_ == "critical"     ? theme.critical()
-                             : mode == QIcon::Disabled ? theme.dim()
-                                                       : theme.text();
+        const QColor color = name_ == "quarn"                                ? theme.accent()
+                             : name_ == "warning"                            ? theme.warning()
+                             : name_ == "critical"                           ? theme.critical()
+                             : mode == QIcon::Disabled || name_ == "program" ? theme.dim()
+                                                                             : theme.text();
         painter->setPen(
             QPen(color, name_ == "quarn" ? 1.8 : 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         draw(*painter, name_);

@@ -22,56 +22,71 @@ double wave(double tick, double seed) {
 
 struct Program {
     const char *name, *path, *user;
-    double cpu;      ///< percent of a core at its busiest
-    uint64_t memory; ///< MiB
-    double diskRate; ///< bytes per second at its busiest
+    double cpu;        ///< percent of a core at its busiest
+    uint64_t memory;   ///< MiB
+    double diskRate;   ///< bytes per second at its busiest
+    const char* owner; ///< "app/" or "user/" or "system/" and whose it is; empty for what a terminal started
 };
 constexpr std::array programs{
-    Program{"firefox", "/usr/lib/firefox-esr/firefox-esr", "ada", 64, 812, 240e3},
-    Program{"cc1plus", "/usr/lib/gcc/x86_64-linux-gnu/12/cc1plus", "ada", 99, 460, 3.1e6},
-    Program{"gnome-shell", "/usr/bin/gnome-shell", "ada", 12, 388, 0},
-    Program{"Web Content", "/usr/lib/firefox-esr/firefox-esr", "ada", 31, 344, 12e3},
-    Program{"postgres", "/usr/lib/postgresql/15/bin/postgres", "postgres", 9, 168, 910e3},
-    Program{"Xorg", "/usr/lib/xorg/Xorg", "root", 6, 121, 0},
-    Program{"code", "/usr/share/code/code", "ada", 17, 512, 44e3},
-    Program{"pipewire", "/usr/bin/pipewire", "ada", 3, 18, 0},
-    Program{"sshd", "/usr/sbin/sshd", "root", 0.2, 6, 0},
-    Program{"bash", "/usr/bin/bash", "ada", 0.1, 5, 0},
-    Program{"systemd-journal", "/usr/lib/systemd/systemd-journald", "root", 0.6, 42, 18e3},
-    Program{"kworker/u16:2-events_unbound", "", "root", 1.1, 0, 0},
-    Program{"thunderbird", "/usr/lib/thunderbird/thunderbird", "ada", 8, 421, 36e3},
-    Program{"clangd", "/usr/bin/clangd", "ada", 22, 640, 90e3},
-    Program{"ninja", "/usr/bin/ninja", "ada", 2, 9, 4e3},
-    Program{"Xwayland", "/usr/bin/Xwayland", "ada", 4, 96, 0},
-    Program{"tmux: server", "/usr/bin/tmux", "ada", 0.4, 14, 0},
-    Program{"nautilus", "/usr/bin/nautilus", "ada", 1, 118, 0},
-    Program{"wireplumber", "/usr/bin/wireplumber", "ada", 0.5, 22, 0},
-    Program{"gnome-terminal-", "/usr/libexec/gnome-terminal-server", "ada", 3, 74, 0},
-    Program{"evolution-calen", "/usr/libexec/evolution-calendar-factory", "ada", 0.2, 61, 0},
-    Program{"tracker-miner-f", "/usr/libexec/tracker-miner-fs-3", "ada", 1.5, 48, 130e3},
-    Program{"xdg-desktop-por", "/usr/libexec/xdg-desktop-portal", "ada", 0.1, 19, 0},
-    Program{"ssh-agent", "/usr/bin/ssh-agent", "ada", 0.1, 3, 0},
-    Program{"gpg-agent", "/usr/bin/gpg-agent", "ada", 0.1, 4, 0},
-    Program{"NetworkManager", "/usr/sbin/NetworkManager", "root", 0.4, 24, 0},
-    Program{"systemd-resolve", "/usr/lib/systemd/systemd-resolved", "root", 0.3, 13, 0},
-    Program{"systemd-udevd", "/usr/lib/systemd/systemd-udevd", "root", 0.1, 9, 0},
-    Program{"dbus-daemon", "/usr/bin/dbus-daemon", "root", 0.6, 7, 0},
-    Program{"wpa_supplicant", "/usr/sbin/wpa_supplicant", "root", 0.2, 11, 0},
-    Program{"cupsd", "/usr/sbin/cupsd", "root", 0.1, 12, 0},
-    Program{"containerd", "/usr/bin/containerd", "root", 1.2, 58, 7e3},
-    Program{"redis-server", "/usr/bin/redis-server", "root", 0.9, 16, 2e3},
-    Program{"jbd2/nvme0n1p2-8", "", "root", 0.3, 0, 0},
-    Program{"irq/131-iwlwifi", "", "root", 0.7, 0, 0},
-    Program{"rcu_preempt", "", "root", 0.4, 0, 0},
-    Program{"ksoftirqd/3", "", "root", 0.2, 0, 0},
+    Program{"firefox", "/usr/lib/firefox-esr/firefox-esr", "ada", 64, 812, 240e3, "app/firefox-esr"},
+    Program{"cc1plus", "/usr/lib/gcc/x86_64-linux-gnu/12/cc1plus", "ada", 99, 460, 3.1e6, ""},
+    Program{"gnome-shell", "/usr/bin/gnome-shell", "ada", 12, 388, 0, "user/org.gnome.Shell@wayland.service"},
+    Program{"Web Content", "/usr/lib/firefox-esr/firefox-esr", "ada", 31, 344, 12e3, "app/firefox-esr"},
+    Program{"postgres", "/usr/lib/postgresql/15/bin/postgres", "postgres", 9, 168, 910e3,
+            "system/postgresql.service"},
+    Program{"Xorg", "/usr/lib/xorg/Xorg", "root", 6, 121, 0, "system/gdm.service"},
+    Program{"code", "/usr/share/code/code", "ada", 17, 512, 44e3, "app/code"},
+    Program{"pipewire", "/usr/bin/pipewire", "ada", 3, 18, 0, "user/pipewire.service"},
+    Program{"sshd", "/usr/sbin/sshd", "root", 0.2, 6, 0, "system/ssh.service"},
+    Program{"bash", "/usr/bin/bash", "ada", 0.1, 5, 0, ""},
+    Program{"systemd-journal", "/usr/lib/systemd/systemd-journald", "root", 0.6, 42, 18e3,
+            "system/systemd-journald.service"},
+    Program{"kworker/u16:2-events_unbound", "", "root", 1.1, 0, 0, "kernel"},
+    Program{"thunderbird", "/usr/lib/thunderbird/thunderbird", "ada", 8, 421, 36e3, "app/thunderbird"},
+    Program{"clangd", "/usr/bin/clangd", "ada", 22, 640, 90e3, "app/code"},
+    Program{"ninja", "/usr/bin/ninja", "ada", 2, 9, 4e3, ""},
+    Program{"Xwayland", "/usr/bin/Xwayland", "ada", 4, 96, 0, "user/org.gnome.Shell@wayland.service"},
+    Program{"tmux: server", "/usr/bin/tmux", "ada", 0.4, 14, 0, ""},
+    Program{"nautilus", "/usr/bin/nautilus", "ada", 1, 118, 0, "app/org.gnome.Nautilus"},
+    Program{"wireplumber", "/usr/bin/wireplumber", "ada", 0.5, 22, 0, "user/wireplumber.service"},
+    Program{"gnome-terminal-", "/usr/libexec/gnome-terminal-server", "ada", 3, 74, 0,
+            "app/org.gnome.Terminal"},
+    Program{"evolution-calen", "/usr/libexec/evolution-calendar-factory", "ada", 0.2, 61, 0,
+            "user/evolution-calendar-factory.service"},
+    Program{"tracker-miner-f", "/usr/libexec/tracker-miner-fs-3", "ada", 1.5, 48, 130e3,
+            "user/tracker-miner-fs-3.service"},
+    Program{"xdg-desktop-por", "/usr/libexec/xdg-desktop-portal", "ada", 0.1, 19, 0,
+            "user/xdg-desktop-portal.service"},
+    Program{"ssh-agent", "/usr/bin/ssh-agent", "ada", 0.1, 3, 0, "user/ssh-agent.service"},
+    Program{"gpg-agent", "/usr/bin/gpg-agent", "ada", 0.1, 4, 0, "user/gpg-agent.service"},
+    Program{"NetworkManager", "/usr/sbin/NetworkManager", "root", 0.4, 24, 0,
+            "system/NetworkManager.service"},
+    Program{"systemd-resolve", "/usr/lib/systemd/systemd-resolved", "root", 0.3, 13, 0,
+            "system/systemd-resolved.service"},
+    Program{"systemd-udevd", "/usr/lib/systemd/systemd-udevd", "root", 0.1, 9, 0,
+            "system/systemd-udevd.service"},
+    Program{"dbus-daemon", "/usr/bin/dbus-daemon", "root", 0.6, 7, 0, "system/dbus.service"},
+    Program{"wpa_supplicant", "/usr/sbin/wpa_supplicant", "root", 0.2, 11, 0,
+            "system/wpa_supplicant.service"},
+    Program{"cupsd", "/usr/sbin/cupsd", "root", 0.1, 12, 0, "system/cups.service"},
+    Program{"containerd", "/usr/bin/containerd", "root", 1.2, 58, 7e3, "system/containerd.service"},
+    Program{"redis-server", "/usr/bin/redis-server", "root", 0.9, 16, 2e3, "system/redis-server.service"},
+    Program{"jbd2/nvme0n1p2-8", "", "root", 0.3, 0, 0, "kernel"},
+    Program{"irq/131-iwlwifi", "", "root", 0.7, 0, 0, "kernel"},
+    Program{"rcu_preempt", "", "root", 0.4, 0, 0, "kernel"},
+    Program{"ksoftirqd/3", "", "root", 0.2, 0, 0, "kernel"},
 };
 
+const Program& programOf(size_t index) { return programs[index % programs.size()]; }
+bool isKernel(const Program& program) { return program.owner == std::string_view("kernel"); }
+int64_t pidOf(size_t index) { return static_cast<int64_t>(index == 0 ? 1204 : 300 + index * 37); }
+
 ProcInfo process(size_t index, double tick) {
-    const Program& program = programs[index % programs.size()];
+    const Program& program = programOf(index);
     const double share = index < programs.size() ? wave(tick, static_cast<double>(index)) : 0.02;
     ProcInfo info;
-    info.pid = static_cast<int64_t>(index == 0 ? 1204 : 300 + index * 37);
-    info.ppid = index % 3 == 0 ? 1 : static_cast<int64_t>(300 + index / 3 * 37);
+    info.pid = pidOf(index);
+    info.ppid = isKernel(program) ? 2 : index % 3 == 0 ? 1 : static_cast<int64_t>(300 + index / 3 * 37);
     info.name = program.name;
     info.user = program.user;
     info.uid = program.user == std::string_view("ada") ? 1000 : 0;
@@ -209,7 +224,48 @@ Snapshot SampleMachine::at(int tickNumber) const {
     return s;
 }
 
+namespace {
+
+/// The control group of a process, as systemd names it.
+std::string groupOf(std::string_view owner) {
+    constexpr std::string_view session = "0::/user.slice/user-1000.slice/user@1000.service/";
+    const std::string name(owner.substr(owner.find('/') + 1));
+    if (owner.starts_with("system/")) return "0::/system.slice/" + name;
+    if (owner.starts_with("user/")) return std::string(session) + "session.slice/" + name;
+    if (owner == "kernel") return "0::/";
+    std::string escaped;
+    for (const char c : owner.empty() ? "org.gnome.Terminal" : name)
+        escaped += c == '-' ? "\\x2d" : std::string(1, c);
+    return std::string(session) + "app.slice/app-gnome-" + escaped + "-7.scope";
+}
+
+/// The menus, and whose each process is.
+void captureOwners(TempRoot& root, size_t processes) {
+    constexpr std::pair<const char*, const char*> entries[]{
+        {"firefox-esr", "Name=Firefox ESR\nExec=/usr/lib/firefox-esr/firefox-esr %u"},
+        {"thunderbird", "Name=Thunderbird\nExec=/usr/lib/thunderbird/thunderbird %u"},
+        {"code", "Name=Visual Studio Code\nExec=/usr/share/code/code %F"},
+        {"org.gnome.Nautilus", "Name=Files\nExec=/usr/bin/nautilus"},
+        {"org.gnome.Terminal", "Name=Terminal\nExec=gnome-terminal\nCategories=TerminalEmulator;"},
+    };
+    for (const auto& [id, lines] : entries)
+        root.write("usr/share/applications/" + std::string(id) + ".desktop",
+                   "[Desktop Entry]\nType=Application\nIcon=" + std::string(id) + "\n" + lines + "\n");
+    for (size_t i = 0; i < processes; ++i) {
+        const Program& program = programOf(i);
+        const std::string folder = "proc/" + std::to_string(pidOf(i)) + "/";
+        root.write(folder + "cgroup", groupOf(program.owner) + "\n");
+        const bool isInTerminal = !*program.owner;
+        root.write(folder + "stat",
+                   std::to_string(pidOf(i)) + " (x) S 1 1 1 " + (isInTerminal ? "34816" : "0") + " 1 " +
+                       (isKernel(program) ? "2129984" : "4194560") + " 0 0 0 0 1 1 0 0 20 0 1 0 100 0\n");
+    }
+}
+
+} // namespace
+
 void SampleMachine::capture(TempRoot& root) {
+    captureOwners(root, SampleMachine().processes);
     constexpr std::string_view hwmon = "sys/class/hwmon/hwmon";
     const auto chip = [&](int number, std::string_view listing) {
         root.files(std::string(hwmon) + std::to_string(number), listing);

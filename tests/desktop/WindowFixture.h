@@ -13,17 +13,29 @@ namespace quarn::testing {
 /// The main window over an engine that does not run: tests and pictures hand it its snapshots.
 class WindowFixture {
 public:
-    explicit WindowFixture(LiveHistory history, sysinfo::SystemRoot root = sysinfo::SystemRoot::host())
+    explicit WindowFixture(LiveHistory history, sysinfo::SystemRoot root = sysinfo::SystemRoot::host(),
+                           std::filesystem::path historyFile = metricsFile())
         : history_(std::move(history)),
           monitor_({.queue = queue_,
                     .aux = aux_,
                     .main = main_,
                     .prefs = Prefs::shared(),
                     .helper = helper_,
-                    .root = std::move(root)}) {}
+                    .root = std::move(root)}),
+          records_({.monitor = monitor_,
+                    .prefs = Prefs::shared(),
+                    .main = main_,
+                    .file = std::move(historyFile)}) {}
+
+    /// Shows a snapshot, and its applications once they are worked at and events are processed.
+    void show(const Snapshot& snapshot) {
+        records_.apps().take(snapshot);
+        window_.refresh(snapshot, SampleMachine::known());
+    }
 
     desktop::MainWindow& window() { return window_; }
     Monitor& monitor() { return monitor_; }
+    History& records() { return records_; }
 
 private:
     desktop::QtExecutor main_;
@@ -32,7 +44,7 @@ private:
     NoHelper helper_;
     LiveHistory history_;
     Monitor monitor_;
-    History records_{{.monitor = monitor_, .prefs = Prefs::shared(), .main = main_}};
+    History records_;
     desktop::MainWindow window_{monitor_, Prefs::shared(), history_, records_};
 };
 

@@ -54,11 +54,11 @@ TEST(Window, EveryPageShowsEveryMachine) {
 TEST(Window, OpensAndOrdersPagesAsTheSettingsSay) {
     Prefs& prefs = Prefs::shared();
     prefs.rememberPage.set(false);
-    prefs.startPage.set(4);
+    prefs.startPage.set(6);
     prefs.sidebarLayout.set({{"network", "gone", "overview"}, {"gpu", "memory"}});
     WindowFixture fixture{LiveHistory()};
     auto& window = fixture.window();
-    EXPECT_EQ(window.currentPage(), "gpu") << "the fifth of the table, shown in the sidebar or not";
+    EXPECT_EQ(window.currentPage(), "gpu") << "the seventh of the table, shown in the sidebar or not";
     const QStringList shown = desktop::sidebarPages(prefs.sidebarLayout.get());
     EXPECT_EQ(shown.mid(0, 3), (QStringList{"network", "overview", "processes"}));
     EXPECT_FALSE(shown.contains("gpu"));
@@ -81,7 +81,7 @@ TEST(Window, FindsWithinThePageByKeys) {
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window)) << "shortcuts belong to the active window";
     window.refresh(SampleMachine{}.at(30), SampleMachine::known());
-    for (const char* page : {"processes", "connections", "settings"}) {
+    for (const char* page : {"processes", "applications", "connections", "settings"}) {
         SCOPED_TRACE(page);
         window.open(page);
         QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);

@@ -41,6 +41,22 @@ TEST(HistorySeries, MeansAreOverWhatWasObserved) {
     EXPECT_TRUE(std::isnan(series.lines[2][0])) << "power that was not known is not 0";
 }
 
+TEST(HistorySeries, ManyPointsAreShownTogether) {
+    HistoryAnswer answer = day();
+    answer.question.span = HistorySpan::day;
+    answer.points = {point(start, 60, 6), point(start + 240, 60, 18), point(start + 300, 60, 6),
+                     point(start + 900, 60, 6)};
+    answer.points[0].metrics.peakCPUPercent = 80;
+    constexpr SystemLine lines[]{SystemLine::cpu, SystemLine::cpuPeak};
+    const auto series = systemSeries(answer, lines);
+    using Period = HistorySeries::Period;
+    EXPECT_EQ(
+        series.periods,
+        (std::vector<Period>{{start, start + 300}, {start + 300, start + 360}, {start + 900, start + 960}}));
+    EXPECT_DOUBLE_EQ(series.lines[0][0], 20);
+    EXPECT_DOUBLE_EQ(series.lines[1][0], 80);
+}
+
 TEST(HistorySeries, AnApplicationThatDidNotRunDidNothing) {
     HistoryAnswer answer = day();
     AppMetrics busy;

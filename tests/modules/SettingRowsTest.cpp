@@ -13,9 +13,9 @@ using namespace quarn::testing;
 
 /// Settings without an effect in the windowed application: those of features that it does not have.
 const std::set<std::string_view> withoutEffect{
-    "alwaysAdmin",     "languageCode",       "alertsEnabled",   "alertNotifications", "alertSound",
-    "alertCPUPercent", "alertProcessCPU",    "topAppsRange",    "hotkeyEnabled",      "hotkeyCombo",
-    "showInDock",      "saveMetricsHistory", "autoUpdateCheck", "lastUpdateCheck",    "skippedUpdate"};
+    "alwaysAdmin",     "languageCode",    "alertsEnabled", "alertNotifications", "alertSound",
+    "alertCPUPercent", "alertProcessCPU", "hotkeyEnabled", "hotkeyCombo",        "showInDock",
+    "autoUpdateCheck", "lastUpdateCheck", "skippedUpdate"};
 
 struct Settings {
     SettingsFolder folder;

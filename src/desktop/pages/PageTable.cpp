@@ -6,6 +6,8 @@ const std::vector<PageEntry>& pageTable() {
     static const std::vector<PageEntry> table{
         {"overview", "Overview", "overview", "", makeOverviewPage},
         {"processes", "Processes", "processes", "", makeProcessesPage},
+        {"applications", "Applications", "applications", "", makeApplicationsPage},
+        {"history", "History", "history", "", makeHistoryPage},
         {"cpu", "CPU", "cpu", "Hardware", makeCpuPage},
         {"memory", "Memory", "memory", "Hardware", makeMemoryPage},
         {"gpu", "GPU", "gpu", "Hardware", makeGpuPage},

@@ -8,6 +8,8 @@ Page* makeOverviewPage(PageContext& context);
 Page* makeCpuPage(PageContext& context);
 Page* makeMemoryPage(PageContext& context);
 Page* makeProcessesPage(PageContext& context);
+Page* makeApplicationsPage(PageContext& context);
+Page* makeHistoryPage(PageContext& context);
 Page* makeNetworkPage(PageContext& context);
 Page* makeConnectionsPage(PageContext& context);
 Page* makeDisksPage(PageContext& context);

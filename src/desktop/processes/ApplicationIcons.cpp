@@ -4,11 +4,13 @@
 #include "desktop/Background.h"
 #include "desktop/processes/ProcessQueue.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QImageReader>
 #include <QPixmap>
+#include <QPointer>
 #include <QStandardPaths>
 
 namespace quarn::desktop {
@@ -41,14 +43,15 @@ Images readImages() {
             QFile file(menus.filePath(name));
             if (!file.open(QIODevice::ReadOnly)) continue;
             const auto entry = sysinfo::parseDesktopEntry(file.read(largestFile).toStdString());
-            const std::string program(entry.program());
-            if (program.empty() || entry.icon.empty() || images.contains(program)) continue;
+            if (entry.icon.empty()) continue;
             const QString picture = pictureOf(QString::fromStdString(entry.icon), dataFolders);
             if (picture.isEmpty()) continue;
-            const QImage image = QImageReader(picture).read();
-            if (!image.isNull())
-                images.emplace(program,
-                               image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+            QImage image = QImageReader(picture).read();
+            if (image.isNull()) continue;
+            image = image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+            images.emplace(file.fileName().toStdString(), image);
+            if (const auto program = entry.program(); !program.empty() && !sysinfo::isLauncher(program))
+                images.emplace(program, image);
         }
     }
     return images;
@@ -63,9 +66,16 @@ ApplicationIcons::ApplicationIcons(QObject* parent) : QObject(parent) {
     });
 }
 
+ApplicationIcons& ApplicationIcons::shared() {
+    static QPointer<ApplicationIcons> icons;
+    if (!icons) icons = new ApplicationIcons(QCoreApplication::instance());
+    return *icons;
+}
+
 const QIcon* ApplicationIcons::find(std::string_view path) const {
     if (icons_.empty()) return nullptr;
-    const auto found = icons_.find(std::string(path.substr(path.rfind('/') + 1)));
+    auto found = icons_.find(std::string(path));
+    if (found == icons_.end()) found = icons_.find(std::string(path.substr(path.rfind('/') + 1)));
     return found == icons_.end() ? nullptr : &found->second;
 }
 

@@ -83,8 +83,8 @@ RowKey keyOf(const ProcInfo& process) {
     return {static_cast<uint64_t>(process.pid), process.startTimeMicros.value_or(0)};
 }
 
-ProcessModel::ProcessModel(QObject* parent) : TableModel(parent), icons_(new ApplicationIcons(this)) {
-    connect(icons_, &ApplicationIcons::arrived, this, [this] {
+ProcessModel::ProcessModel(QObject* parent) : TableModel(parent), icons_(ApplicationIcons::shared()) {
+    connect(&icons_, &ApplicationIcons::arrived, this, [this] {
         if (rowCount() > 0) Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, 0));
     });
 }
@@ -157,8 +157,8 @@ QVariant ProcessModel::data(const QModelIndex& index, int role) const {
     case Qt::TextAlignmentRole: return headerData(index.column(), Qt::Horizontal, role);
     case Qt::ToolTipRole: return toolTip(row, field);
     case Qt::DecorationRole: {
-        if (field != ProcessField::name || icons_->empty()) return {};
-        const QIcon* icon = icons_->find(row.process->path);
+        if (field != ProcessField::name || icons_.empty()) return {};
+        const QIcon* icon = icons_.find(row.process->path);
         return icon ? *icon : QIcon(); // an empty one keeps the names in line
     }
     case TableRole::tint: return tint(row);

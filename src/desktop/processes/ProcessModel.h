@@ -41,7 +41,7 @@ private:
     QVariant toolTip(const ProcessRow& row, ProcessField field) const;
     std::optional<double> barShare(const ProcInfo& process, ProcessField field) const;
 
-    ApplicationIcons* icons_;
+    const ApplicationIcons& icons_;
     ProcessRows rows_;
     ProcessView view_;
     WallTime now_{};

@@ -51,6 +51,21 @@ void ChartOverlay::paintTexts(QPainter& painter) const {
     const QRect below(area.left(), this->height() - height, area.width(), height);
     painter.drawText(below, Qt::AlignLeft | Qt::AlignBottom, from);
     painter.drawText(below, Qt::AlignRight | Qt::AlignBottom, until);
+    paintTicks(painter, below);
+}
+
+/// Texts that would touch the one before, or stand out at an end, are left out.
+void ChartOverlay::paintTicks(QPainter& painter, const QRect& below) const {
+    int taken = 0;
+    for (const auto& tick : ticks) {
+        const int x = static_cast<int>(tick.x);
+        painter.fillRect(QRect(x, area.bottom() - 2, 1, 6), Theme::current().dim());
+        const int width = painter.fontMetrics().horizontalAdvance(tick.text);
+        const QRect place(x - width / 2, below.top(), width, below.height());
+        if (place.left() < taken || place.right() > this->width()) continue;
+        painter.drawText(place, Qt::AlignHCenter | Qt::AlignBottom, tick.text);
+        taken = place.right() + pad;
+    }
 }
 
 void ChartOverlay::paintHair(QPainter& painter) const {

@@ -32,9 +32,15 @@ public:
 
     explicit ChartOverlay(QWidget* parent);
 
+    struct Tick { ///< of the time axis
+        double x = 0;
+        QString text;
+    };
+
     QRect area; ///< of the lines
     std::vector<Mark> marks;
-    QString from, until; ///< the ends of the time axis
+    QString from, until;     ///< the ends of the time axis
+    std::vector<Tick> ticks; ///< or marks along it, from left to right
     std::optional<Hair> hair;
     bool paused = false;
     bool focused = false;
@@ -44,6 +50,7 @@ protected:
 
 private:
     void paintTexts(QPainter& painter) const;
+    void paintTicks(QPainter& painter, const QRect& below) const;
     void paintHair(QPainter& painter) const;
     void paintPause(QPainter& painter) const;
 };

@@ -16,6 +16,7 @@
 #include <QScopedValueRollback>
 #include <QTimer>
 #include <algorithm>
+#include <utility>
 
 namespace quarn::desktop {
 
@@ -179,7 +180,9 @@ void TableView::arrangeAsBuilt() {
     for (int section = 0; section < table_->columnCount(); ++section) {
         header()->moveSection(header()->visualIndex(section), section);
         Column& column = columns_[static_cast<size_t>(section)];
-        column = {column.column, column.column.shown != TableColumn::Shown::onRequest};
+        column = {.column = column.column,
+                  .isWanted = column.column.shown != TableColumn::Shown::onRequest,
+                  .whyUnknown = column.whyUnknown};
     }
 }
 
@@ -235,9 +238,9 @@ void TableView::fillWidth() {
     const QScopedValueRollback guard(arranging_, true);
     int spare = viewport()->width();
     for (int section = 0; section < header()->count(); ++section) {
-        const bool wanted = columns_[static_cast<size_t>(section)].isWanted;
-        header()->setSectionHidden(section, !wanted);
-        if (wanted) spare -= leastWidth(section);
+        const bool isShown = columns_[static_cast<size_t>(section)].isShown();
+        header()->setSectionHidden(section, !isShown);
+        if (isShown) spare -= leastWidth(section);
     }
     for (int place = header()->count() - 1; place >= 0 && spare < 0; --place) {
         const int section = header()->logicalIndex(place);
@@ -271,14 +274,23 @@ void TableView::showColumn(int section, bool shown) {
     saveSoon();
 }
 
+void TableView::setColumnUnknown(int section, const QString& why) {
+    QString& stored = columns_[static_cast<size_t>(section)].whyUnknown;
+    if (std::exchange(stored, why).isEmpty() != why.isEmpty()) fillWidth();
+}
+
 void TableView::chooseColumns(const QPoint& at) {
     QMenu menu;
+    menu.setToolTipsVisible(true);
     for (int section = 0; section < table_->columnCount(); ++section) {
         const TableColumn& column = table_->column(section);
         if (column.shown == TableColumn::Shown::always || section == 0) continue;
         QAction* action = menu.addAction(say(column.title));
         action->setCheckable(true);
         action->setChecked(!header()->isSectionHidden(section));
+        const QString& why = columns_[static_cast<size_t>(section)].whyUnknown;
+        action->setEnabled(why.isEmpty());
+        action->setToolTip(why);
         connect(action, &QAction::toggled, this, [this, section](bool shown) { showColumn(section, shown); });
     }
     menu.addSeparator();

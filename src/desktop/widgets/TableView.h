@@ -42,6 +42,9 @@ public:
     void copySelection() const;
     /// Shows or hides a column, as its entry in the menu of the header does.
     void showColumn(int section, bool shown);
+    /// A column of which no row knows anything is not shown, whatever was chosen; the menu says `why`. An
+    /// empty text makes it a column like others.
+    void setColumnUnknown(int section, const QString& why);
 
     void drawRow(QPainter* painter, const QStyleOptionViewItem& options,
                  const QModelIndex& index) const override;
@@ -60,6 +63,9 @@ private:
         bool isWanted = true;
         bool isInsistedOn = false; ///< the user asked for it, room or not
         int width = 0;             ///< that the user gave it; 0 for the built-in one
+        QString whyUnknown{};      ///< of every row
+
+        bool isShown() const { return isWanted && whyUnknown.isEmpty(); }
     };
     int builtWidth(int section) const;
     int leastWidth(int section) const;

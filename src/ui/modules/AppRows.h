@@ -33,6 +33,8 @@ inline constexpr size_t appFieldCount = static_cast<size_t>(AppField::threads) +
 struct AppStyle {
     ReadingStyle reading{};
     size_t wholeMachine = 0; ///< cores, when CPU use is a share of the whole machine; 0 for shares of a core
+
+    bool operator==(const AppStyle&) const = default;
 };
 /// What the settings say now, on a machine of so many cores.
 AppStyle appStyle(const Prefs& prefs, size_t cores);

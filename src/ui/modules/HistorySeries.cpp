@@ -2,9 +2,12 @@
 
 #include "history/Calendar.h"
 #include "history/HistoryTime.h"
+#include "history/MetricsColumns.h"
 
 #include <algorithm>
 #include <limits>
+#include <optional>
+#include <utility>
 
 namespace quarn {
 
@@ -51,6 +54,37 @@ std::vector<HistorySeries::Period> appPeriods(const HistoryAnswer& answer) {
     return periods;
 }
 
+/// Which points of the machine are shown as one: those of one part of a local day.
+class Chunks {
+public:
+    Chunks(HistorySpan span, const Calendar& calendar) : seconds_(secondsOf(span)), calendar_(calendar) {}
+
+    /// Whether this point does not belong to the one before. Points come in order.
+    bool begins(int64_t start) {
+        if (seconds_ == 0) return true;
+        if (start >= nextDay_) {
+            day_ = calendar_.startOfDay(start);
+            nextDay_ = calendar_.nextDay(start);
+        }
+        const int64_t chunk = day_ + roundedDown(start - day_, seconds_);
+        return std::exchange(chunk_, chunk) != chunk;
+    }
+
+private:
+    static int64_t secondsOf(HistorySpan span) {
+        switch (span) {
+        case HistorySpan::day: return 5 * minuteSeconds;
+        case HistorySpan::month: return 4 * hourSeconds;
+        default: return 0;
+        }
+    }
+
+    int64_t seconds_; ///< 0: each point by itself
+    const Calendar& calendar_;
+    int64_t day_ = 0, nextDay_ = 0;
+    std::optional<int64_t> chunk_;
+};
+
 } // namespace
 
 double valueOf(const SystemMetrics& metrics, SystemLine line) {
@@ -88,11 +122,19 @@ HistorySeries systemSeries(const HistoryAnswer& answer, std::span<const SystemLi
     const auto resolution = traits(answer.question.span).resolution;
     HistorySeries series;
     series.lines.resize(lines.size());
+    SystemMetrics sum;
+    Chunks chunks(answer.question.span, calendar);
     for (const SystemPoint& point : answer.points) {
-        series.periods.push_back(
-            {point.start, std::min(endOf(point.start, resolution, calendar), answer.to)});
+        const int64_t end = std::min(endOf(point.start, resolution, calendar), answer.to);
+        if (chunks.begins(point.start)) {
+            series.periods.push_back({point.start, end});
+            for (auto& line : series.lines) line.push_back(notMeasured);
+            sum = {};
+        }
+        mergeInto(sum, point.metrics);
+        series.periods.back().to = end;
         for (size_t line = 0; line < lines.size(); ++line)
-            series.lines[line].push_back(valueOf(point.metrics, lines[line]));
+            series.lines[line].back() = valueOf(sum, lines[line]);
     }
     return series;
 }

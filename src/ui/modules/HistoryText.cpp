@@ -203,6 +203,16 @@ std::vector<Fact> appFacts(const AppMetrics& metrics) {
     return facts;
 }
 
+std::string whyNoHistory(MetricsRead<HistoryAnswer>::State state, const HistoryStatus& status) {
+    using State = MetricsRead<HistoryAnswer>::State;
+    switch (state) {
+    case State::values: return {};
+    case State::off: return "The history is not being recorded.";
+    case State::failed: break;
+    }
+    return status.problem.empty() ? "The history could not be read." : status.problem;
+}
+
 std::string historySentence(const HistoryAnswer& answer) {
     const HistorySpan span = answer.question.span;
     const double seconds = answer.total.seconds;

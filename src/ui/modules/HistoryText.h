@@ -1,6 +1,7 @@
 #pragma once
 
 #include "history/HistoryReads.h"
+#include "history/MetricsStoreKeeper.h"
 #include "ui/modules/Facts.h"
 #include "ui/modules/WidgetKind.h"
 
@@ -77,5 +78,8 @@ std::vector<Fact> appFacts(const AppMetrics& metrics);
 
 /// "6 d 4 h of the last week were recorded; Firefox used most CPU, 3 h 12 min of one core".
 std::string historySentence(const HistoryAnswer& answer);
+
+/// Why the history answers nothing, for people; empty when it answers.
+std::string whyNoHistory(MetricsRead<HistoryAnswer>::State state, const HistoryStatus& status);
 
 } // namespace quarn

@@ -29,6 +29,7 @@ constexpr Choice statusSpans[]{{30.0, "30 seconds"},
                                {600.0, "10 minutes"}};
 constexpr Choice exitedSpans[]{
     {3, "3 seconds"}, {8, "8 seconds"}, {30, "30 seconds"}, {60, "1 minute"}, {300, "5 minutes"}};
+constexpr Choice historyRanges[]{{"hour", "Hour"}, {"day", "Day"}, {"week", "Week"}, {"month", "Month"}};
 constexpr Choice cpuShares[]{{false, "Share of one core"}, {true, "Share of the whole machine"}};
 constexpr Choice degrees[]{{false, "Celsius (°C)"}, {true, "Fahrenheit (°F)"}};
 constexpr Choice networkUnits[]{{false, "Bytes per second (MB/s)"}, {true, "Bits per second (Mb/s)"}};
@@ -98,6 +99,13 @@ constexpr SettingRow processes[]{
      SettingCondition{"showExited", true}},
 };
 
+constexpr SettingRow history[]{
+    {"saveMetricsHistory", "Record the long-term history",
+     "What the machine and its applications used, for up to two years. It stays on this computer."},
+    {"topAppsRange", "Span of the history", "How far back the page of the history reaches.", choice,
+     historyRanges},
+};
+
 constexpr SettingRow attention[]{
     {"alertTempC",
      "A part is hot above",
@@ -130,9 +138,15 @@ constexpr SettingRow units[]{
 };
 
 constexpr SettingRowGroup groups[]{
-    {"Appearance", appearance},          {"Sampling", sampling}, {"Window and sidebar", window},
-    {"Status items", statusItemRows},    {"Panels", panels},     {"Processes", processes},
-    {"What needs attention", attention}, {"Units", units},
+    {"Appearance", appearance},
+    {"Sampling", sampling},
+    {"Window and sidebar", window},
+    {"Status items", statusItemRows},
+    {"Panels", panels},
+    {"Processes", processes},
+    {"History", history},
+    {"What needs attention", attention},
+    {"Units", units},
 };
 
 bool has(std::span<const std::string_view> all, std::string_view id) {

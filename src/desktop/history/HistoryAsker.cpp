@@ -1,0 +1,54 @@
+#include "desktop/history/HistoryAsker.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+#include <utility>
+
+namespace quarn::desktop {
+
+namespace {
+
+constexpr int cadence = 60'000; ///< ms: that often the recorder writes
+
+} // namespace
+
+HistoryAsker::HistoryAsker(MetricsRecorder& recorder, std::function<void(const Answer&)> take,
+                           QObject* parent)
+    : QObject(parent), recorder_(recorder), take_(std::move(take)) {
+    timer_.setInterval(cadence);
+    connect(&timer_, &QTimer::timeout, this, &HistoryAsker::askAgain);
+}
+
+void HistoryAsker::want(std::optional<HistoryQuestion> question) {
+    if (question == wanted_) return;
+    wanted_ = std::move(question);
+    askAgain();
+}
+
+void HistoryAsker::setShown(bool shown) {
+    if (std::exchange(isShown_, shown) == shown) return;
+    shown ? timer_.start() : timer_.stop();
+    askAgain();
+}
+
+void HistoryAsker::askAgain() {
+    isOvertaken_ = isBusy_;
+    if (isBusy_ || !isShown_ || !wanted_) return;
+    isBusy_ = true;
+    recorder_.ask(*wanted_, [self = QPointer<HistoryAsker>(this)](Answer answer) {
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(),
+            [self, answer = std::move(answer)] {
+                if (self) self->land(answer);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void HistoryAsker::land(const Answer& answer) {
+    isBusy_ = false;
+    if (std::exchange(isOvertaken_, false)) return askAgain();
+    if (isShown_ && wanted_) take_(answer);
+}
+
+} // namespace quarn::desktop
