@@ -166,8 +166,13 @@ void AppRanking::choose(const std::string& app) {
 void AppRanking::show(const HistoryAnswer& answer, const AppStyle& style) {
     showRanking(answer);
     showDetails(answer, style);
-    if (!app_.empty() || choice_ == Choice::own || !isWide() || answer.apps.empty()) return;
-    app_ = answer.apps.front().total.bundlePath;
+    first_ = answer.apps.empty() ? std::string() : answer.apps.front().total.bundlePath;
+    chooseFirst();
+}
+
+void AppRanking::chooseFirst() {
+    if (!app_.empty() || choice_ == Choice::own || !isWide() || first_.empty()) return;
+    app_ = first_;
     list_->setCurrent(toQt(app_));
     Q_EMIT changed();
 }
@@ -218,6 +223,7 @@ void AppRanking::showDetails(const HistoryAnswer& answer, const AppStyle& style)
 void AppRanking::resizeEvent(QResizeEvent* event) {
     Card::resizeEvent(event);
     halves_->setDirection(isWide() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    if (isVisible()) chooseFirst();
 }
 
 } // namespace quarn::desktop

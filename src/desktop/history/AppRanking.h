@@ -37,6 +37,7 @@ protected:
 private:
     void makeDetails();
     void close();
+    void chooseFirst();
     bool isWide() const;
     void showRanking(const HistoryAnswer& answer);
     void showDetails(const HistoryAnswer& answer, const AppStyle& style);
@@ -52,6 +53,7 @@ private:
     HistoryChart* chart_ = nullptr; ///< made anew with the metric
     FactTable* facts_;
     std::string app_;
+    std::string first_; ///< of the list
     /// Where there is room the first of the list is chosen, until a person chooses another or none.
     enum class Choice { first, own } choice_ = Choice::first;
     std::optional<AppHistoryMetric> charted_; ///< what `chart_` is for

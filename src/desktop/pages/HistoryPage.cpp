@@ -6,6 +6,7 @@
 #include "desktop/history/HistoryAsker.h"
 #include "desktop/history/HistoryCard.h"
 #include "desktop/history/HistoryKeeping.h"
+#include "desktop/history/LiveExport.h"
 #include "desktop/pages/Pages.h"
 #include "desktop/widgets/FlowGrid.h"
 #include "desktop/widgets/Notice.h"
@@ -60,6 +61,7 @@ private:
     std::array<HistoryCard*, 4> others_;
     AppRanking* apps_;
     HistoryKeeping* keeping_;
+    LiveExport* live_;
     HistoryStatus status_;
     TopAppsRange range_; ///< the setting, as it was seen last
     uint64_t memory_ = 0;
@@ -81,6 +83,7 @@ HistoryPage::HistoryPage(PageContext& context)
               new HistoryCard(WidgetKind::power, smallChart)},
       apps_(new AppRanking),
       keeping_(new HistoryKeeping(context)),
+      live_(new LiveExport(context.live)),
       range_(context.prefs.topAppsRange.get()) {
     why_->setWordWrap(true);
     why_->setTextFormat(Qt::PlainText);
@@ -100,7 +103,10 @@ HistoryPage::HistoryPage(PageContext& context)
     content().addWidget(notice_);
     content().addWidget(nothing_);
     content().addWidget(past_);
-    content().addWidget(keeping_);
+    auto* files = new FlowGrid(smallCard);
+    files->add(keeping_);
+    files->add(live_);
+    content().addWidget(files);
     content().addStretch(1);
     showNothing(say("Reading the history …"));
 
@@ -156,6 +162,7 @@ void HistoryPage::refresh(const Snapshot& snapshot, const Known& known) {
     }
     const HistoryStatus status = context_.metrics.status();
     keeping_->show(status);
+    live_->refresh();
     if (status == status_) return;
     if (status.problem != status_.problem) notice_->tell(toQt(status.problem));
     status_ = status;
