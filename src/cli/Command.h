@@ -17,8 +17,9 @@ namespace quarn::cli {
 struct Options {
     sysinfo::SystemRoot root = sysinfo::SystemRoot::host();
     enum class Form { text, json } form = Form::text;
-    double interval = 1; ///< seconds between two samples
-    uint64_t count = 0;  ///< documents, 0 for no end
+    double interval = 1;  ///< seconds between two samples
+    uint64_t count = 0;   ///< documents, 0 for no end
+    uint64_t seconds = 0; ///< how long, 0 for no end
     ProcessOrder order = ProcessOrder::cpu;
     uint64_t limit = UINT64_MAX; ///< rows
     ConnectionsOptions connections;
@@ -45,6 +46,7 @@ enum Takes : unsigned {
     takesSpan = 2048,
     takesMetric = 4096,
     takesConfirmation = 8192,
+    takesSeconds = 16384,
 };
 
 /// One option as the help shows it.
@@ -88,6 +90,7 @@ int runBattery(const Options& options);
 int runGpu(const Options& options);
 int runHardware(const Options& options);
 int runHistory(const Options& options);
+int runRecord(const Options& options);
 int runRecorder(const Options& options);
 int runSettingsCommand(const Options& options);
 

@@ -85,6 +85,7 @@ void addOptions(CLI::App& app, const Command& command, Parsed& parsed) {
             break;
         case takesInterval: app.add_option(name, parsed.options.interval)->check(seconds); break;
         case takesCount: app.add_option(name, parsed.options.count)->check(count); break;
+        case takesSeconds: app.add_option(name, parsed.options.seconds)->check(count); break;
         case takesSort: addChoice(app, name, processOrderNames, parsed.options.order); break;
         case takesLimit: app.add_option(name, parsed.options.limit)->check(count); break;
         case takesProtocol: addChoice(app, name, connectionProtocolNames, connections.protocol); break;

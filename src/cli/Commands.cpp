@@ -5,9 +5,9 @@
 namespace quarn::cli {
 namespace {
 
-constexpr std::array<OptionRow, 12> options{{
+constexpr std::array<OptionRow, 13> options{{
     {takesJson, "--json", "", "print JSON"},
-    {takesInterval, "--interval", "SECONDS", "between the two samples that rates need (default 1)"},
+    {takesInterval, "--interval", "SECONDS", "between two samples; rates need both (default 1)"},
     {takesCount, "--count", "N", "end after N documents (default 0: never)"},
     {takesSort, "--sort", "ORDER", "cpu (default), memory, disk, pid or name"},
     {takesLimit, "--limit", "N", "print at most N"},
@@ -17,10 +17,11 @@ constexpr std::array<OptionRow, 12> options{{
     {takesGrouping, "--by", "GROUP", "process (default) or destination"},
     {takesSpan, "--range", "RANGE", "hour, day (default), week, month, year or two-years"},
     {takesMetric, "--by", "KIND", "cpu (default), memory, disk, energy or network"},
+    {takesSeconds, "--seconds", "N", "end after N seconds (default 0: never)"},
     {takesConfirmation, "--yes", "", "do not ask"},
 }};
 
-constexpr std::array<Command, 15> table{{
+constexpr std::array<Command, 16> table{{
     {"snapshot", "[options]", "One complete sample of the machine.",
      "Takes two samples, --interval seconds apart, because rates and shares need both; with an interval of 0 "
      "one sample, without rates.\nThe JSON document has a key for every reading. What is not known, or may "
@@ -81,6 +82,12 @@ constexpr std::array<Command, 15> table{{
      "For servers and for the time between logins; `systemctl --user enable --now quarn-recorder` keeps it "
      "running. Of several programs that could record one does, and another takes over when that one ends.",
      "quarn recorder", takesNothing, runRecorder},
+    {"record", "FILE [options]", "Writes measurements into a CSV file, until it is stopped.",
+     "Begins FILE anew with a line of column names, and adds a line every --interval seconds until Ctrl-C or "
+     "for --seconds. Cells of readings that this machine does not have are empty. While the disk is full, "
+     "samples are lost, but recording goes on; the exit status is then 1.",
+     "quarn record quarn-recording.csv --seconds 600", takesArguments | takesInterval | takesSeconds,
+     runRecord},
     {"settings", "list | get KEY | set KEY VALUE | reset KEY", "Shows and changes settings.",
      "  list [--json]    every setting with its value; * marks what differs from its default\n"
      "  get KEY          one value\n"

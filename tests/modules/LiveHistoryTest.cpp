@@ -1,4 +1,5 @@
 #include "ui/modules/LiveHistory.h"
+#include "history/HistorySample.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -86,6 +87,48 @@ TEST(LiveHistory, KeepsHalfAnHourAndNotForever) {
         }
     }
     EXPECT_EQ(history.values(LiveSeries::load).size(), history.times().size());
+}
+
+TEST(LiveHistory, BeginsWithWhatWasSaved) {
+    const WallTime wall = WallTime(std::chrono::seconds(1'790'000'000));
+    std::vector<std::shared_ptr<const HistorySample>> samples;
+    // Too old, a pair, one after a break, out of order after the clock was set back, after the first own
+    // point.
+    for (const int age : {1801, 300, 299, 100, 250, 5}) {
+        auto sample = std::make_shared<HistorySample>();
+        sample->time = wall - std::chrono::seconds(age);
+        sample->cpuTotal = age;
+        sample->memUsed = 25;
+        sample->sensorGroupMax = {NAN, 61};
+        sample->hotspotC = 70;
+        samples.push_back(sample);
+    }
+    const std::pair<double, double> breaks[]{{1'790'000'000 - 290, 1'790'000'000 - 110}};
+    LiveHistory history;
+    add(history, 1990, 7); // the program has run for ten seconds
+    add(history, 1992, 8);
+    history.restore(samples, breaks, 100, {wall, 2000});
+    const auto times = history.times(), cpu = history.values(LiveSeries::cpuTotal);
+    ASSERT_EQ(times.size(), 7U);
+    EXPECT_TRUE(std::is_sorted(times.begin(), times.end()));
+    EXPECT_EQ(times[0], 1700);
+    EXPECT_EQ(times[6], 1992);
+    const double expected[]{300, 299, NAN, 100, NAN, 7, 8};
+    for (size_t i = 0; i < 7; ++i) {
+        if (std::isnan(expected[i]))
+            EXPECT_TRUE(std::isnan(cpu[i])) << i;
+        else
+            EXPECT_EQ(cpu[i], expected[i]) << i;
+    }
+    EXPECT_EQ(history.values(LiveSeries::memoryUsed)[0], 25);
+    EXPECT_EQ(history.values(LiveSeries::temperature)[0], 61);
+    EXPECT_TRUE(std::isnan(history.values(LiveSeries::load)[0]));
+    add(history, 1994, 9);
+    EXPECT_EQ(history.times().size(), 8U);
+
+    LiveHistory empty;
+    empty.restore({}, {}, 0, {wall, 10});
+    EXPECT_TRUE(empty.empty());
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "ui/modules/LiveHistory.h"
 
+#include "history/HistorySample.h"
 #include "ui/modules/Format.h"
 
 #include <algorithm>
@@ -13,11 +14,44 @@ constexpr double pauseInTicks = 2.5;
 
 constexpr size_t at(LiveSeries series) { return static_cast<size_t>(series); }
 
+using Values = std::array<double, at(LiveSeries::count)>;
+
+Values nothing() {
+    Values values;
+    values.fill(format::notKnown);
+    return values;
+}
+
+/// As representativeTemperature has it: the processor's, or else the hottest.
+double temperatureOf(const HistorySample& sample) {
+    for (const float maximum : sample.sensorGroupMax)
+        if (!std::isnan(maximum)) return static_cast<double>(maximum);
+    return sample.hotspotC.value_or(format::notKnown);
+}
+
+Values valuesOf(const HistorySample& sample, uint64_t memoryTotal) {
+    Values values = nothing();
+    values[at(LiveSeries::cpuTotal)] = sample.cpuTotal;
+    values[at(LiveSeries::cpuSystem)] = sample.cpuSystem;
+    if (memoryTotal > 0) {
+        values[at(LiveSeries::memoryUsed)] =
+            static_cast<double>(sample.memUsed) * 100 / static_cast<double>(memoryTotal);
+        values[at(LiveSeries::swapUsed)] = static_cast<double>(sample.memSwap);
+    }
+    values[at(LiveSeries::gpu)] = sample.gpuUtil.value_or(format::notKnown);
+    values[at(LiveSeries::temperature)] = temperatureOf(sample);
+    values[at(LiveSeries::networkIn)] = sample.netRx;
+    values[at(LiveSeries::networkOut)] = sample.netTx;
+    values[at(LiveSeries::diskRead)] = sample.diskRead;
+    values[at(LiveSeries::diskWrite)] = sample.diskWrite;
+    values[at(LiveSeries::power)] = sample.sysWatts.value_or(format::notKnown);
+    return values; // the load is not kept
+}
+
 } // namespace
 
 void LiveHistory::add(const Snapshot& snapshot, const Known& known, double now, double tick) {
-    std::array<double, at(LiveSeries::count)> values;
-    values.fill(format::notKnown);
+    Values values = nothing();
     if (!times_.empty() && now - times_.back() > pauseInTicks * tick) push(std::nextafter(now, 0), values);
     const auto set = [&](LiveSeries series, bool isKnown, double value) {
         if (isKnown) values[at(series)] = value;
@@ -41,9 +75,43 @@ void LiveHistory::add(const Snapshot& snapshot, const Known& known, double now, 
     tick_ = tick;
 }
 
-void LiveHistory::push(double time, const std::array<double, at(LiveSeries::count)>& values) {
+void LiveHistory::restore(std::span<const std::shared_ptr<const HistorySample>> samples,
+                          std::span<const std::pair<double, double>> breaks, uint64_t memoryTotal,
+                          Moment now) {
+    const LiveHistory own = std::exchange(*this, {});
+    const double end = own.empty() ? now.steady : own.times().front();
+    const auto steady = [&](double sinceEpoch) {
+        return now.steady - (std::chrono::duration<double>(now.wall.time_since_epoch()).count() - sinceEpoch);
+    };
+    const auto isAfterLast = [&](double time) { return times_.empty() || time > times_.back(); };
+    // A break ends where the samples begin again: its gap is one point before the next one.
+    const auto breakWithin = [&](double from, double to) {
+        return std::any_of(breaks.begin(), breaks.end(), [&](const auto& each) {
+            return steady(each.first) < to && steady(each.second) > from;
+        });
+    };
+    for (const auto& sample : samples) {
+        const double time = steady(std::chrono::duration<double>(sample->time.time_since_epoch()).count());
+        if (time < now.steady - longestSpan || time >= end || !isAfterLast(time)) continue;
+        if (!empty() && breakWithin(times_.back(), time)) append(std::nextafter(time, 0), nothing());
+        append(time, valuesOf(*sample, memoryTotal));
+    }
+    if (!empty() && !own.empty()) append(std::nextafter(end, 0), nothing()); // the program did not run
+    for (size_t i = 0; i < own.times_.size(); ++i) {
+        Values values;
+        for (size_t k = 0; k < values.size(); ++k) values[k] = own.values_[k][i];
+        append(own.times_[i], values);
+    }
+    tick_ = own.tick_;
+}
+
+void LiveHistory::append(double time, const Values& values) {
     times_.push_back(time);
     for (size_t i = 0; i < values.size(); ++i) values_[i].push_back(values[i]);
+}
+
+void LiveHistory::push(double time, const Values& values) {
+    append(time, values);
     // In batches, so that a point costs no move of all others.
     if (time - times_.front() < longestSpan * 1.25) return;
     const auto first = std::lower_bound(times_.begin(), times_.end(), time - longestSpan) - times_.begin();

@@ -5,10 +5,14 @@
 #include "ui/modules/WidgetKind.h"
 
 #include <array>
+#include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace quarn {
+
+struct HistorySample;
 
 /// What live graphs show over time.
 enum class LiveSeries {
@@ -39,6 +43,17 @@ public:
     /// more than two and a half times `tick` leaves a point of NaN, so that lines have a gap there.
     void add(const Snapshot& snapshot, const Known& known, double now, double tick);
 
+    /// One moment on the clocks of samples and of graphs.
+    struct Moment {
+        WallTime wall{};
+        double steady = 0; ///< seconds
+    };
+    /// Puts samples of an earlier run before the points there are: those of the last half hour, with a gap of
+    /// NaN at each of `breaks` (seconds since the epoch). `memoryTotal` is what is built in, in bytes; 0 when
+    /// not known.
+    void restore(std::span<const std::shared_ptr<const HistorySample>> samples,
+                 std::span<const std::pair<double, double>> breaks, uint64_t memoryTotal, Moment now);
+
     /// Steady seconds, ascending, one for each value of every series.
     std::span<const double> times() const;
     std::span<const double> values(LiveSeries series) const;
@@ -56,7 +71,9 @@ public:
     double sum(std::span<const LiveSeries> summands, size_t index) const;
 
 private:
-    void push(double time, const std::array<double, static_cast<size_t>(LiveSeries::count)>& values);
+    using Values = std::array<double, static_cast<size_t>(LiveSeries::count)>;
+    void push(double time, const Values& values);
+    void append(double time, const Values& values);
 
     double tick_ = 0; ///< the newest
     std::vector<double> times_;
