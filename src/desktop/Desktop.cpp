@@ -18,7 +18,8 @@ Desktop::Desktop(Prefs& prefs, sysinfo::SystemRoot root)
       monitor_(
           {.queue = queue_, .aux = aux_, .main = main_, .prefs = prefs_, .helper = helper_, .root = root_}),
       profile_(prefs.samplingProfile.get()) {
-    records_.emplace(History::Setup{.monitor = monitor_, .prefs = prefs_, .main = main_});
+    records_.emplace(History::Setup{
+        .monitor = monitor_, .prefs = prefs_, .main = main_, .restored = [this] { takeRestored(); }});
     window_ = std::make_unique<MainWindow>(monitor_, prefs_, history_, *records_);
     const auto openPage = [this](const QString& page) {
         showWindow();
@@ -70,6 +71,12 @@ void Desktop::take(const Snapshot& snapshot) {
     statusItems_->snapshot(snapshot, known, now);
     panels_->snapshot(snapshot, known);
     Q_EMIT refreshed();
+}
+
+/// Graphs begin with what the last run saved.
+void Desktop::takeRestored() {
+    history_.restore(records_->live().samples(), records_->live().breaks(), monitor_.hardware().memTotal,
+                     {std::chrono::system_clock::now(), steadySeconds()});
 }
 
 void Desktop::settingsChanged() {

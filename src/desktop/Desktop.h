@@ -38,6 +38,7 @@ Q_SIGNALS:
 
 private:
     void take(const Snapshot& snapshot);
+    void takeRestored();
     void settingsChanged();
     void windowClosed();
 
