@@ -39,10 +39,11 @@ Outcome endOf(pid_t pid) {
 
 } // namespace
 
-Outcome runProgram(const std::vector<std::string>& arguments) { return runProgram(arguments, -1); }
-
 Outcome runProgram(const std::vector<std::string>& arguments, int out) {
-    const TempRoot folder; // for its settings and what it writes
+    return runProgramIn(TempRoot(), arguments, out);
+}
+
+Outcome runProgramIn(const TempRoot& folder, const std::vector<std::string>& arguments, int out) {
     const auto file = [&](const char* name) { return (folder.path() / name).string(); };
     const pid_t pid = ::fork();
     if (pid == 0) {

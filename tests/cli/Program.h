@@ -16,10 +16,13 @@ struct Outcome {
     std::string err;
 };
 
-/// Runs the program to its end, away from a terminal and with settings of its own.
-Outcome runProgram(const std::vector<std::string>& arguments);
-/// The same with its standard output connected to `out` (closed here), which is not collected.
-Outcome runProgram(const std::vector<std::string>& arguments, int out);
+class TempRoot;
+
+/// Runs the program to its end, away from a terminal and with settings and a history of its own. Where its
+/// standard output is connected to `out` (closed here), it is not collected.
+Outcome runProgram(const std::vector<std::string>& arguments, int out = -1);
+/// The same with the settings and the history that `folder` holds.
+Outcome runProgramIn(const TempRoot& folder, const std::vector<std::string>& arguments, int out = -1);
 /// Runs it where it must succeed without a complaint, and answers what it printed.
 std::string outputOf(const std::vector<std::string>& arguments);
 

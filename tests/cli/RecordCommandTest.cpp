@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <cstdlib>
 #include <sstream>
 
 namespace quarn::testing {
@@ -70,21 +69,19 @@ TEST(RecordCommand, EndsWithASignalAndShowsItsProgressInATerminal) {
 
 TEST(HistoryExportCommand, WritesTheSavedHalfHour) {
     TempRoot folder;
-    ::setenv("XDG_DATA_HOME", folder.path().c_str(), 1);
     const std::string file = (folder.path() / "h.csv").string();
-    const Outcome none = runProgram({"history", "export", file});
+    const Outcome none = runProgramIn(folder, {"history", "export", file});
     EXPECT_EQ(none.status, 1);
     EXPECT_TRUE(contains(none.err, "quarn-desktop and `quarn recorder` save theirs")) << none.err;
     folder.write("Quarn/live-history.plist",
                  readFile(QUARN_SOURCE_DIR "/tests/fuzz/corpus/fuzz_history_archive/samples"));
-    EXPECT_TRUE(outputOf({"history", "export", file}).starts_with("Wrote 2 samples, "));
+    EXPECT_TRUE(runProgramIn(folder, {"history", "export", file}).out.starts_with("Wrote 2 samples, "));
     const auto lines = linesOf(file);
     ASSERT_EQ(lines.size(), 3u);
     EXPECT_TRUE(lines[1].ends_with(",81,321,1234,Größe \U0001F600,250.2")) << lines[1];
     folder.write("Quarn/live-history.plist", "broken");
-    EXPECT_EQ(runProgram({"history", "export", file}).status, 1);
+    EXPECT_EQ(runProgramIn(folder, {"history", "export", file}).status, 1);
     EXPECT_EQ(linesOf(file), lines);
-    ::unsetenv("XDG_DATA_HOME");
 }
 
 } // namespace
