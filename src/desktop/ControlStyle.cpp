@@ -117,6 +117,7 @@ QSize ControlStyle::sizeFromContents(ContentsType type, const QStyleOption* opti
     switch (type) {
     case CT_PushButton:
         if (isLink(widget)) break;
+        whole.setWidth(whole.width() + Theme::gap);
         [[fallthrough]];
     case CT_ComboBox:
     case CT_SpinBox: whole.setHeight(std::max(whole.height(), fieldHeight)); break;

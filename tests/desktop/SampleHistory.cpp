@@ -68,11 +68,12 @@ SystemMetrics machine(int64_t time, double seconds) {
     return m;
 }
 
-AppMetrics use(const Program& program, int64_t hour) {
-    const double share = load(hour) * (0.5 + noise(hour / hourSeconds + static_cast<int64_t>(program.cpu)));
+AppMetrics use(const Program& program, int64_t hour, double seconds) {
+    const double share = seconds / static_cast<double>(hourSeconds) * load(hour) *
+                         (0.5 + noise(hour / hourSeconds + static_cast<int64_t>(program.cpu)));
     AppMetrics m;
     m.name = program.name;
-    m.seconds = static_cast<double>(hourSeconds);
+    m.seconds = seconds;
     m.cpuSeconds = program.cpu * share;
     m.memoryByteSeconds = m.seconds * program.memory * gib * (0.8 + 0.3 * share);
     m.peakMemoryBytes = static_cast<int64_t>(program.memory * gib * 1.3);
@@ -98,7 +99,9 @@ void writeSampleHistory(const std::filesystem::path& file, WallTime now) {
         const int64_t step = isFine ? minuteSeconds : hourSeconds;
         for (int64_t time = hour; time < std::min(hour + hourSeconds, end); time += step)
             batch.system.emplace(time, machine(time, static_cast<double>(step)));
-        for (const Program& program : programs) batch.apps[hour].emplace(program.key, use(program, hour));
+        const auto seconds = static_cast<double>(std::min(hourSeconds, end - hour));
+        for (const Program& program : programs)
+            batch.apps[hour].emplace(program.key, use(program, hour, seconds));
     }
     store.write(batch);
     store.maintain(now);

@@ -54,6 +54,7 @@ TEST_F(CalendarTextTest, TicksStandAtRoundLocalTimes) {
         {"a day that is an hour longer", at(10, 25, 0), at(10, 26, 0), 5, "Sun 25|06:00|12:00|18:00|Mon 26"},
         {"a day that lacks 2:00", at(3, 29, 0), at(3, 29, 6), 7, "Sun 29|01:00|03:00|04:00|05:00|06:00"},
         {"a week", at(10, 21, 9), at(10, 28, 9), 7, "Thu 22|Fri 23|Sat 24|Sun 25|Mon 26|Tue 27|Wed 28"},
+        {"a week in little room", at(10, 21, 9), at(10, 28, 9), 4, "Thu 22|Sat 24|Mon 26|Wed 28"},
         {"a month", at(10, 1, 9), at(10, 31, 9), 8, "5 Oct|12 Oct|19 Oct|26 Oct"},
         {"a year", at(10, 20, 9) - 365 * day, at(10, 20, 9), 12,
          "Nov|Dec|2026|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct"},
@@ -75,6 +76,7 @@ TEST_F(CalendarTextTest, PeriodsAreToldByWhatTheyAre) {
     EXPECT_EQ(periodText(at(3, 29, 0), at(3, 30, 0)), "Sun 29 Mar 2026") << "of 23 hours";
     EXPECT_EQ(periodText(at(10, 25, 1) + hour, at(10, 25, 1) + 3 * hour), "Sun 25 Oct, 02:00 – 03:00")
         << "the hour that comes twice";
+    EXPECT_EQ(periodText(at(10, 19, 0), at(10, 26, 0)), "19 Oct – 25 Oct 2026");
     EXPECT_EQ(dateText(at(1, 2, 0)), "2 Jan 2026");
 }
 

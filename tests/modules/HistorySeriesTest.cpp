@@ -88,6 +88,13 @@ TEST(HistorySeries, DaysAreThoseOfTheCalendar) {
     EXPECT_EQ(series.periods[0].to, midnight + 25 * hour);
     constexpr AppLine appLines[]{AppLine::cpu};
     EXPECT_EQ(appSeries(answer, appLines).periods, series.periods);
+
+    answer.question.span = HistorySpan::twoYears;
+    answer.points.push_back(point(midnight + 49 * hour, 3600, 3600));
+    answer.to = midnight + 60 * hour;
+    const auto weeks = systemSeries(answer, lines);
+    ASSERT_EQ(weeks.periods.size(), 2u) << "that Sunday, then Monday and Tuesday";
+    EXPECT_DOUBLE_EQ(weeks.lines[0][1], 62.5);
     ::setenv("TZ", "UTC", 1);
     ::tzset();
 }

@@ -25,6 +25,7 @@ namespace quarn::desktop {
 namespace {
 
 constexpr int pastHeight = 130;
+constexpr int roomForHalves = 560; ///< pixels from which the past stands beside the present
 constexpr HistorySpan pastSpans[]{HistorySpan::day, HistorySpan::week};
 
 /// A line of the table, from two figures that one field sums up.
@@ -78,6 +79,7 @@ AppDetails::AppDetails(PageContext& context, QWidget* parent)
       context_(context),
       asker_(
           context.metrics, [this](const HistoryAsker::Answer& answer) { showPast(answer); }, this),
+      halves_(new QBoxLayout(QBoxLayout::TopToBottom)),
       facts_(new FactTable),
       span_(new SegmentedChoice({say("Day"), say("Week")}, say("How far back"))),
       chart_(new HistoryChart({{say("CPU"), WidgetKind::cpu}}, {})),
@@ -109,8 +111,19 @@ AppDetails::AppDetails(PageContext& context, QWidget* parent)
 
 QWidget* AppDetails::makeBody() {
     auto* body = new QWidget;
+    halves_->setContentsMargins(0, 0, Theme::gap, 0);
+    halves_->setSpacing(Theme::gap);
+    halves_->addLayout(makePresent(), 1);
+    halves_->addLayout(makePast(), 1);
     auto* column = new QVBoxLayout(body);
-    column->setContentsMargins(0, 0, Theme::gap, 0);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addLayout(halves_);
+    column->addStretch(1);
+    return body;
+}
+
+QLayout* AppDetails::makePresent() {
+    auto* column = new QVBoxLayout;
     column->setSpacing(Theme::gap);
     auto* buttons = new QHBoxLayout;
     const auto button = [&](const QString& text, auto signal) {
@@ -123,15 +136,6 @@ QWidget* AppDetails::makeBody() {
     buttons->addStretch(1);
     column->addLayout(buttons);
     column->addWidget(facts_);
-    auto* heading = new QHBoxLayout;
-    auto* title = new QLabel(say("CPU in the past"));
-    title->setFont(Theme::cardTitleFont());
-    heading->addWidget(title, 1);
-    heading->addWidget(span_);
-    column->addLayout(heading);
-    column->addWidget(chart_);
-    column->addWidget(past_);
-    column->addWidget(noPast_);
     for (WrappedText* text : {bundle_, identifier_}) {
         auto* label = caption(text->accessibleName());
         label->setBuddy(text);
@@ -142,7 +146,23 @@ QWidget* AppDetails::makeBody() {
         column->addLayout(block);
     }
     column->addStretch(1);
-    return body;
+    return column;
+}
+
+QLayout* AppDetails::makePast() {
+    auto* column = new QVBoxLayout;
+    column->setSpacing(Theme::gap);
+    auto* heading = new QHBoxLayout;
+    auto* title = new QLabel(say("CPU in the past"));
+    title->setFont(Theme::cardTitleFont());
+    heading->addWidget(title, 1);
+    heading->addWidget(span_);
+    column->addLayout(heading);
+    column->addWidget(chart_);
+    column->addWidget(past_);
+    column->addWidget(noPast_);
+    column->addStretch(1);
+    return column;
 }
 
 void AppDetails::show(const ResourceAppList::App& app, const Known& known, const AppStyle& style) {
@@ -214,6 +234,13 @@ void AppDetails::keyPressEvent(QKeyEvent* event) {
         Q_EMIT closed();
     else
         Card::keyPressEvent(event);
+}
+
+void AppDetails::resizeEvent(QResizeEvent* event) {
+    Card::resizeEvent(event);
+    const bool isWide = width() >= roomForHalves;
+    halves_->setDirection(isWide ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    halves_->setSpacing(isWide ? 3 * Theme::gap : Theme::gap);
 }
 
 } // namespace quarn::desktop

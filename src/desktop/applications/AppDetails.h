@@ -32,9 +32,12 @@ protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     QWidget* makeBody();
+    QLayout* makePresent();
+    QLayout* makePast();
     void want();
     void identify(const ResourceAppList::App& app);
     void showPast(const HistoryAsker::Answer& answer);
@@ -43,6 +46,7 @@ private:
     HistoryAsker asker_;
     std::string key_; ///< of the application, in the history
     AppStyle style_;
+    QBoxLayout* halves_; ///< now and the past
     FactTable* facts_;
     SegmentedChoice* span_;
     HistoryChart* chart_;

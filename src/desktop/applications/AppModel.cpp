@@ -149,10 +149,10 @@ QVariant AppModel::toolTip(const AppRow& row, AppField field) const {
     return row.app->bundle ? toQt(*row.app->bundle) : say("Programs that belong to no application");
 }
 
-/// That of the application, or of the first of its programs that has one, or else one for all; processes go
-/// without.
+/// That of the application, or of the first of its programs that has one, or else one for all.
 QVariant AppModel::picture(const AppRow& row) const {
-    if (row.process || icons_.empty()) return {};
+    if (icons_.empty()) return {};
+    if (row.process) return QIcon(); // an empty one, so that its name stands below the application's
     const QIcon* picture = row.app->bundle ? icons_.find(*row.app->bundle) : nullptr;
     for (size_t i = 0; !picture && i < row.app->processes.size(); ++i)
         picture = icons_.find(row.app->processes[i].path);

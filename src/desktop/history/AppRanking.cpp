@@ -17,6 +17,7 @@
 #include <QResizeEvent>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace quarn::desktop {
 
@@ -56,8 +57,7 @@ Chart::Scale scaleOf(AppHistoryMetric metric, const AppStyle& style) {
     case AppHistoryMetric::memory:
         return {.text = [](double bytes) { return toQt(format::memory(static_cast<uint64_t>(bytes))); },
                 .perUnit = 1 / gibi};
-    case AppHistoryMetric::energy:
-        return {.text = [](double score) { return toQt(format::threeDigits(score)); }};
+    case AppHistoryMetric::energy: return {.text = [](double score) { return toQt(format::count(score)); }};
     default:
         return {.text = [](double bytes) { return toQt(format::diskSize(static_cast<uint64_t>(bytes))); }};
     }
@@ -184,12 +184,17 @@ void AppRanking::showRanking(const HistoryAnswer& answer) {
     const auto rows = appRankRows(answer);
     // Bars are longer where no other half needs the room.
     const int amountWidth = app_.empty() ? std::max(leastAmount, width() / 3) : leastAmount;
-    list_->setColumns({{say(by.amount), by.kind, amountWidth}, {say("Change"), by.kind, changeWidth}});
+    const bool compares =
+        std::any_of(rows.begin(), rows.end(), [](const AppRankRow& row) { return !row.comparison.empty(); });
+    std::vector<RankList::Column> columns{{say(by.amount), by.kind, amountWidth}};
+    if (compares) columns.push_back({say("Change"), by.kind, changeWidth});
+    list_->setColumns(std::move(columns));
     list_->setEmptyText(say("Nothing of the kind was recorded of any application."));
     std::vector<RankList::Row> shown;
-    for (const auto& row : rows)
-        shown.push_back(
-            {toQt(row.name), {}, toQt(row.app), {{toQt(row.amount), row.share}, {toQt(row.comparison), 0}}});
+    for (const auto& row : rows) {
+        shown.push_back({toQt(row.name), {}, toQt(row.app), {{toQt(row.amount), row.share}}});
+        if (compares) shown.back().cells.push_back({toQt(row.comparison), 0});
+    }
     list_->show(shown);
     const QString others = toQt(amountText(answer.otherApps, answer.question.by));
     const bool areSummed = answer.question.by != AppHistoryMetric::memory;

@@ -16,7 +16,7 @@ namespace {
 
 constexpr double gibi = 1ull << 30;
 
-/// The lines of a kind: what is drawn last lies on top.
+/// The lines of a kind.
 struct KindLine {
     SystemLine line;
     const char* label;
@@ -25,10 +25,10 @@ struct KindLine {
 };
 std::span<const KindLine> linesOf(WidgetKind kind) {
     constexpr auto none = Chart::Line::Fill::none;
-    static constexpr KindLine cpu[]{{SystemLine::cpuPeak, "Peak", true, none},
-                                    {SystemLine::cpu, "Average", false}};
-    static constexpr KindLine memory[]{{SystemLine::memoryPeak, "Peak", true, none},
-                                       {SystemLine::memory, "Average", false}};
+    static constexpr KindLine cpu[]{{SystemLine::cpu, "Average", false},
+                                    {SystemLine::cpuPeak, "Peak", true, none}};
+    static constexpr KindLine memory[]{{SystemLine::memory, "Average", false},
+                                       {SystemLine::memoryPeak, "Peak", true, none}};
     static constexpr KindLine disk[]{{SystemLine::diskRead, "Read", false},
                                      {SystemLine::diskWritten, "Written", true}};
     static constexpr KindLine network[]{{SystemLine::received, "Received", false},

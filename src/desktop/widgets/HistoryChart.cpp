@@ -11,7 +11,7 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr int tickWidth = 72; ///< pixels that a mark of the time axis needs
+constexpr int tickWidth = 60; ///< pixels that a mark of the time axis needs
 
 } // namespace
 

@@ -26,12 +26,12 @@ struct Step {
 };
 constexpr int64_t day = 86'400;
 constexpr std::array steps{
-    Step{Unit::minute, 5, 300},       Step{Unit::minute, 10, 600},     Step{Unit::minute, 15, 900},
-    Step{Unit::minute, 30, 1800},     Step{Unit::minute, 60, 3600},    Step{Unit::minute, 120, 7200},
-    Step{Unit::minute, 180, 10'800},  Step{Unit::minute, 360, 21'600}, Step{Unit::minute, 720, 43'200},
-    Step{Unit::day, 1, day},          Step{Unit::week, 1, 7 * day},    Step{Unit::month, 1, 30 * day},
-    Step{Unit::month, 2, 61 * day},   Step{Unit::month, 3, 91 * day},  Step{Unit::month, 6, 182 * day},
-    Step{Unit::month, 12, 365 * day},
+    Step{Unit::minute, 5, 300},      Step{Unit::minute, 10, 600},      Step{Unit::minute, 15, 900},
+    Step{Unit::minute, 30, 1800},    Step{Unit::minute, 60, 3600},     Step{Unit::minute, 120, 7200},
+    Step{Unit::minute, 180, 10'800}, Step{Unit::minute, 360, 21'600},  Step{Unit::minute, 720, 43'200},
+    Step{Unit::day, 1, day},         Step{Unit::day, 2, 2 * day},      Step{Unit::week, 1, 7 * day},
+    Step{Unit::month, 1, 30 * day},  Step{Unit::month, 2, 61 * day},   Step{Unit::month, 3, 91 * day},
+    Step{Unit::month, 6, 182 * day}, Step{Unit::month, 12, 365 * day},
 };
 
 tm local(int64_t time) {
@@ -75,8 +75,10 @@ std::vector<int64_t> clockTimes(int64_t startOfDay, int every) {
     return times;
 }
 
-bool isWanted(const tm& date, const Step& step) {
+bool isWanted(int64_t noon, const Step& step) {
+    const tm date = local(noon);
     switch (step.unit) {
+    case Unit::day: return noon / day % step.count == 0;
     case Unit::week: return date.tm_wday == 1;
     case Unit::month: return date.tm_mday == 1 && date.tm_mon % step.count == 0;
     default: return true;
@@ -92,7 +94,7 @@ std::vector<int64_t> timesOf(const Step& step, int64_t from, int64_t to) {
     };
     // Around noon 24 hours on is the next day, whatever the clock did in between.
     for (int64_t noon = calendar.startOfDay(from) + day / 2; noon < to + day; noon += day) {
-        if (!isWanted(local(noon), step)) continue;
+        if (!isWanted(noon, step)) continue;
         const int64_t start = calendar.startOfDay(noon);
         if (step.unit != Unit::minute)
             take(start);
@@ -121,8 +123,11 @@ std::string periodText(int64_t from, int64_t to) {
     const tm first = local(from);
     const std::string date = fmt::format("{} {} {}", weekdayOf(first), first.tm_mday, nameOf(first.tm_mon));
     if (to - from <= minuteOf) return date + ", " + clockOf(first);
-    // A day may be an hour short.
-    if (to - from > day - 2 * 3600) return fmt::format("{} {}", date, first.tm_year + 1900);
+    constexpr int64_t longestDay = day + 2 * 3600, shortestDay = day - 2 * 3600;
+    if (to - from > longestDay) {
+        return fmt::format("{} {} – {}", first.tm_mday, nameOf(first.tm_mon), dateText(to - 1));
+    }
+    if (to - from > shortestDay) return fmt::format("{} {}", date, first.tm_year + 1900);
     return fmt::format("{}, {} – {}", date, clockOf(first), clockOf(local(to)));
 }
 

@@ -21,8 +21,8 @@ struct CalendarTick {
 /// finest of these of which there are at most `most`.
 std::vector<CalendarTick> calendarTicks(int64_t from, int64_t to, size_t most);
 
-/// A period of one minute, some hours, or whole days: "Tue 14 Oct, 15:04", "Tue 14 Oct, 15:00 – 16:00",
-/// "Tue 14 Oct 2025". `to` is exclusive.
+/// A period of one minute, some hours, a day, or several: "Tue 14 Oct, 15:04", "Tue 14 Oct, 15:00 – 16:00",
+/// "Tue 14 Oct 2025", "13 Oct – 19 Oct 2025". `to` is exclusive.
 std::string periodText(int64_t from, int64_t to);
 /// "15:04".
 std::string clockText(int64_t time);

@@ -82,12 +82,16 @@ std::string diskSize(uint64_t bytes) { return scaled(static_cast<double>(bytes),
 
 std::string rate(double bytesPerSecond) { return scaled(bytesPerSecond, 1000, decimalUnits, "/s"); }
 
-std::string perSecond(double count) {
+std::string count(double count) {
     if (!sensible(count)) return std::string(unknown);
     constexpr std::array<std::string_view, 4> steps{"", " k", " M", " G"};
     size_t step = 0;
     for (; count >= fullThreeDigits && step + 1 < steps.size(); ++step) count /= 1000;
-    return fmt::format("{}{}/s", step == 0 ? fmt::format("{:.0f}", count) : threeDigits(count), steps[step]);
+    return fmt::format("{}{}", step == 0 ? fmt::format("{:.0f}", count) : threeDigits(count), steps[step]);
+}
+
+std::string perSecond(double count) {
+    return sensible(count) ? format::count(count) + "/s" : std::string(unknown);
 }
 
 std::string watts(double watts) {

@@ -54,33 +54,38 @@ std::vector<HistorySeries::Period> appPeriods(const HistoryAnswer& answer) {
     return periods;
 }
 
-/// Which points of the machine are shown as one: those of one part of a local day.
+/// Which points are shown as one: those of one part of a local day, or of one week.
 class Chunks {
 public:
-    Chunks(HistorySpan span, const Calendar& calendar) : seconds_(secondsOf(span)), calendar_(calendar) {}
+    enum class Of { machine, application };
+    Chunks(HistorySpan span, Of of, const Calendar& calendar) : calendar_(calendar) {
+        const bool isMachine = of == Of::machine;
+        if (span == HistorySpan::day && isMachine) seconds_ = 5 * minuteSeconds;
+        if (span == HistorySpan::month && isMachine) seconds_ = 4 * hourSeconds;
+        byWeek_ = span == HistorySpan::twoYears;
+    }
 
     /// Whether this point does not belong to the one before. Points come in order.
     bool begins(int64_t start) {
-        if (seconds_ == 0) return true;
+        if (seconds_ == 0 && !byWeek_) return true;
         if (start >= nextDay_) {
             day_ = calendar_.startOfDay(start);
             nextDay_ = calendar_.nextDay(start);
         }
-        const int64_t chunk = day_ + roundedDown(start - day_, seconds_);
+        const int64_t chunk = byWeek_ ? weekOf(day_) : day_ + roundedDown(start - day_, seconds_);
         return std::exchange(chunk_, chunk) != chunk;
     }
 
 private:
-    static int64_t secondsOf(HistorySpan span) {
-        switch (span) {
-        case HistorySpan::day: return 5 * minuteSeconds;
-        case HistorySpan::month: return 4 * hourSeconds;
-        default: return 0;
-        }
+    /// The number of the week, which begins on a Monday, from a time that is the start of a local day.
+    static int64_t weekOf(int64_t startOfDay) {
+        constexpr int64_t noon = 12 * hourSeconds, day = 24 * hourSeconds, thursday = 3;
+        return ((startOfDay + noon) / day + thursday) / 7; // time began on a Thursday
     }
 
-    int64_t seconds_; ///< 0: each point by itself
     const Calendar& calendar_;
+    int64_t seconds_ = 0;
+    bool byWeek_ = false;
     int64_t day_ = 0, nextDay_ = 0;
     std::optional<int64_t> chunk_;
 };
@@ -123,7 +128,7 @@ HistorySeries systemSeries(const HistoryAnswer& answer, std::span<const SystemLi
     HistorySeries series;
     series.lines.resize(lines.size());
     SystemMetrics sum;
-    Chunks chunks(answer.question.span, calendar);
+    Chunks chunks(answer.question.span, Chunks::Of::machine, calendar);
     for (const SystemPoint& point : answer.points) {
         const int64_t end = std::min(endOf(point.start, resolution, calendar), answer.to);
         if (chunks.begins(point.start)) {
@@ -140,8 +145,12 @@ HistorySeries systemSeries(const HistoryAnswer& answer, std::span<const SystemLi
 }
 
 HistorySeries appSeries(const HistoryAnswer& answer, std::span<const AppLine> lines) {
+    const Calendar calendar;
     HistorySeries series;
     series.lines.resize(lines.size());
+    AppMetrics sum;
+    double seconds = 0;
+    Chunks chunks(answer.question.span, Chunks::Of::application, calendar);
     auto point = answer.appPoints.begin();
     auto observed = answer.points.begin();
     for (auto period : appPeriods(answer)) {
@@ -151,11 +160,17 @@ HistorySeries appSeries(const HistoryAnswer& answer, std::span<const AppLine> li
         const bool wasThere = point != answer.appPoints.end() && point->start < period.to;
         if (!wasObserved && !wasThere) continue;
         period.to = std::min(period.to, answer.to);
-        const auto seconds = static_cast<double>(period.to - period.from);
-        const AppMetrics metrics = wasThere ? point->metrics : AppMetrics();
-        series.periods.push_back(period);
+        if (chunks.begins(period.from)) {
+            series.periods.push_back(period);
+            for (auto& line : series.lines) line.push_back(notMeasured);
+            sum = {};
+            seconds = 0;
+        }
+        if (wasThere) mergeInto(sum, point->metrics);
+        seconds += static_cast<double>(period.to - period.from);
+        series.periods.back().to = period.to;
         for (size_t line = 0; line < lines.size(); ++line)
-            series.lines[line].push_back(valueOf(metrics, lines[line], seconds));
+            series.lines[line].back() = valueOf(sum, lines[line], seconds);
     }
     return series;
 }

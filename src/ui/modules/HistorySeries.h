@@ -49,8 +49,8 @@ struct HistorySeries {
     std::vector<std::vector<double>> lines; ///< by line, by period; NaN is not known
 };
 
-/// Points of the machine are put together where they are too many to tell apart: the day by five minutes, the
-/// month by four hours.
+/// Points are put together where they are too many to tell apart: those of the machine by five minutes for
+/// the day and by four hours for the month, all by weeks for two years.
 HistorySeries systemSeries(const HistoryAnswer& answer, std::span<const SystemLine> lines);
 /// Of the application that was asked for. Where the machine was recorded and the application was not, it did
 /// nothing.

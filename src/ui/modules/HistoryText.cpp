@@ -134,7 +134,7 @@ std::string amountText(const AppMetrics& metrics, AppHistoryMetric metric) {
     case AppHistoryMetric::memory: return format::memory(bytes(amount));
     case AppHistoryMetric::disk:
     case AppHistoryMetric::network: return format::diskSize(bytes(amount));
-    case AppHistoryMetric::energy: return format::threeDigits(amount);
+    case AppHistoryMetric::energy: return format::count(amount);
     }
     return {};
 }
@@ -198,7 +198,7 @@ std::vector<Fact> appFacts(const AppMetrics& metrics) {
         facts.push_back({"Sent", sizeText(metrics.networkOutBytes), {}});
     }
     if (metrics.energySeconds > 0) facts.push_back({"Energy", format::energy(metrics.energyJoules), {}});
-    facts.push_back({"Energy score", format::threeDigits(metrics.energyImpact), {}});
+    facts.push_back({"Energy score", format::count(metrics.energyImpact), {}});
     facts.push_back({"It ran for", format::duration(metrics.seconds), {}});
     return facts;
 }
