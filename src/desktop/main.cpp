@@ -1,3 +1,4 @@
+#include "HelperKit/SignalPipe.h"
 #include "desktop/Desktop.h"
 #include "desktop/MainWindow.h"
 #include "desktop/SingleInstance.h"
@@ -6,6 +7,8 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QSocketNotifier>
+#include <csignal>
 #include <unistd.h>
 
 int main(int argc, char** argv) {
@@ -36,6 +39,11 @@ int main(int argc, char** argv) {
     const auto colours = PrefStorable<AppTheme>::fromStored(parser.value(theme).toStdString());
     Theme::install(application, colours.value_or(Prefs::shared().appTheme.get()));
     Desktop desktop(Prefs::shared(), sysinfo::SystemRoot(parser.value(root).toStdString()));
+    // Nothing is lost with a session that ends by a signal.
+    SignalPipe signals({SIGINT, SIGTERM, SIGHUP});
+    const QSocketNotifier ended(signals.readable(), QSocketNotifier::Read);
+    QObject::connect(&ended, &QSocketNotifier::activated, &application,
+                     [&] { signals.drain([](int) { QApplication::quit(); }); });
     QObject::connect(&instance, &SingleInstance::raised, &desktop, &Desktop::showWindow);
     if (!colours) desktop.followThemeSetting();
     desktop.start();

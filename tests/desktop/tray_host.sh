@@ -7,7 +7,7 @@ folder=$(mktemp -d)
 export LC_ALL=C.UTF-8 # xwininfo prints titles in the characters of the locale
 export XDG_CONFIG_HOME=$folder XDG_DATA_HOME=$folder XDG_RUNTIME_DIR=$folder QT_QPA_PLATFORM=xcb
 export DBUS_SESSION_BUS_ADDRESS=unix:path=$folder/none # so that items dock in the tray's window
-trap 'kill $(jobs -p) 2>/dev/null; rm -rf "$folder"' EXIT
+trap 'kill $(jobs -p) 2>/dev/null; wait; rm -rf "$folder"' EXIT
 
 mkfifo "$folder/display"
 Xvfb -screen 0 1280x1024x24 -displayfd 3 3>"$folder/display" >/dev/null 2>&1 &
@@ -34,6 +34,7 @@ shows() { windows | grep -q "$1"; }
 
 "$quarn" settings set menuBarDetailed cpu,memory,network
 "$desktop" &
+program=$!
 eventually "the window" shows '"Quarn": ("quarn-desktop"'
 dockedAre 0
 trayer --edge top --align right --height 24 >/dev/null 2>&1 & # a tray that comes after the program
@@ -47,3 +48,6 @@ gone() { ! shows "Quarn – Memory"; }
 eventually "no panel" gone
 "$desktop" # a second start raises the first and ends
 dockedAre 1
+kill "$program" # as at the end of a session: it ends by itself and keeps the last half hour
+wait "$program"
+[ -s "$folder/Quarn/live-history.plist" ]

@@ -1,10 +1,10 @@
 // Commands about the long-term history.
+#include "HelperKit/SignalPipe.h"
 #include "cli/Command.h"
 #include "cli/CommandLine.h"
 #include "cli/Engine.h"
 #include "cli/HistoryCommand.h"
 #include "cli/Output.h"
-#include "cli/live/SignalPipe.h"
 #include "history/History.h"
 #include "history/HistoryTime.h"
 #include "history/MetricsStore.h"

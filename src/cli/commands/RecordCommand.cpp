@@ -1,10 +1,10 @@
 // Records measurements as CSV until it is stopped.
+#include "HelperKit/SignalPipe.h"
 #include "cli/Command.h"
 #include "cli/CommandLine.h"
 #include "cli/Engine.h"
 #include "cli/Output.h"
 #include "cli/TerminalText.h"
-#include "cli/live/SignalPipe.h"
 #include "history/HistoryExport.h"
 #include "history/HistoryTopProcesses.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "HelperKit/SignalPipe.h"
 #include "cli/Engine.h"
 #include "cli/live/KeyReader.h"
-#include "cli/live/SignalPipe.h"
 #include "cli/live/Terminal.h"
 #include "cli/view/Frame.h"
 #include "cli/view/Painter.h"

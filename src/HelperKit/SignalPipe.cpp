@@ -1,4 +1,4 @@
-#include "cli/live/SignalPipe.h"
+#include "HelperKit/SignalPipe.h"
 
 #include <array>
 #include <cerrno>
@@ -7,7 +7,7 @@
 #include <system_error>
 #include <unistd.h>
 
-namespace quarn::cli {
+namespace quarn {
 namespace {
 
 volatile std::sig_atomic_t pipeEnd = -1;
@@ -57,4 +57,4 @@ void SignalPipe::doDefault(int signal) {
     handle(signal, onSignal);
 }
 
-} // namespace quarn::cli
+} // namespace quarn

@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <vector>
 
-namespace quarn::cli {
+namespace quarn {
 
 /// Turns signals into bytes of a pipe, so that a loop can serve them like any other input. One at a time;
 /// destruction gives the signals back their default.
@@ -30,4 +30,4 @@ private:
     scutil::UniqueFd writeEnd_;
 };
 
-} // namespace quarn::cli
+} // namespace quarn
