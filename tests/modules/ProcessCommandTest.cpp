@@ -7,7 +7,7 @@ namespace {
 
 using sysinfo::platform::ProcessAnswer;
 
-ProcInfo process(int64_t pid, std::string_view name) {
+ProcInfo named(int64_t pid, std::string_view name) {
     ProcInfo info;
     info.pid = pid;
     info.name = name;
@@ -16,11 +16,11 @@ ProcInfo process(int64_t pid, std::string_view name) {
 }
 
 TEST(ProcessCommand, NamesWhomItIsAbout) {
-    const std::vector<ProcInfo> one{process(12, "fire\nfox")};
+    const std::vector<ProcInfo> one{named(12, "fire\nfox")};
     EXPECT_EQ(commandQuestion(forceToQuit(), one),
               "Force firefox (12) to quit?\n\nWhat is not saved is lost.");
     std::vector<ProcInfo> many;
-    for (int pid = 1; pid <= 10; ++pid) many.push_back(process(pid, "p"));
+    for (int pid = 1; pid <= 10; ++pid) many.push_back(named(pid, "p"));
     const std::string question = commandQuestion(askToQuit(), many);
     EXPECT_TRUE(question.starts_with("Ask 10 processes to quit?\n\np (1)\np (2)"));
     EXPECT_TRUE(question.ends_with("p (8)\nand 2 more"));
@@ -33,7 +33,7 @@ TEST(ProcessCommand, OnlyEndingAsksFirst) {
 }
 
 TEST(ProcessCommand, SaysWhyNothingHappened) {
-    const auto sshd = process(7, "sshd");
+    const auto sshd = named(7, "sshd");
     EXPECT_EQ(answerSentence(askToQuit(), sshd, ProcessAnswer::done), "");
     EXPECT_EQ(answerSentence(askToQuit(), sshd, ProcessAnswer::gone),
               "sshd (7) has ended in the meantime. Nothing was done.");
@@ -45,7 +45,7 @@ TEST(ProcessCommand, SaysWhyNothingHappened) {
 TEST(ProcessCommand, ReachesTheProcessThatWasShownOrNone) {
     testing::Child child;
     const auto root = sysinfo::SystemRoot::host();
-    auto shown = process(child.pid(), "child");
+    auto shown = named(child.pid(), "child");
     EXPECT_EQ(carryOut(forceToQuit(), shown, root, 0), ProcessAnswer::denied) << "its start is not known";
     shown.startTimeMicros = sysinfo::platform::processStartMicros(root, child.pid());
     const auto boot = sysinfo::platform::bootTime(root).value();
