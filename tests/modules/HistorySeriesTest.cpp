@@ -8,7 +8,7 @@
 namespace quarn {
 namespace {
 
-constexpr int64_t hour = 3600, start = 1'700'006'400; // a full hour
+constexpr int64_t oneHour = 3600, start = 1'700'006'400; // a full hour
 
 SystemPoint point(int64_t at, double seconds, double cpuSeconds) {
     SystemPoint result{at, {}};
@@ -18,22 +18,22 @@ SystemPoint point(int64_t at, double seconds, double cpuSeconds) {
     return result;
 }
 
-HistoryAnswer day() {
+HistoryAnswer aDay() {
     HistoryAnswer answer;
     answer.question = {HistorySpan::week, AppHistoryMetric::cpu, 10, "app"};
     answer.from = start;
-    answer.to = start + 3 * hour + 1800;
-    answer.points = {point(start, 3600, 900), point(start + 2 * hour, 1800, 1800),
-                     point(start + 3 * hour, 0, 0)};
+    answer.to = start + 3 * oneHour + 1800;
+    answer.points = {point(start, 3600, 900), point(start + 2 * oneHour, 1800, 1800),
+                     point(start + 3 * oneHour, 0, 0)};
     return answer;
 }
 
 TEST(HistorySeries, MeansAreOverWhatWasObserved) {
     constexpr SystemLine lines[]{SystemLine::cpu, SystemLine::diskRead, SystemLine::power};
-    const auto series = systemSeries(day(), lines);
+    const auto series = systemSeries(aDay(), lines);
     ASSERT_EQ(series.periods.size(), 3u);
-    EXPECT_EQ(series.periods[1], (HistorySeries::Period{start + 2 * hour, start + 3 * hour}));
-    EXPECT_EQ(series.periods[2].to, start + 3 * hour + 1800) << "the current hour ends now";
+    EXPECT_EQ(series.periods[1], (HistorySeries::Period{start + 2 * oneHour, start + 3 * oneHour}));
+    EXPECT_EQ(series.periods[2].to, start + 3 * oneHour + 1800) << "the current hour ends now";
     EXPECT_DOUBLE_EQ(series.lines[0][0], 25);
     EXPECT_DOUBLE_EQ(series.lines[0][1], 100) << "half an hour of it was observed";
     EXPECT_DOUBLE_EQ(series.lines[1][1], 6000.0 / 1800);
@@ -42,7 +42,7 @@ TEST(HistorySeries, MeansAreOverWhatWasObserved) {
 }
 
 TEST(HistorySeries, ManyPointsAreShownTogether) {
-    HistoryAnswer answer = day();
+    HistoryAnswer answer = aDay();
     answer.question.span = HistorySpan::day;
     answer.points = {point(start, 60, 6), point(start + 240, 60, 18), point(start + 300, 60, 6),
                      point(start + 900, 60, 6)};
@@ -58,12 +58,12 @@ TEST(HistorySeries, ManyPointsAreShownTogether) {
 }
 
 TEST(HistorySeries, AnApplicationThatDidNotRunDidNothing) {
-    HistoryAnswer answer = day();
+    HistoryAnswer answer = aDay();
     AppMetrics busy;
     busy.seconds = 600;
     busy.cpuSeconds = 450;
     busy.memoryByteSeconds = 600 * 1000.0;
-    answer.appPoints = {{start, busy}, {start + 3 * hour, busy}};
+    answer.appPoints = {{start, busy}, {start + 3 * oneHour, busy}};
     constexpr AppLine lines[]{AppLine::cpu, AppLine::memory};
     const auto series = appSeries(answer, lines);
     ASSERT_EQ(series.periods.size(), 3u) << "the second hour was not recorded";
@@ -78,20 +78,20 @@ TEST(HistorySeries, DaysAreThoseOfTheCalendar) {
     ::setenv("TZ", "Europe/Berlin", 1);
     ::tzset();
     constexpr int64_t midnight = 1'792'879'200; // of 25 October 2026, a day of 25 hours
-    HistoryAnswer answer = day();
+    HistoryAnswer answer = aDay();
     answer.question.span = HistorySpan::year;
     answer.from = midnight;
-    answer.to = midnight + 40 * hour;
-    answer.points = {point(midnight, 3600, 900), point(midnight + 25 * hour, 3600, 900)};
+    answer.to = midnight + 40 * oneHour;
+    answer.points = {point(midnight, 3600, 900), point(midnight + 25 * oneHour, 3600, 900)};
     constexpr SystemLine lines[]{SystemLine::cpu};
     const auto series = systemSeries(answer, lines);
-    EXPECT_EQ(series.periods[0].to, midnight + 25 * hour);
+    EXPECT_EQ(series.periods[0].to, midnight + 25 * oneHour);
     constexpr AppLine appLines[]{AppLine::cpu};
     EXPECT_EQ(appSeries(answer, appLines).periods, series.periods);
 
     answer.question.span = HistorySpan::twoYears;
-    answer.points.push_back(point(midnight + 49 * hour, 3600, 3600));
-    answer.to = midnight + 60 * hour;
+    answer.points.push_back(point(midnight + 49 * oneHour, 3600, 3600));
+    answer.to = midnight + 60 * oneHour;
     const auto weeks = systemSeries(answer, lines);
     ASSERT_EQ(weeks.periods.size(), 2u) << "that Sunday, then Monday and Tuesday";
     EXPECT_DOUBLE_EQ(weeks.lines[0][1], 62.5);
