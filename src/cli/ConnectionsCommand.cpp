@@ -2,6 +2,7 @@
 
 #include "HelperKit/SocketRecords.h"
 #include "cli/Command.h"
+#include "cli/Fields.h"
 #include "cli/JsonWriter.h"
 #include "cli/Output.h"
 #include "core/Scan.h"
@@ -24,10 +25,6 @@ void eachRow(Sockets sockets, const ConnectionsOptions& options, Take take) {
         const auto row = ConnectionPresentation::connection(toRecord(sysinfo::flatSocket(*socket)), {});
         if (ConnectionPresentation::matches(row, options.scope, options.protocol, options.search)) take(row);
     }
-}
-
-std::optional<std::string_view> unlessEmpty(std::string_view text) {
-    return text.empty() ? std::nullopt : std::optional(text);
 }
 
 void write(JsonWriter& json, std::string_view name, std::optional<std::string_view> text) {

@@ -20,7 +20,7 @@ namespace quarn::cli {
 
 namespace {
 
-constexpr int longestText = 4096;
+constexpr int longestCellText = 4096;
 
 /// How the values of a line are written and scaled.
 struct Unit {
@@ -36,9 +36,11 @@ double percentTop(double greatest) { return std::max(niceTop(greatest), 1.0); }
 std::string memoryText(double bytes) { return format::memory(static_cast<uint64_t>(bytes)); }
 std::string sizeText(double bytes) { return format::diskSize(static_cast<uint64_t>(bytes)); }
 
+namespace unit {
 constexpr Unit percent{format::percent, percentTop}, memory{memoryText, binaryTop},
     rate{format::rate, niceTop}, size{sizeText, niceTop}, watts{format::watts, niceTop},
     score{format::threeDigits, niceTop};
+} // namespace unit
 
 struct SystemPlot {
     AppHistoryMetric kind;
@@ -48,13 +50,13 @@ struct SystemPlot {
     Unit unit;
 };
 constexpr std::array<SystemPlot, 7> systemPlots{{
-    {AppHistoryMetric::cpu, SystemLine::cpu, SystemLine::cpuPeak, "CPU", percent},
-    {AppHistoryMetric::memory, SystemLine::memory, SystemLine::memoryPeak, "Memory", memory},
-    {AppHistoryMetric::disk, SystemLine::diskRead, {}, "Read from disks", rate},
-    {AppHistoryMetric::disk, SystemLine::diskWritten, {}, "Written to disks", rate},
-    {AppHistoryMetric::network, SystemLine::received, {}, "Received", rate},
-    {AppHistoryMetric::network, SystemLine::sent, {}, "Sent", rate},
-    {AppHistoryMetric::energy, SystemLine::power, {}, "Power", watts},
+    {AppHistoryMetric::cpu, SystemLine::cpu, SystemLine::cpuPeak, "CPU", unit::percent},
+    {AppHistoryMetric::memory, SystemLine::memory, SystemLine::memoryPeak, "Memory", unit::memory},
+    {AppHistoryMetric::disk, SystemLine::diskRead, {}, "Read from disks", unit::rate},
+    {AppHistoryMetric::disk, SystemLine::diskWritten, {}, "Written to disks", unit::rate},
+    {AppHistoryMetric::network, SystemLine::received, {}, "Received", unit::rate},
+    {AppHistoryMetric::network, SystemLine::sent, {}, "Sent", unit::rate},
+    {AppHistoryMetric::energy, SystemLine::power, {}, "Power", unit::watts},
 }};
 
 struct AppPlot {
@@ -64,13 +66,13 @@ struct AppPlot {
     Unit unit;
 };
 constexpr std::array<AppPlot, 7> appPlots{{
-    {AppHistoryMetric::cpu, AppLine::cpu, "CPU, in shares of one core", percent},
-    {AppHistoryMetric::memory, AppLine::memory, "Memory", memory},
-    {AppHistoryMetric::disk, AppLine::diskRead, "Read from disks", size},
-    {AppHistoryMetric::disk, AppLine::diskWritten, "Written to disks", size},
-    {AppHistoryMetric::energy, AppLine::energy, "Energy score", score},
-    {AppHistoryMetric::network, AppLine::received, "Received", size},
-    {AppHistoryMetric::network, AppLine::sent, "Sent", size},
+    {AppHistoryMetric::cpu, AppLine::cpu, "CPU, in shares of one core", unit::percent},
+    {AppHistoryMetric::memory, AppLine::memory, "Memory", unit::memory},
+    {AppHistoryMetric::disk, AppLine::diskRead, "Read from disks", unit::size},
+    {AppHistoryMetric::disk, AppLine::diskWritten, "Written to disks", unit::size},
+    {AppHistoryMetric::energy, AppLine::energy, "Energy score", unit::score},
+    {AppHistoryMetric::network, AppLine::received, "Received", unit::size},
+    {AppHistoryMetric::network, AppLine::sent, "Sent", unit::size},
 }};
 
 /// "CPU: at most 97.0 % (Tue 14 Oct, 15:04)" above the plot of line 0. Nothing where nothing was measured,
@@ -88,12 +90,12 @@ std::string plot(std::string_view title, const HistoryAnswer& answer, const Hist
     plot.top = unit.top;
     plot.mark = unit.text;
     return fmt::format("\n{}: at most {} ({})\n", title, unit.text(*peak),
-                       fitted(periodText(period.from, period.to), longestText, layout.charset)) +
+                       fitted(periodText(period.from, period.to), longestCellText, layout.charset)) +
            plotText(plot, series, 0);
 }
 
 std::string safe(std::string_view text, HistoryLayout layout) {
-    return fitted(text, longestText, layout.charset);
+    return fitted(text, longestCellText, layout.charset);
 }
 
 template <class T>
