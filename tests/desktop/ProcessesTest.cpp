@@ -114,7 +114,11 @@ protected:
         view().setFocus();
     }
     void show(const Snapshot& snapshot) { window_.refresh(snapshot, SampleMachine::known()); }
-    TableView& view() { return *window_.findChild<TableView*>(); }
+    TableView& view() {
+        for (auto* view : window_.findChildren<TableView*>())
+            if (view->accessibleName() == "Processes") return *view;
+        throw std::runtime_error("no processes");
+    }
     ProcessDetails& details() { return *window_.findChild<ProcessDetails*>(); }
     QString nameAt(int row) { return view().model()->index(row, 0).data().toString(); }
 

@@ -78,7 +78,7 @@ TEST_F(SettingsPage, EveryEditorWritesWhatItShows) {
     opacity.setValue(40);
     QTRY_COMPARE(prefs.widgetOpacity.get(), 0.4);
     control<QListWidget>("widgets").item(1)->setCheckState(Qt::Checked);
-    control<QListWidget>("sidebarLayout").item(2)->setCheckState(Qt::Unchecked);
+    control<QListWidget>("sidebarLayout").item(4)->setCheckState(Qt::Unchecked);
     auto& modules = control<QListWidget>("menuBarDetailed");
     modules.item(0)->setCheckState(Qt::Checked);
     modules.item(4)->setCheckState(Qt::Checked);

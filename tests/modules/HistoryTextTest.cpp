@@ -105,6 +105,13 @@ TEST(HistoryText, SaysHowMuchOfTheSpanWasRecorded) {
     HistoryAnswer answer = lastWeek();
     EXPECT_EQ(historySentence(answer),
               "6 d 4 h of the last week were recorded; Firefox used most CPU, 2 h 0 min of one core");
+    HistoryAnswer hour = answer;
+    hour.question.span = HistorySpan::hour;
+    hour.to = 1'700'006'400 + 1200;
+    hour.appPeriod = 3600 + 1200;
+    EXPECT_EQ(historySentence(hour), "All of the last hour was recorded; Firefox used most CPU, 2 h 0 min of "
+                                     "one core since 23:00")
+        << "applications are kept by full hours";
     answer.apps.clear();
     answer.total.seconds = week - 60;
     EXPECT_EQ(historySentence(answer), "All of the last week was recorded");

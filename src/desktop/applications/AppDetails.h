@@ -5,6 +5,8 @@
 #include "desktop/widgets/Card.h"
 #include "ui/modules/AppRows.h"
 
+class QBoxLayout;
+
 namespace quarn::desktop {
 
 struct PageContext;

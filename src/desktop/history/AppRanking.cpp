@@ -214,9 +214,9 @@ void AppRanking::showDetails(const HistoryAnswer& answer, const AppStyle& style)
     }
     const AppTotal unnamed{app_, {}};
     name_->setText(toQt(appName(answer.app ? *answer.app : unnamed)));
-    const QString when = toQt(lastSpan(answer.question.span));
-    amount_->show(answer.app ? say("%1 in %2").arg(toQt(amountSentence(answer.app->metrics, by)), when)
-                             : say("Nothing was recorded of it in %1.").arg(when));
+    const QString when = toQt(appSpan(answer));
+    amount_->show(answer.app ? say("%1 %2").arg(toQt(amountSentence(answer.app->metrics, by)), when)
+                             : say("Nothing was recorded of it %1.").arg(when));
     chart_->setVisible(answer.app.has_value());
     facts_->setVisible(answer.app.has_value());
     if (!answer.app) return;
@@ -228,7 +228,7 @@ void AppRanking::showDetails(const HistoryAnswer& answer, const AppStyle& style)
 void AppRanking::resizeEvent(QResizeEvent* event) {
     Card::resizeEvent(event);
     halves_->setDirection(isWide() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    if (isVisible()) chooseFirst();
+    chooseFirst();
 }
 
 } // namespace quarn::desktop

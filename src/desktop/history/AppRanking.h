@@ -4,6 +4,8 @@
 #include "history/HistoryReads.h"
 #include "ui/modules/AppRows.h"
 
+class QBoxLayout;
+
 namespace quarn::desktop {
 
 class ElidedLabel;

@@ -22,7 +22,7 @@ namespace quarn::desktop {
 namespace {
 
 constexpr int wideChart = 170, smallChart = 120, smallCard = 300;
-constexpr size_t rankedApps = 8;
+constexpr size_t rankedApps = 10;
 const QString spanKey = "history/span";
 
 QStringList spanTitles() {

@@ -1,6 +1,7 @@
 #include "ui/modules/HistoryText.h"
 
 #include "core/AppOwnerIndex.h"
+#include "ui/modules/CalendarText.h"
 #include "ui/modules/Format.h"
 #include "ui/modules/HistorySeries.h"
 
@@ -59,6 +60,11 @@ constexpr double nearlyAll = 0.97;
 } // namespace
 
 std::string lastSpan(HistorySpan span) { return fmt::format("the last {}", nameOf(span)); }
+
+std::string appSpan(const HistoryAnswer& answer) {
+    if (answer.question.span != HistorySpan::hour) return "in " + lastSpan(answer.question.span);
+    return "since " + clockText(answer.to - answer.appPeriod);
+}
 
 HistorySpan spanOf(TopAppsRange range) { return static_cast<HistorySpan>(range); }
 
@@ -223,8 +229,9 @@ std::string historySentence(const HistoryAnswer& answer) {
     const AppHistoryMetric by = answer.question.by;
     if (answer.apps.empty() || !(rankOf(answer.apps.front().total.metrics, by) > 0)) return text;
     const AppTotal& first = answer.apps.front().total;
-    return text + fmt::format("; {} used most {}, {}", appName(first), wordOf(by),
-                              amountSentence(first.metrics, by));
+    text +=
+        fmt::format("; {} used most {}, {}", appName(first), wordOf(by), amountSentence(first.metrics, by));
+    return span == HistorySpan::hour ? text + " " + appSpan(answer) : text;
 }
 
 } // namespace quarn
