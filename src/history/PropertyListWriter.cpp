@@ -85,6 +85,7 @@ PropertyListWriter::Ref PropertyListWriter::string(std::string_view text) {
 
 PropertyListWriter::Ref PropertyListWriter::strings(const std::vector<std::string>& texts) {
     std::vector<Ref> items;
+    items.reserve(texts.size());
     for (const auto& text : texts) items.push_back(string(text));
     return array(std::move(items));
 }
@@ -105,6 +106,7 @@ PropertyListWriter::Ref PropertyListWriter::array(std::vector<Ref> items) {
 PropertyListWriter::Ref
 PropertyListWriter::dictionary(const std::vector<std::pair<std::string_view, Ref>>& entries) {
     std::vector<Ref> items;
+    items.reserve(2 * entries.size());
     for (const auto& entry : entries) items.push_back(string(entry.first));
     for (const auto& entry : entries) items.push_back(entry.second);
     const Ref ref = begin();

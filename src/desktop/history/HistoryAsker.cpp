@@ -8,14 +8,14 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr int betweenAnswers = 60'000; ///< ms: that often the recorder writes
+constexpr int askEvery = 60'000; ///< ms: that often the recorder writes
 
 } // namespace
 
 HistoryAsker::HistoryAsker(MetricsRecorder& recorder, std::function<void(const Answer&)> take,
                            QObject* parent)
     : QObject(parent), recorder_(recorder), take_(std::move(take)) {
-    timer_.setInterval(betweenAnswers);
+    timer_.setInterval(askEvery);
     connect(&timer_, &QTimer::timeout, this, &HistoryAsker::askAgain);
 }
 

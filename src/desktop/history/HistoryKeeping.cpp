@@ -19,7 +19,7 @@ namespace quarn::desktop {
 
 namespace {
 
-QLabel* text(bool isDim) {
+QLabel* sentenceLabel(bool isDim) {
     auto* label = new QLabel;
     label->setWordWrap(true);
     label->setTextFormat(Qt::PlainText);
@@ -50,12 +50,12 @@ HistoryKeeping::HistoryKeeping(PageContext& context, QWidget* parent)
     : Card(say("What is kept"), parent),
       context_(context),
       wanted_(new SettingLine(*settingRow("saveMetricsHistory"), context.prefs.saveMetricsHistory)),
-      state_(text(false)),
+      state_(sentenceLabel(false)),
       clear_(new QPushButton(say("Clear the history …"))) {
     connect(wanted_, &SettingLine::failed, this, &HistoryKeeping::failed);
     connect(wanted_, &SettingLine::stored, this, [this] { wanted_->load(); });
     connect(clear_, &QPushButton::clicked, this, [this] { askToClear(); });
-    auto* terms = text(true);
+    auto* terms = sentenceLabel(true);
     terms->setText(say("The machine by minutes for a week, by hours for 90 days, by days for two years; "
                        "applications by hours for a month and by days for a year. It never leaves this "
                        "computer:") +

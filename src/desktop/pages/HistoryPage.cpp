@@ -11,6 +11,7 @@
 #include "desktop/widgets/FlowGrid.h"
 #include "desktop/widgets/Notice.h"
 #include "desktop/widgets/SegmentedChoice.h"
+#include "monitor/Monitor.h"
 #include "ui/settings/Prefs.h"
 
 #include <QLabel>
@@ -49,6 +50,7 @@ private:
     void ask();
     void show(const HistoryAsker::Answer& answer);
     void showValues(const HistoryAnswer& answer);
+    QString whyNot(const HistoryAsker::Answer& answer) const;
     void showNothing(const QString& why);
 
     HistoryAsker asker_;
@@ -185,7 +187,7 @@ void HistoryPage::hideEvent(QHideEvent* event) {
 }
 
 void HistoryPage::show(const HistoryAsker::Answer& answer) {
-    if (!answer.values) return showNothing(toQt(whyNoHistory(answer.state, context_.metrics.status())));
+    if (!answer.values) return showNothing(whyNot(answer));
     setSentence(toQt(historySentence(*answer.values)));
     if (!(answer.values->total.seconds > 0))
         return showNothing(
@@ -194,6 +196,14 @@ void HistoryPage::show(const HistoryAsker::Answer& answer) {
                       .arg(toQt(lastSpan(span())))
                 : say("History begins now; come back in an hour."));
     showValues(*answer.values);
+}
+
+QString HistoryPage::whyNot(const HistoryAsker::Answer& answer) const {
+    QString why = toQt(whyNoHistory(answer.state, context_.metrics.status()));
+    if (answer.state != HistoryAsker::Answer::State::off) return why;
+    const bool isWanted = context_.prefs.saveMetricsHistory.get();
+    if (isWanted && !context_.monitor.root().isHost()) return say("A captured machine has no history.");
+    return isWanted ? why : why + " " + say("Turn it on below.");
 }
 
 void HistoryPage::showNothing(const QString& why) {

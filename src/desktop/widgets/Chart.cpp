@@ -90,7 +90,7 @@ struct Chart::Plot {
 void Chart::Plot::show(int line, const std::vector<Data::Period>& periods,
                        const std::vector<double>& values) const {
     QVector<QCPGraphData> points;
-    points.reserve(static_cast<qsizetype>(2 * periods.size()));
+    points.reserve(2 * static_cast<qsizetype>(periods.size()));
     for (size_t i = 0; i < periods.size(); ++i) {
         const auto& [from, to] = periods[i];
         points.append({from, values[i]});

@@ -22,6 +22,7 @@ QString clockText(double steady) {
 
 std::vector<Chart::Line> chartLines(const std::vector<TimeChart::Line>& lines) {
     std::vector<Chart::Line> result;
+    result.reserve(lines.size());
     for (const auto& line : lines) result.push_back({line.label, line.kind, line.second});
     return result;
 }

@@ -146,7 +146,7 @@ std::string amountText(const AppMetrics& metrics, AppHistoryMetric metric) {
 }
 
 std::string amountSentence(const AppMetrics& metrics, AppHistoryMetric metric) {
-    const std::string amount = amountText(metrics, metric);
+    std::string amount = amountText(metrics, metric);
     switch (metric) {
     case AppHistoryMetric::cpu: return amount + " of one core";
     case AppHistoryMetric::memory: return amount + " on average";

@@ -16,8 +16,8 @@ namespace quarn {
 
 /// "the last week".
 std::string lastSpan(HistorySpan span);
-/// What the totals of applications cover: "in the last week", and for an hour "since 14:00", because these are
-/// kept by full hours.
+/// What the totals of applications cover: "in the last week", and for an hour "since 14:00", because these
+/// are kept by full hours.
 std::string appSpan(const HistoryAnswer& answer);
 /// What was kept of the choice `topAppsRange`; longer spans have no place in it.
 HistorySpan spanOf(TopAppsRange range);
