@@ -87,7 +87,7 @@ private:
     int64_t seconds_ = 0;
     bool byWeek_ = false;
     int64_t day_ = 0, nextDay_ = 0;
-    std::optional<int64_t> chunk_;
+    int64_t chunk_ = std::numeric_limits<int64_t>::min(); ///< start or number of the latest
 };
 
 } // namespace
