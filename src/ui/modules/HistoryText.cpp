@@ -171,8 +171,11 @@ std::string_view appName(const AppTotal& app) {
 
 std::vector<AppRankRow> appRankRows(const HistoryAnswer& answer) {
     const AppHistoryMetric by = answer.question.by;
+    // Applications are kept for a shorter time than the machine: where none is known of before, none is new.
     const bool compares = areComparable(answer.total.seconds, answer.before.seconds) &&
-                          answer.appPeriod > 0 && answer.appPeriodBefore > 0;
+                          answer.appPeriod > 0 && answer.appPeriodBefore > 0 &&
+                          std::any_of(answer.apps.begin(), answer.apps.end(),
+                                      [](const AppRank& app) { return app.before.has_value(); });
     // Means compare as they are, sums by what they would be over as long a time.
     const double before = by == AppHistoryMetric::memory
                               ? 1
