@@ -96,9 +96,11 @@ TEST(HistoryText, RanksApplicationsThatDidSomething) {
     EXPECT_EQ(rows[1].name, "make") << "from its key while no name is known";
     EXPECT_EQ(rows[1].comparison, "new");
     EXPECT_DOUBLE_EQ(rows[1].share, 0.5);
-    HistoryAnswer young = lastWeek();
+    HistoryAnswer young = lastWeek(), forgotten = lastWeek();
     young.before = {};
     EXPECT_EQ(appRankRows(young)[1].comparison, "") << "nothing is new where nothing was recorded before";
+    forgotten.apps[0].before.reset();
+    EXPECT_EQ(appRankRows(forgotten)[1].comparison, "") << "nor where only the machine's past is kept";
 }
 
 TEST(HistoryText, SaysHowMuchOfTheSpanWasRecorded) {

@@ -209,7 +209,7 @@ void AppDetails::showPast(const HistoryAsker::Answer& answer) {
     if (!isThere) {
         noPast_->setText(
             values ? say("Nothing was recorded of it in %1.").arg(toQt(lastSpan(asker_.wanted()->span)))
-                   : toQt(whyNoHistory(answer.state, context_.metrics.status())));
+                   : toQt(whyNoHistory(answer.state)) + ".");
         return;
     }
     const double share = style_.wholeMachine > 0 ? static_cast<double>(style_.wholeMachine) : 1;

@@ -198,9 +198,10 @@ void AppRanking::showRanking(const HistoryAnswer& answer) {
     list_->show(shown);
     const QString others = toQt(amountText(answer.otherApps, answer.question.by));
     const bool areSummed = answer.question.by != AppHistoryMetric::memory;
-    others_->setVisible(answer.otherAppCount > 0 && !rows.empty());
-    others_->setText(areSummed ? say("%1 more, together %2").arg(answer.otherAppCount).arg(others)
-                               : say("%1 more").arg(answer.otherAppCount));
+    const size_t more = answer.otherAppCount + answer.apps.size() - rows.size();
+    others_->setVisible(more > 0 && !rows.empty());
+    others_->setText(areSummed ? say("%1 more, together %2").arg(more).arg(others)
+                               : say("%1 more").arg(more));
 }
 
 void AppRanking::showDetails(const HistoryAnswer& answer, const AppStyle& style) {

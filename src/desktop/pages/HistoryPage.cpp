@@ -50,14 +50,14 @@ private:
     void ask();
     void show(const HistoryAsker::Answer& answer);
     void showValues(const HistoryAnswer& answer);
-    QString whyNot(const HistoryAsker::Answer& answer) const;
-    void showNothing(const QString& why);
+    QString whatToDo(HistoryAsker::Answer::State state) const;
+    void showNothing(const QString& why, const QString& hint);
 
     HistoryAsker asker_;
     SegmentedChoice* spans_;
     Notice* notice_;
     Card* nothing_; ///< in the place of the charts, when there is nothing to show
-    QLabel* why_;
+    QLabel* hint_;
     QWidget* past_;
     HistoryCard* cpu_;
     std::array<HistoryCard*, 4> others_;
@@ -77,7 +77,7 @@ HistoryPage::HistoryPage(PageContext& context)
       spans_(new SegmentedChoice(spanTitles(), say("How far back"))),
       notice_(new Notice),
       nothing_(new Card),
-      why_(new QLabel),
+      hint_(new QLabel),
       past_(new QWidget),
       cpu_(new HistoryCard(WidgetKind::cpu, wideChart)),
       others_{new HistoryCard(WidgetKind::memory, smallChart), new HistoryCard(WidgetKind::disk, smallChart),
@@ -87,9 +87,9 @@ HistoryPage::HistoryPage(PageContext& context)
       keeping_(new HistoryKeeping(context)),
       live_(new LiveExport(context.live)),
       range_(context.prefs.topAppsRange.get()) {
-    why_->setWordWrap(true);
-    why_->setTextFormat(Qt::PlainText);
-    nothing_->content().addWidget(why_);
+    hint_->setWordWrap(true);
+    hint_->setTextFormat(Qt::PlainText);
+    nothing_->content().addWidget(hint_);
     auto* column = new QVBoxLayout(past_);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(Theme::gap);
@@ -110,7 +110,7 @@ HistoryPage::HistoryPage(PageContext& context)
     files->add(live_);
     content().addWidget(files);
     content().addStretch(1);
-    showNothing(say("Reading the history …"));
+    showNothing(say("Reading the history …"), {});
 
     followSpanSetting();
     connect(spans_, &SegmentedChoice::chosen, this,
@@ -187,29 +187,29 @@ void HistoryPage::hideEvent(QHideEvent* event) {
 }
 
 void HistoryPage::show(const HistoryAsker::Answer& answer) {
-    if (!answer.values) return showNothing(whyNot(answer));
-    setSentence(toQt(historySentence(*answer.values)));
-    if (!(answer.values->total.seconds > 0))
-        return showNothing(
-            answer.values->before.seconds > 0 || !answer.values->apps.empty()
-                ? say("Nothing was recorded in %1. Choose a longer span to see what was before.")
-                      .arg(toQt(lastSpan(span())))
-                : say("History begins now; come back in an hour."));
-    showValues(*answer.values);
+    if (!answer.values) return showNothing(toQt(whyNoHistory(answer.state)), whatToDo(answer.state));
+    const QString sentence = toQt(historySentence(*answer.values));
+    if (answer.values->total.seconds > 0) {
+        setSentence(sentence);
+        return showValues(*answer.values);
+    }
+    const bool isYoung = !(answer.values->before.seconds > 0) && answer.values->apps.empty();
+    showNothing(sentence, isYoung ? say("History begins now; come back in an hour.")
+                                  : say("Choose a longer span to see what was before."));
 }
 
-QString HistoryPage::whyNot(const HistoryAsker::Answer& answer) const {
-    QString why = toQt(whyNoHistory(answer.state, context_.metrics.status()));
-    if (answer.state != HistoryAsker::Answer::State::off) return why;
-    const bool isWanted = context_.prefs.saveMetricsHistory.get();
-    if (isWanted && !context_.monitor.root().isHost()) return say("A captured machine has no history.");
-    return isWanted ? why : why + " " + say("Turn it on below.");
+/// Where the history answers nothing.
+QString HistoryPage::whatToDo(HistoryAsker::Answer::State state) const {
+    if (state == HistoryAsker::Answer::State::failed) return {}; // the notice says what is wrong
+    if (!context_.prefs.saveMetricsHistory.get()) return say("Turn it on below, and come back in an hour.");
+    return context_.monitor.root().isHost() ? QString() : say("A captured machine has no history.");
 }
 
-void HistoryPage::showNothing(const QString& why) {
-    why_->setText(why);
+/// `hint` says what to do, and may be empty.
+void HistoryPage::showNothing(const QString& why, const QString& hint) {
     setSentence(why);
-    nothing_->show();
+    hint_->setText(hint);
+    nothing_->setVisible(!hint.isEmpty());
     past_->hide();
 }
 

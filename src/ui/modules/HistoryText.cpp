@@ -54,6 +54,9 @@ std::string_view wordOf(AppHistoryMetric metric) {
     return {};
 }
 
+/// What reads as more than nothing.
+double leastAmount(AppHistoryMetric metric) { return metric == AppHistoryMetric::cpu ? 0.01 : 1; }
+
 /// How much of a span must have been recorded to speak of all of it.
 constexpr double nearlyAll = 0.97;
 
@@ -168,8 +171,11 @@ std::string_view appName(const AppTotal& app) {
 
 std::vector<AppRankRow> appRankRows(const HistoryAnswer& answer) {
     const AppHistoryMetric by = answer.question.by;
+    // Applications are kept for a shorter time than the machine: where none is known of before, none is new.
     const bool compares = areComparable(answer.total.seconds, answer.before.seconds) &&
-                          answer.appPeriod > 0 && answer.appPeriodBefore > 0;
+                          answer.appPeriod > 0 && answer.appPeriodBefore > 0 &&
+                          std::any_of(answer.apps.begin(), answer.apps.end(),
+                                      [](const AppRank& app) { return app.before.has_value(); });
     // Means compare as they are, sums by what they would be over as long a time.
     const double before = by == AppHistoryMetric::memory
                               ? 1
@@ -179,7 +185,7 @@ std::vector<AppRankRow> appRankRows(const HistoryAnswer& answer) {
     std::vector<AppRankRow> rows;
     for (const AppRank& app : answer.apps) {
         const double amount = rankOf(app.total.metrics, by);
-        if (!(amount > 0)) break; // the rest did nothing of the kind
+        if (amount < leastAmount(by)) break; // the rest did nothing of the kind
         AppRankRow row{app.total.bundlePath,
                        std::string(appName(app.total)),
                        amountText(app.total.metrics, by),
@@ -209,14 +215,14 @@ std::vector<Fact> appFacts(const AppMetrics& metrics) {
     return facts;
 }
 
-std::string whyNoHistory(MetricsRead<HistoryAnswer>::State state, const HistoryStatus& status) {
+std::string_view whyNoHistory(MetricsRead<HistoryAnswer>::State state) {
     using State = MetricsRead<HistoryAnswer>::State;
     switch (state) {
     case State::values: return {};
-    case State::off: return "The history is not being recorded.";
-    case State::failed: break;
+    case State::off: return "The history is not being recorded";
+    case State::failed: return "The history could not be read";
     }
-    return status.problem.empty() ? "The history could not be read." : status.problem;
+    return {};
 }
 
 std::string historySentence(const HistoryAnswer& answer) {
@@ -227,7 +233,7 @@ std::string historySentence(const HistoryAnswer& answer) {
                            ? fmt::format("All of {} was recorded", lastSpan(span))
                            : fmt::format("{} of {} were recorded", format::duration(seconds), lastSpan(span));
     const AppHistoryMetric by = answer.question.by;
-    if (answer.apps.empty() || !(rankOf(answer.apps.front().total.metrics, by) > 0)) return text;
+    if (answer.apps.empty() || rankOf(answer.apps.front().total.metrics, by) < leastAmount(by)) return text;
     const AppTotal& first = answer.apps.front().total;
     text +=
         fmt::format("; {} used most {}, {}", appName(first), wordOf(by), amountSentence(first.metrics, by));

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "history/HistoryReads.h"
-#include "history/MetricsStoreKeeper.h"
 #include "ui/modules/Facts.h"
 #include "ui/modules/WidgetKind.h"
 
@@ -82,7 +81,7 @@ std::vector<Fact> appFacts(const AppMetrics& metrics);
 /// "6 d 4 h of the last week were recorded; Firefox used most CPU, 3 h 12 min of one core".
 std::string historySentence(const HistoryAnswer& answer);
 
-/// Why the history answers nothing, for people; empty when it answers.
-std::string whyNoHistory(MetricsRead<HistoryAnswer>::State state, const HistoryStatus& status);
+/// Why the history answers nothing, for people and without a full stop; empty when it answers.
+std::string_view whyNoHistory(MetricsRead<HistoryAnswer>::State state);
 
 } // namespace quarn
