@@ -33,7 +33,9 @@ std::optional<std::string> AppOwnerIndex::bundlePath(std::string_view path) {
 
 std::string_view executableName(std::string_view name, std::string_view path) {
     const std::string_view file = path.substr(path.rfind('/') + 1);
-    return file.empty() || (isLauncher(file) && !name.empty()) ? name : file;
+    // A program that was put together in memory has another "file" at each start.
+    const bool isPassing = isLauncher(file) || file.starts_with("memfd:");
+    return file.empty() || (isPassing && !name.empty()) ? name : file;
 }
 
 } // namespace sysinfo

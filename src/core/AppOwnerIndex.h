@@ -58,7 +58,7 @@ private:
 };
 
 /// What a process that belongs to no application is grouped by: the file name of its executable, or the
-/// process's own name where the executable is unknown or runs scripts.
+/// process's own name where the executable is unknown, runs scripts or has no file.
 std::string_view executableName(std::string_view name, std::string_view path);
 
 } // namespace sysinfo

@@ -28,6 +28,7 @@ TEST(AppOwnerIndex, ExecutableNames) {
     EXPECT_EQ(executableName("Web Content", "/usr/lib/firefox/firefox"), "firefox");
     EXPECT_EQ(executableName("backup.py", "/usr/bin/python3.11"), "backup.py"); // a script runs in it
     EXPECT_EQ(executableName("sshd", ""), "sshd");
+    EXPECT_EQ(executableName("helper", "/memfd:sealed-91173221a7ea"), "helper"); // without a file
     EXPECT_EQ(executableName("", "/usr/bin/sh"), "sh");
 }
 
