@@ -1,10 +1,10 @@
 #include "desktop/applications/AppDetails.h"
 
 #include "desktop/Background.h"
-#include "desktop/Icon.h"
 #include "desktop/Page.h"
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
+#include "desktop/widgets/CloseButton.h"
 #include "desktop/widgets/FactTable.h"
 #include "desktop/widgets/HistoryChart.h"
 #include "desktop/widgets/SegmentedChoice.h"
@@ -87,11 +87,7 @@ AppDetails::AppDetails(PageContext& context, QWidget* parent)
       noPast_(caption({})),
       bundle_(new WrappedText(say("Described by"))),
       identifier_(new WrappedText(say("Known as"))) {
-    auto* close = new QToolButton;
-    close->setIcon(icon("close"));
-    close->setAutoRaise(true);
-    close->setToolTip(say("Close (Esc)"));
-    close->setAccessibleName(say("Close the details"));
+    auto* close = closeButton(say("Close (Esc)"), say("Close the details"));
     addCorner(close);
     connect(close, &QToolButton::clicked, this, &AppDetails::closed);
     connect(span_, &SegmentedChoice::chosen, this, [this] { want(); });

@@ -1,11 +1,11 @@
 #include "desktop/processes/ProcessDetails.h"
 
 #include "desktop/Background.h"
-#include "desktop/Icon.h"
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
 #include "desktop/processes/ProcessModel.h"
 #include "desktop/processes/ProcessQueue.h"
+#include "desktop/widgets/CloseButton.h"
 #include "desktop/widgets/FactTable.h"
 #include "desktop/widgets/WrappedText.h"
 #include "monitor/Monitor.h"
@@ -68,11 +68,7 @@ ProcessDetails::ProcessDetails(Monitor& monitor, QWidget* parent)
       program_(new WrappedText(say("Program"))),
       folder_(new WrappedText(say("Works in"))),
       ancestors_(new WrappedText(say("Started by"))) {
-    auto* close = new QToolButton;
-    close->setIcon(icon("close"));
-    close->setAutoRaise(true);
-    close->setToolTip(say("Close (Esc)"));
-    close->setAccessibleName(say("Close the details"));
+    auto* close = closeButton(say("Close (Esc)"), say("Close the details"));
     addCorner(close);
     connect(close, &QToolButton::clicked, this, &ProcessDetails::closed);
 

@@ -1,8 +1,8 @@
 #include "desktop/widgets/Notice.h"
 
-#include "desktop/Icon.h"
 #include "desktop/Text.h"
 #include "desktop/Theme.h"
+#include "desktop/widgets/CloseButton.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -15,11 +15,7 @@ Notice::Notice(QWidget* parent) : QFrame(parent), text_(new QLabel) {
     text_->setTextFormat(Qt::PlainText);
     text_->setWordWrap(true);
     text_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto* close = new QToolButton;
-    close->setIcon(icon("close"));
-    close->setAutoRaise(true);
-    close->setToolTip(say("Dismiss"));
-    close->setAccessibleName(say("Dismiss"));
+    auto* close = closeButton(say("Dismiss"), say("Dismiss"));
     connect(close, &QToolButton::clicked, this, &QWidget::hide);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(Theme::cardPadding, Theme::gap, Theme::gap, Theme::gap);
