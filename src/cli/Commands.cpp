@@ -67,13 +67,13 @@ constexpr std::array<Command, 16> table{{
     {"hardware", "[options]", "What the machine and its system are.", "", "quarn hardware", takesJson,
      runHardware},
     {"history", "series | top | app NAME | totals | export FILE | clear",
-     "What the machine and its applications did, up to two years back.",
+     "Who used what, up to two years back.",
      "  series       the machine over --range; with --by one kind only\n"
      "  top          the applications that used most (--limit, default 10)\n"
      "  app NAME     one application, by its name or the path in the JSON of `top`\n"
-     "  totals       today, the week and the month; with --range that time and the one before\n"
+     "  totals       today, the week, the month; with --range also the span before\n"
      "  export FILE  the last half hour of a running Quarn as CSV\n"
-     "  clear        deletes the whole history\n"
+     "  clear        deletes the whole history\n\n"
      "The history is recorded while the window, its status items or `quarn recorder` run, as long as the "
      "setting saveMetricsHistory is on.",
      "quarn history top --range week --by memory",
