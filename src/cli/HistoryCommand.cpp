@@ -155,9 +155,10 @@ void writeSeries(JsonWriter& json, const HistoryAnswer& answer) {
 std::string topText(const HistoryAnswer& answer, HistoryLayout layout) {
     const auto& metric = traits(answer.question.by);
     const auto rows = appRankRows(answer);
+    if (!(answer.total.seconds > 0)) return safe(historySentence(answer), layout) + ".\n";
     if (rows.empty())
-        return fmt::format("No application used any of this in {}: {}.\n", lastSpan(answer.question.span),
-                           metric.title);
+        return fmt::format("{}: no application used any in {}.\n", metric.title,
+                           lastSpan(answer.question.span));
     TextTable table({{"Application"}, {metric.amount, Align::right}, {"Before", Align::right}, {"Share"}},
                     layout.charset);
     constexpr int barCells = 20;

@@ -90,8 +90,8 @@ TEST(HistoryCommand, RanksApplications) {
                                    "Web                10 min 0 s          ████████████████████\n"
                                    "cc                  5 min 0 s          ██████████\n"
                                    "and 1 more, together 2 min 30 s\n");
-    EXPECT_TRUE(
-        contains(topText(recorded.ask({.by = AppHistoryMetric::network}), {}), "No application used"));
+    EXPECT_TRUE(contains(topText(recorded.ask({.by = AppHistoryMetric::network}), {}),
+                         "Network: no application used any in"));
     const auto json = parsed([&](JsonWriter& out) { writeTop(out, answer); });
     EXPECT_EQ(json["apps"][1]["app"], "cc");
     EXPECT_EQ(json["apps"][0]["total"]["cpuSeconds"], 600);

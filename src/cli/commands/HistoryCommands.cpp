@@ -146,6 +146,13 @@ int runExport(const Options& options) {
     return success;
 }
 
+/// What SQLite says, with the file and what to do.
+std::string complaintOf(const SQLiteError& error) {
+    std::string text = fmt::format("cannot use the history in {}: {}", metricsFile().string(), error.what());
+    if (error.isBroken()) text += "; quarn-desktop or `quarn recorder` sets it aside and begins a new one";
+    return text;
+}
+
 struct Action {
     std::string_view name;
     size_t words; ///< with the name
@@ -157,6 +164,14 @@ constexpr std::array<Action, 6> actions{{{"series", 1, runSeries},
                                          {"totals", 1, runTotals},
                                          {"export", 2, runExport},
                                          {"clear", 1, runClear}}};
+
+int runGuarded(const Action& action, const Options& options) {
+    try {
+        return action.run(options);
+    } catch (const SQLiteError& error) {
+        throw std::runtime_error(complaintOf(error));
+    }
+}
 
 /// How recording is going, in a line.
 std::string stateText(const HistoryStatus& status) {
@@ -194,7 +209,7 @@ int runHistory(const Options& options) {
     if (!options.root.isHost()) throw std::runtime_error("a captured machine has no history");
     for (const auto& action : actions)
         if (!options.words.empty() && options.words[0] == action.name && options.words.size() == action.words)
-            return action.run(options);
+            return runGuarded(action, options);
     complain(
         "quarn history takes one of series, top, app NAME, totals, export FILE, clear; see quarn history "
         "--help");
