@@ -72,7 +72,9 @@ TEST_F(DevicePages, NetworkRatesFollowTheSetting) {
 TEST_F(DevicePages, VolumesComeFromBesides) {
     QWidget& page = open("disks", snapshot);
     EXPECT_EQ(table(page, "Disks").rowCount(), 2);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return table(page, "Volumes").rowCount() > 0; }));
+    const auto mounted = static_cast<int>(fixture.monitor().volumes().size());
+    if (mounted == 0) GTEST_SKIP() << "nothing is mounted here that is a volume, as in some containers";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return table(page, "Volumes").rowCount() == mounted; }));
 }
 
 TEST_F(DevicePages, SensorsStandUnderTheirPartInTheirUnit) {
