@@ -1,5 +1,6 @@
 // The long-term history: what a tick, a minute and a page's question cost over a full year's database of 300
 // applications. Prints the size of a row first.
+#include "history/HistoryReads.h"
 #include "history/MetricsAccumulator.h"
 #include "history/MetricsStore.h"
 
@@ -180,6 +181,16 @@ BENCHMARK_CAPTURE(question, appWeekByHours, [](MetricsStore& store) {
 BENCHMARK_CAPTURE(question, appMonthByDays, [](MetricsStore& store) {
     return store.appSeries(appId(7), now - month, now + 1, MetricsStore::AppSeriesStep::byDay).size();
 })->Unit(benchmark::kMillisecond);
+
+/// All that the page of the history, or a command, asks at one time.
+void page(benchmark::State& state) {
+    MetricsStore store(year->file);
+    const HistoryQuestion question{static_cast<HistorySpan>(state.range(0)), AppHistoryMetric::cpu, 10,
+                                   appId(7)};
+    for (auto _ : state) benchmark::DoNotOptimize(readHistory(store, question, wallTime(now)).apps.size());
+    state.SetLabel(std::string(traits(question.span).id));
+}
+BENCHMARK(page)->DenseRange(0, 5)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
