@@ -77,10 +77,9 @@ Monitor::Monitor(MonitorSetup setup)
 Monitor::~Monitor() {
     events_.reset();
     timer_.reset();
-    publication_.reset();
-    setup_.queue.sync([] {}); // a tick under way ends first,
-    setup_.aux.sync([] {});   // then the job that it may have started,
-    setup_.queue.sync([] {}); // then the landing of what the job brought
+    setup_.queue.sync([this] { publication_.reset(); }); // a tick under way ends first,
+    setup_.aux.sync([] {});                              // then the job that it may have started,
+    setup_.queue.sync([] {});                            // then the landing of what the job brought
 }
 
 Monitor& Monitor::shared(Executor& main) {
