@@ -165,7 +165,8 @@ constexpr std::array<Action, 6> actions{{{"series", 1, runSeries},
                                          {"export", 2, runExport},
                                          {"clear", 1, runClear}}};
 
-int runGuarded(const Action& action, const Options& options) {
+/// Runs it; what SQLite throws comes out as a sentence for people.
+int runAction(const Action& action, const Options& options) {
     try {
         return action.run(options);
     } catch (const SQLiteError& error) {
@@ -209,7 +210,7 @@ int runHistory(const Options& options) {
     if (!options.root.isHost()) throw std::runtime_error("a captured machine has no history");
     for (const auto& action : actions)
         if (!options.words.empty() && options.words[0] == action.name && options.words.size() == action.words)
-            return runGuarded(action, options);
+            return runAction(action, options);
     complain(
         "quarn history takes one of series, top, app NAME, totals, export FILE, clear; see quarn history "
         "--help");
