@@ -2,7 +2,6 @@
 
 #include "core/DesktopEntry.h"
 #include "desktop/Background.h"
-#include "desktop/processes/ProcessQueue.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -10,8 +9,8 @@
 #include <QImage>
 #include <QImageReader>
 #include <QPixmap>
-#include <QPointer>
 #include <QStandardPaths>
+#include <utility>
 
 namespace quarn::desktop {
 
@@ -34,12 +33,13 @@ QString pictureOf(const QString& icon, const QStringList& dataFolders) {
     return {};
 }
 
-Images readImages() {
+Images readImages(const CancelToken& ended) {
     Images images;
     const QStringList dataFolders = QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
     for (const QString& folder : dataFolders) {
         const QDir menus(folder + "/applications");
         for (const QString& name : menus.entryList({"*.desktop"}, QDir::Files)) {
+            if (ended.isCancelled()) return images;
             QFile file(menus.filePath(name));
             if (!file.open(QIODevice::ReadOnly)) continue;
             const auto entry = sysinfo::parseDesktopEntry(file.read(largestFile).toStdString());
@@ -59,16 +59,25 @@ Images readImages() {
 
 } // namespace
 
-ApplicationIcons::ApplicationIcons(QObject* parent) : QObject(parent) {
-    inBackground(processQueue(), this, readImages, [this](const Images& images) {
-        for (const auto& [program, image] : images) icons_.emplace(program, QIcon(QPixmap::fromImage(image)));
-        if (!icons_.empty()) Q_EMIT arrived();
-    });
+ApplicationIcons::ApplicationIcons() {
+    inBackground(
+        queue_, this, [this] { return readImages(ended_); },
+        [this](const Images& images) {
+            for (const auto& [program, image] : images)
+                icons_.emplace(program, QIcon(QPixmap::fromImage(image)));
+            if (!icons_.empty()) Q_EMIT arrived();
+        });
 }
 
+ApplicationIcons::~ApplicationIcons() { ended_.cancel(); }
+
 ApplicationIcons& ApplicationIcons::shared() {
-    static QPointer<ApplicationIcons> icons;
-    if (!icons) icons = new ApplicationIcons(QCoreApplication::instance());
+    static ApplicationIcons* icons = nullptr;
+    if (!icons) {
+        icons = new ApplicationIcons;
+        // Not as a child of the application, which drops its children when it can paint no more.
+        qAddPostRoutine([] { delete std::exchange(icons, nullptr); });
+    }
     return *icons;
 }
 

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "HelperKit/CancelToken.h"
+#include "HelperKit/SerialQueue.h"
+
 #include <QIcon>
 #include <QObject>
 #include <string>
@@ -13,7 +16,7 @@ namespace quarn::desktop {
 class ApplicationIcons : public QObject {
     Q_OBJECT
 public:
-    /// Those that all lists share; it lives as long as the application.
+    /// Those that all lists share; they end when the application begins to.
     static ApplicationIcons& shared();
 
     /// The picture of the program at `path`, or of the entry of a menu that lies there; nullptr when there is
@@ -25,9 +28,12 @@ Q_SIGNALS:
     void arrived();
 
 private:
-    explicit ApplicationIcons(QObject* parent);
+    ApplicationIcons();
+    ~ApplicationIcons() override;
 
     std::unordered_map<std::string, QIcon> icons_;
+    CancelToken ended_;
+    SerialQueue queue_{"com.kelmora.quarn.icons"}; ///< last: what runs on it ends first
 };
 
 } // namespace quarn::desktop
