@@ -98,4 +98,17 @@ std::vector<AppTotal> AppLiveHistory::totals(WallTime now, AppHistoryMetric metr
     return totals;
 }
 
+std::vector<AppMinute> AppLiveHistory::minutesOf(std::string_view app, WallTime now) const {
+    std::vector<AppMinute> minutes;
+    for (const Minute& minute : minutes_) {
+        if (minute.start < minuteOf(now) - span) continue;
+        AppMinute& own = minutes.emplace_back(AppMinute{minute.start, 0, {}});
+        for (const Use& use : minute.apps) {
+            own.observed = std::max(own.observed, use.metrics.seconds); // something runs all the time
+            if (use.app.view() == app) own.metrics = use.metrics;
+        }
+    }
+    return minutes;
+}
+
 } // namespace quarn

@@ -11,6 +11,13 @@
 
 namespace quarn {
 
+/// What one application did within a minute.
+struct AppMinute {
+    int64_t start = 0;   ///< Unix seconds, a multiple of 60
+    double observed = 0; ///< seconds of it, whether or not the application was there
+    AppMetrics metrics;  ///< without the name
+};
+
 /// What each application did in the last half hour, by minutes. A plain value; its owner keeps threads apart.
 class AppLiveHistory {
 public:
@@ -44,6 +51,9 @@ public:
 
     /// What each did since `now` − `span`, the greatest by `metric` first.
     std::vector<AppTotal> totals(WallTime now, AppHistoryMetric metric, size_t limit) const;
+    /// What the application did since `now` − `span`, by minutes, oldest first. Minutes in which nothing was
+    /// observed are missing.
+    std::vector<AppMinute> minutesOf(std::string_view app, WallTime now) const;
 
     const std::deque<Minute>& minutes() const { return minutes_; } ///< oldest first
     const Names& names() const { return names_; }

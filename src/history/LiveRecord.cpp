@@ -104,6 +104,10 @@ std::vector<AppTotal> LiveRecord::topApps(AppHistoryMetric metric, size_t limit)
         [&](const AppLiveHistory& apps) { return apps.totals(setup_.now(), metric, limit); });
 }
 
+std::vector<AppMinute> LiveRecord::minutesOf(std::string_view app) const {
+    return apps_.withValue([&](const AppLiveHistory& apps) { return apps.minutesOf(app, setup_.now()); });
+}
+
 void LiveRecord::restore(WallTime now) {
     try {
         auto content = readArchive(setup_.file);

@@ -55,6 +55,8 @@ public:
     std::vector<HistoryBreak> breaks() const;
     /// What applications did in the last half hour, the greatest by `metric` first.
     std::vector<AppTotal> topApps(AppHistoryMetric metric, size_t limit) const;
+    /// What one of them did, see AppLiveHistory::minutesOf.
+    std::vector<AppMinute> minutesOf(std::string_view app) const;
 
     /// All samples as CSV, see HistoryExport::writeCSV. Throws std::system_error; waits for the disk.
     void writeCSV(const std::filesystem::path& file) const { HistoryExport::writeCSV(file, samples()); }

@@ -9,6 +9,9 @@
 #include "desktop/widgets/HistoryChart.h"
 #include "desktop/widgets/SegmentedChoice.h"
 #include "desktop/widgets/WrappedText.h"
+#include "history/HistoryTime.h"
+#include "history/LiveRecord.h"
+#include "history/MetricsColumns.h"
 #include "monitor/AppWatch.h"
 #include "ui/modules/Format.h"
 #include "ui/modules/HistoryText.h"
@@ -26,7 +29,7 @@ namespace {
 
 constexpr int pastHeight = 130;
 constexpr int roomForHalves = 560; ///< pixels from which the past stands beside the present
-constexpr HistorySpan pastSpans[]{HistorySpan::day, HistorySpan::week};
+constexpr HistorySpan keptSpans[]{HistorySpan::day, HistorySpan::week}; ///< after the last half hour
 
 /// A line of the table, from two figures that one field sums up.
 struct Half {
@@ -81,7 +84,7 @@ AppDetails::AppDetails(PageContext& context, QWidget* parent)
           context.metrics, [this](const HistoryAsker::Answer& answer) { showPast(answer); }, this),
       halves_(new QBoxLayout(QBoxLayout::TopToBottom)),
       facts_(new FactTable),
-      span_(new SegmentedChoice({say("Day"), say("Week")}, say("How far back"))),
+      span_(new SegmentedChoice({say("Half hour"), say("Day"), say("Week")}, say("How far back"))),
       chart_(new HistoryChart({{say("CPU"), WidgetKind::cpu}}, {})),
       past_(new FactTable),
       noPast_(caption({})),
@@ -167,14 +170,13 @@ void AppDetails::show(const ResourceAppList::App& app, const Known& known, const
     setNote(app.processCount == 1 ? say("one process") : say("%1 processes").arg(app.processCount));
     facts_->show(factsOf({&app}, known, style));
     std::string key(historyKey(app));
-    if (key == key_) return;
-    key_ = std::move(key);
-    identify(app);
-    chart_->setVisible(false);
-    past_->setVisible(false);
-    noPast_->setText(say("Reading the history …"));
-    noPast_->setVisible(true);
-    want();
+    if (key != key_) {
+        key_ = std::move(key);
+        identify(app);
+        showNoPast(say("Reading the history …"));
+        want();
+    } else if (isLive())
+        showHalfHour();
 }
 
 /// What the system knows of it is in files, which are read off the main thread.
@@ -190,29 +192,54 @@ void AppDetails::identify(const ResourceAppList::App& app) {
         });
 }
 
+bool AppDetails::isLive() const { return span_->current() <= 0; }
+
 void AppDetails::want() {
-    if (key_.empty()) return asker_.want({});
-    const HistorySpan span = pastSpans[static_cast<size_t>(std::max(span_->current(), 0))];
+    if (isLive() || key_.empty()) {
+        asker_.want({});
+        showHalfHour();
+        return;
+    }
+    const HistorySpan span = keptSpans[static_cast<size_t>(span_->current() - 1)];
     asker_.want(HistoryQuestion{span, AppHistoryMetric::cpu, 0, key_});
+}
+
+void AppDetails::showHalfHour() {
+    const auto minutes = context_.live.minutesOf(key_);
+    if (minutes.empty()) return showNoPast(say("The next minutes will be shown here."));
+    const int64_t now = unixSeconds(std::chrono::system_clock::now());
+    AppMetrics total;
+    for (const AppMinute& minute : minutes) mergeInto(total, minute.metrics);
+    showPast(appSeries(minutes, appLines(AppHistoryMetric::cpu), now), {now - AppLiveHistory::span, now},
+             total);
 }
 
 void AppDetails::showPast(const HistoryAsker::Answer& answer) {
     const auto& values = answer.values;
-    const bool isThere = values && values->app;
-    chart_->setVisible(isThere);
-    past_->setVisible(isThere);
-    noPast_->setVisible(!isThere);
-    if (!isThere) {
-        noPast_->setText(
-            values ? say("Nothing was recorded of it in %1.").arg(toQt(lastSpan(asker_.wanted()->span)))
-                   : toQt(whyNoHistory(answer.state)) + ".");
-        return;
-    }
+    if (!values)
+        showNoPast(toQt(whyNoHistory(answer.state)) + ".");
+    else if (!values->app)
+        showNoPast(say("Nothing was recorded of it in %1.").arg(toQt(lastSpan(values->question.span))));
+    else
+        showPast(appSeries(*values, appLines(AppHistoryMetric::cpu)), {values->from, values->to},
+                 values->app->metrics);
+}
+
+void AppDetails::showNoPast(const QString& why) {
+    for (QWidget* widget : std::initializer_list<QWidget*>{chart_, past_}) widget->hide();
+    noPast_->setText(why);
+    noPast_->show();
+}
+
+void AppDetails::showPast(const HistorySeries& series, const HistorySeries::Period& period,
+                          const AppMetrics& total) {
+    for (QWidget* widget : std::initializer_list<QWidget*>{chart_, past_}) widget->show();
+    noPast_->hide();
     const double share = style_.wholeMachine > 0 ? static_cast<double>(style_.wholeMachine) : 1;
     chart_->setScale({.text = [share](double value) { return toQt(format::percent(value / share)); },
                       .perUnit = 1 / share});
-    chart_->show(appSeries(*values, appLines(AppHistoryMetric::cpu)), values->from, values->to);
-    past_->show(appFacts(values->app->metrics));
+    chart_->show(series, period.from, period.to);
+    past_->show(appFacts(total));
 }
 
 void AppDetails::showEvent(QShowEvent* event) {

@@ -4,6 +4,7 @@
 #include "desktop/history/HistoryAsker.h"
 #include "desktop/widgets/Card.h"
 #include "ui/modules/AppRows.h"
+#include "ui/modules/HistorySeries.h"
 
 class QBoxLayout;
 
@@ -15,8 +16,8 @@ class HistoryChart;
 class SegmentedChoice;
 class WrappedText;
 
-/// Everything about one application: what it uses now, what it did in the last day or week, and what the
-/// system knows it by. The past and the names stand when they come.
+/// Everything about one application: what it uses now, what it did in the last half hour, day or week, and
+/// what the system knows it by. The past and the names stand when they come.
 class AppDetails : public Card {
     Q_OBJECT
 public:
@@ -42,7 +43,11 @@ private:
     QLayout* makePast();
     void want();
     void identify(const ResourceAppList::App& app);
+    bool isLive() const; ///< whether the last half hour is chosen
+    void showHalfHour();
     void showPast(const HistoryAsker::Answer& answer);
+    void showPast(const HistorySeries& series, const HistorySeries::Period& period, const AppMetrics& total);
+    void showNoPast(const QString& why);
 
     PageContext& context_;
     HistoryAsker asker_;

@@ -8,8 +8,10 @@
 #include "desktop/widgets/Card.h"
 #include "desktop/widgets/FlowGrid.h"
 #include "desktop/widgets/RangePicker.h"
+#include "desktop/widgets/SegmentedChoice.h"
 #include "desktop/widgets/Tile.h"
 #include "desktop/widgets/TimeChart.h"
+#include "history/LiveRecord.h"
 #include "monitor/AppWatch.h"
 #include "monitor/Monitor.h"
 #include "ui/modules/Format.h"
@@ -51,12 +53,16 @@ private:
     void showTiles(const Snapshot& snapshot, const Known& known);
     void showAttention(const Snapshot& snapshot, const Known& known);
     void readVolumes(double now);
+    void showBusiest();
 
     RangePicker* range_;
     std::array<Tile*, allWidgetKinds.size()> tiles_{};
     TimeChart* chart_;
     ApplicationList* busiest_;
+    SegmentedChoice* busiestSpan_; ///< now or the last half hour
     AttentionList* attention_;
+    Known known_; ///< this and the next: as the applications are shown
+    AppStyle style_;
     Attention watch_;
     std::vector<Volume> volumes_;
     std::optional<double> volumesRead_;               ///< when they were asked for last, steady seconds
@@ -71,6 +77,7 @@ OverviewPage::OverviewPage(PageContext& context)
                             {LiveSeries::cpuSystem, say("System share"), WidgetKind::cpu, true}},
                            {.full = 100, .text = [](double value) { return toQt(format::percent(value)); }})),
       busiest_(new ApplicationList(AppField::cpu)),
+      busiestSpan_(new SegmentedChoice({say("Now"), say("Half hour")}, say("How far back"))),
       attention_(new AttentionList) {
     addTool(range_);
     auto* tiles = new FlowGrid(tileWidth, FlowGrid::Lead::wide);
@@ -83,6 +90,8 @@ OverviewPage::OverviewPage(PageContext& context)
 
     auto* cards = new FlowGrid(cardWidth);
     auto* busiest = new Card(say("Busiest applications"));
+    busiest->addCorner(busiestSpan_);
+    busiestSpan_->setCurrent(0);
     busiest->content().addWidget(busiest_);
     busiest->content().addStretch();
     auto* attention = new Card(say("Needs attention"));
@@ -100,6 +109,7 @@ OverviewPage::OverviewPage(PageContext& context)
 
     connect(busiest_, &ApplicationList::opened, this,
             [this](const QString& name) { context_.navigator.open("applications", name); });
+    connect(busiestSpan_, &SegmentedChoice::chosen, this, [this] { showBusiest(); });
     connect(attention_, &AttentionList::opened, this,
             [this](const QString& page, const QString& search) { context_.navigator.open(page, search); });
 }
@@ -114,9 +124,17 @@ void OverviewPage::refresh(const Snapshot& snapshot, const Known& known) {
     showAttention(snapshot, known);
 }
 
-void OverviewPage::showApplications(const ResourceAppList& list, const Snapshot& snapshot,
-                                    const Known& known) {
-    busiest_->refresh(list, known, appStyle(context_.prefs, snapshot.cpu.perCore.size()));
+void OverviewPage::showApplications(const ResourceAppList&, const Snapshot& snapshot, const Known& known) {
+    known_ = known;
+    style_ = appStyle(context_.prefs, snapshot.cpu.perCore.size());
+    showBusiest();
+}
+
+void OverviewPage::showBusiest() {
+    if (busiestSpan_->current() == 1)
+        busiest_->refresh(context_.live.topApps(AppHistoryMetric::cpu, ApplicationList::rowCount));
+    else if (const auto list = context_.apps.latest())
+        busiest_->refresh(*list, known_, style_);
 }
 
 void OverviewPage::showTiles(const Snapshot& snapshot, const Known& known) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "desktop/widgets/RankList.h"
+#include "history/MetricsReads.h"
 #include "ui/modules/AppRows.h"
 
 namespace quarn::desktop {
@@ -12,7 +13,12 @@ public:
     /// `order` is AppField::cpu or AppField::memory.
     explicit ApplicationList(AppField order, QWidget* parent = nullptr);
 
+    static constexpr size_t rowCount = 6;
+
+    /// Those that use most now.
     void refresh(const ResourceAppList& list, const Known& known, const AppStyle& style);
+    /// Those that used most over some time, the greatest first.
+    void refresh(const std::vector<AppTotal>& totals);
 
 private:
     AppField order_;

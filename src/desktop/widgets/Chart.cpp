@@ -6,6 +6,7 @@
 #include "desktop/widgets/Legend.h"
 #include "desktop/widgets/TextValue.h"
 #include "ui/modules/ChartText.h"
+#include "ui/modules/Scale.h"
 
 #include <QMouseEvent>
 #include <QVBoxLayout>
@@ -26,7 +27,7 @@ namespace quarn::desktop {
 namespace {
 
 constexpr double fillOpacity = 0.18;
-constexpr int gridLines = 4;
+constexpr int stepsOfFullScale = 4;
 constexpr int labelledHeight = 110; ///< from here on each grid line has its mark, below every second one
 
 /// A graph whose fill is painted pixel by pixel: filling a polygon of a thousand corners takes many times as
@@ -177,10 +178,15 @@ void Chart::draw(Data points, double from, double to, double top, const QStringL
     }
     if (legend_) legend_->show(entries);
     setTextValue(this, spoken.join(", "));
-    plot_->ticker->setTickStep(top / gridLines);
+    plot_->ticker->setTickStep(top / steps(top));
     plot_->value().setRange(0, top);
     plot_->time().setRange(from, to);
     layOut();
+}
+
+/// Into how many the grid divides the scale.
+int Chart::steps(double top) const {
+    return scale_.full > 0 ? stepsOfFullScale : scaleSteps(top * scale_.perUnit);
 }
 
 void Chart::layOut() {
@@ -188,12 +194,13 @@ void Chart::layOut() {
     auto& plot = *plot_->widget;
     const QFontMetrics metrics(Theme::captionFont());
     const double top = plot_->value().range().upper;
-    const int every = plot.height() < labelledHeight ? 2 : 1;
+    const int all = steps(top);
+    const int every = plot.height() >= labelledHeight ? 1 : all % 2 == 0 ? all / 2 : all;
     overlay.marks.clear();
     int widest = 0;
-    for (int i = 0; scale_.text && i <= gridLines; i += every) {
-        const QString text = toQt(scaleMark(scale_.text(top * i / gridLines).toStdString()));
-        overlay.marks.push_back({top * i / gridLines, text});
+    for (int i = 0; scale_.text && i <= all; i += every) {
+        const QString text = toQt(scaleMark(scale_.text(top * i / all).toStdString()));
+        overlay.marks.push_back({top * i / all, text});
         widest = std::max(widest, metrics.horizontalAdvance(text));
     }
     const int half = metrics.height() / 2 + 1;

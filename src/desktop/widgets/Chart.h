@@ -79,6 +79,7 @@ private:
     struct Plot;
 
     void applyColours();
+    int steps(double top) const;
     void layOut();
     void moveHair(int points);
     std::optional<size_t> nearest(double time) const;

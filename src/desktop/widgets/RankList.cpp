@@ -99,6 +99,7 @@ void RankList::show(const std::vector<Row>& rows) {
 }
 
 void RankList::setColumns(std::vector<Column> columns) {
+    if (columns_ == columns) return;
     columns_ = std::move(columns);
     update();
 }

@@ -18,6 +18,8 @@ public:
         QString title;
         WidgetKind kind; ///< hue of the bars
         int width = 92;
+
+        bool operator==(const Column&) const = default;
     };
     struct Cell {
         QString text;

@@ -174,4 +174,16 @@ HistorySeries appSeries(const HistoryAnswer& answer, std::span<const AppLine> li
     return series;
 }
 
+HistorySeries appSeries(std::span<const AppMinute> minutes, std::span<const AppLine> lines, int64_t now) {
+    HistorySeries series;
+    for (const AppMinute& minute : minutes)
+        series.periods.push_back({minute.start, std::min(minute.start + minuteSeconds, now)});
+    for (const AppLine line : lines) {
+        auto& values = series.lines.emplace_back();
+        for (const AppMinute& minute : minutes)
+            values.push_back(valueOf(minute.metrics, line, minute.observed));
+    }
+    return series;
+}
+
 } // namespace quarn

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "history/AppLiveHistory.h"
 #include "history/HistoryReads.h"
 
 #include <span>
@@ -55,5 +56,7 @@ HistorySeries systemSeries(const HistoryAnswer& answer, std::span<const SystemLi
 /// Of the application that was asked for. Where the machine was recorded and the application was not, it did
 /// nothing.
 HistorySeries appSeries(const HistoryAnswer& answer, std::span<const AppLine> lines);
+/// Of an application in the last minutes, up to `now` in Unix seconds.
+HistorySeries appSeries(std::span<const AppMinute> minutes, std::span<const AppLine> lines, int64_t now);
 
 } // namespace quarn

@@ -14,4 +14,10 @@ inline double niceTop(double largest) {
     return 10 * power;
 }
 
+/// Into how many steps a scale up to such a top falls so that their marks are short figures.
+inline int scaleSteps(double niceTop) {
+    const double leading = niceTop / std::pow(10, std::floor(std::log10(niceTop) + 1e-9));
+    return std::lround(leading) == 2 ? 4 : 5;
+}
+
 } // namespace quarn
