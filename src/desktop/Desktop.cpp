@@ -63,6 +63,10 @@ void Desktop::followThemeSetting() {
 
 void Desktop::showWindow() { window_->present(); }
 
+void Desktop::save() {
+    if (records_) records_->save();
+}
+
 void Desktop::take(const Snapshot& snapshot) {
     const Known known = knownIn(snapshot, root_);
     const double now = steadySeconds();

@@ -30,6 +30,8 @@ public:
     /// Has the colours of the setting `appTheme` from now on.
     void followThemeSetting();
     void showWindow();
+    /// Writes the history, which the destructor does otherwise.
+    void save();
     MainWindow& window() { return *window_; }
 
 Q_SIGNALS:

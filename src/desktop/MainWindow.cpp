@@ -22,7 +22,7 @@ MainWindow::MainWindow(Monitor& monitor, Prefs& prefs, const LiveHistory& histor
     : prefs_(prefs),
       context_{monitor, prefs, history, records.apps(), records.metrics(), records.live(), *this},
       sidebar_(new Sidebar(prefs)),
-      search_(new SearchField(*this, [this] { return snapshot_.processes; })),
+      search_(new SearchField(*this, context_.apps, [this] { return snapshot_.processes; })),
       stack_(new QStackedWidget) {
     setWindowTitle("Quarn");
     setWindowIcon(icon("quarn"));

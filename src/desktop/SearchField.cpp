@@ -11,13 +11,14 @@
 
 namespace quarn::desktop {
 
-SearchField::SearchField(Navigator& navigator, Processes processes, QWidget* parent)
+SearchField::SearchField(Navigator& navigator, AppWatch& apps, Processes processes, QWidget* parent)
     : QLineEdit(parent),
       navigator_(navigator),
+      apps_(apps),
       processes_(std::move(processes)),
       list_(new QListWidget(this)) {
     setPlaceholderText(say("Search (Ctrl+K)"));
-    setAccessibleName(say("Search pages, processes and settings"));
+    setAccessibleName(say("Search pages, applications, processes and settings"));
     setClearButtonEnabled(true);
     addAction(icon("search"), LeadingPosition);
     list_->setWindowFlags(Qt::ToolTip);
@@ -28,14 +29,22 @@ SearchField::SearchField(Navigator& navigator, Processes processes, QWidget* par
             [this](QListWidgetItem* item) { choose(list_->row(item)); });
 }
 
-std::vector<SearchField::Hit> SearchField::hits(const QString& typed, const SharedList<ProcInfo>& processes) {
-    constexpr size_t most = 12, mostProcesses = 8; // so that settings are found beside many processes
+std::vector<SearchField::Hit> SearchField::hits(const QString& typed, const ResourceAppList* apps,
+                                                const SharedList<ProcInfo>& processes) {
+    // So that each kind is found beside many of the kinds before.
+    constexpr size_t most = 12, mostApps = 5, mostProcesses = 8;
     std::vector<Hit> found;
     const QString query = typed.trimmed();
     if (query.isEmpty()) return found;
     for (const auto& page : pageTable())
         if (say(page.title).contains(query, Qt::CaseInsensitive))
             found.push_back({say(page.title), say("Page"), page.id, {}});
+    if (apps)
+        for (const auto& app : apps->apps) {
+            if (found.size() >= mostApps) break;
+            if (const QString name = toQt(app.name); name.contains(query, Qt::CaseInsensitive))
+                found.push_back({name, say("Application"), "applications", name});
+        }
     std::set<std::string_view> names;
     for (const auto& process : processes) {
         if (found.size() >= mostProcesses) break;
@@ -54,7 +63,7 @@ std::vector<SearchField::Hit> SearchField::hits(const QString& typed, const Shar
 }
 
 void SearchField::showHits() {
-    hits_ = hits(text(), processes_());
+    hits_ = hits(text(), apps_.latest().get(), processes_());
     list_->clear();
     for (const auto& hit : hits_) list_->addItem(hit.title + "   —   " + hit.kind);
     if (hits_.empty()) {
@@ -91,7 +100,13 @@ void SearchField::keyPressEvent(QKeyEvent* event) {
     }
 }
 
+void SearchField::focusInEvent(QFocusEvent* event) {
+    listed_.emplace(apps_);
+    QLineEdit::focusInEvent(event);
+}
+
 void SearchField::focusOutEvent(QFocusEvent* event) {
+    listed_.reset();
     list_->hide();
     QLineEdit::focusOutEvent(event);
 }

@@ -9,6 +9,7 @@
 #include <QCommandLineParser>
 #include <QSocketNotifier>
 #include <csignal>
+#include <cstdlib>
 #include <unistd.h>
 
 int main(int argc, char** argv) {
@@ -48,5 +49,13 @@ int main(int argc, char** argv) {
     if (!colours) desktop.followThemeSetting();
     desktop.start();
     if (parser.isSet(page)) desktop.window().open(parser.value(page));
-    return QApplication::exec();
+    // When the display goes away, as at the end of a session, Qt exits on the spot.
+    static Desktop* running = nullptr;
+    running = &desktop;
+    std::atexit([] {
+        if (running) running->save();
+    });
+    const int status = QApplication::exec();
+    running = nullptr;
+    return status;
 }

@@ -33,6 +33,11 @@ History::~History() {
     recording_.sync([] {}); // restored, if at all
 }
 
+void History::save() {
+    metrics_.flush(MetricsRecorder::Wait::yes);
+    live_.flush();
+}
+
 void History::take(const Snapshot& snapshot) {
     metrics_.record(snapshot);
     apps_.take(snapshot);

@@ -34,6 +34,9 @@ public:
     History(const History&) = delete;
     History& operator=(const History&) = delete;
 
+    /// Writes what is not written yet, and waits for it; so does the destructor.
+    void save();
+
     AppWatch& apps() { return apps_; }
     MetricsRecorder& metrics() { return metrics_; }
     LiveRecord& live() { return live_; }

@@ -53,10 +53,13 @@ std::optional<HistoryArchive::Content> readArchive(const std::filesystem::path& 
 LiveRecord::LiveRecord(LiveRecordSetup setup) : setup_(std::move(setup)), recorder_(setup_.queue) {}
 
 LiveRecord::~LiveRecord() {
-    if (!timer_) return;
+    flush();
+    setup_.queue.sync([this] { timer_.reset(); });
+}
+
+void LiveRecord::flush() {
     setup_.queue.sync([this] {
-        timer_.reset();
-        save();
+        if (timer_) save();
     });
 }
 

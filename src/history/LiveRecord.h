@@ -43,6 +43,8 @@ public:
 
     /// Restores what the last run saved, which takes some milliseconds, and saves from now on.
     void begin();
+    /// Saves now when it has begun, and waits for it. Not on the queue.
+    void flush();
 
     /// One tick, with the hottest sensors by part of the machine. Costs no input or output. One thread.
     void add(const Snapshot& snapshot, std::span<const SensorGroups::Maximum> maxima);

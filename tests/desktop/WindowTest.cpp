@@ -98,19 +98,24 @@ TEST(Window, FindsWithinThePageByKeys) {
     }
 }
 
-TEST(SearchField, FindsPagesProcessesAndSettings) {
+TEST(SearchField, FindsWhatIsMeant) {
+    ResourceAppList apps;
+    apps.apps.resize(20);
+    for (auto& app : apps.apps) app.name = "Sheets";
+    apps.apps[7].name = "Thunderbird Mail";
     const Snapshot snapshot = SampleMachine{}.at(30);
     const auto first = [&](const char* typed) {
-        const auto hits = desktop::SearchField::hits(typed, snapshot.processes);
+        const auto hits = desktop::SearchField::hits(typed, &apps, snapshot.processes);
         return hits.empty() ? QString() : hits.front().page + ":" + hits.front().search;
     };
     EXPECT_EQ(first("  MEMO "), "memory:");
     EXPECT_EQ(first("firefox"), "processes:firefox");
+    EXPECT_EQ(first("bird m"), "applications:Thunderbird Mail");
     EXPECT_EQ(first("1204"), "processes:1204") << "by number";
     EXPECT_EQ(first("fahrenheit"), "settings:fahrenheit");
     EXPECT_EQ(first("no such thing"), "");
     EXPECT_EQ(first(" "), "");
-    const auto many = desktop::SearchField::hits("s", snapshot.processes);
+    const auto many = desktop::SearchField::hits("s", &apps, snapshot.processes);
     EXPECT_EQ(
         std::count_if(many.begin(), many.end(), [](const auto& hit) { return hit.page == "settings"; }) > 0,
         true)
