@@ -187,7 +187,9 @@ int runCommandLine(int argc, const char* const* argv) {
     } catch (const CLI::Success&) {
         return guarded([&] { return print(helpText(chosen())); });
     } catch (const CLI::Error& error) {
-        complain(wording(error, app) + "; see quarn --help");
+        const Command* command = chosen();
+        complain(wording(error, app) + "; see quarn " + (command ? std::string(command->name) + " " : "") +
+                 "--help");
         return wrongUsage;
     }
     const Command* command = chosen();
