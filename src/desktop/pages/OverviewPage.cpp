@@ -150,8 +150,10 @@ void OverviewPage::showTiles(const Snapshot& snapshot, const Known& known) {
 void OverviewPage::showAttention(const Snapshot& snapshot, const Known& known) {
     const double now = steadySeconds();
     readVolumes(now);
-    attention_->show(watch_.look(snapshot, known, volumes_, attentionLimits(context_.prefs),
-                                 readingStyle(context_.prefs), now));
+    const auto limits = attentionLimits(context_.prefs);
+    const auto style = readingStyle(context_.prefs);
+    attention_->show(watch_.look(snapshot, known, volumes_, limits, style, now),
+                     toQt(watchedText(snapshot, limits, style)));
 }
 
 void OverviewPage::readVolumes(double now) {

@@ -74,15 +74,18 @@ private:
 };
 
 AttentionList::AttentionList(QWidget* parent)
-    : QWidget(parent), nothing_(new QLabel(say("Nothing needs attention."))) {
-    nothing_->setProperty("dim", true);
+    : QWidget(parent), nothing_(new QLabel(say("Nothing needs attention."))), watched_(new QLabel) {
+    watched_->setProperty("dim", true);
+    watched_->setTextFormat(Qt::PlainText);
+    watched_->setWordWrap(true);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(2);
     column->addWidget(nothing_);
+    column->addWidget(watched_);
 }
 
-void AttentionList::show(const std::vector<AttentionItem>& items) {
+void AttentionList::show(const std::vector<AttentionItem>& items, const QString& watched) {
     const size_t shown = std::min(items.size(), mostRows);
     while (rows_.size() < shown) {
         auto* row = new AttentionRow;
@@ -91,7 +94,9 @@ void AttentionList::show(const std::vector<AttentionItem>& items) {
         layout()->addWidget(row);
         rows_.push_back(row);
     }
-    if (nothing_->isHidden() == items.empty()) nothing_->setVisible(items.empty());
+    for (QLabel* label : {nothing_, watched_})
+        if (label->isHidden() == items.empty()) label->setVisible(items.empty());
+    if (watched_->text() != watched) watched_->setText(watched);
     for (size_t i = 0; i < rows_.size(); ++i) {
         if (i < shown) rows_[i]->set(items[i]);
         if (rows_[i]->isHidden() == (i < shown)) rows_[i]->setVisible(i < shown);

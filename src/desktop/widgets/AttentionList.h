@@ -17,13 +17,15 @@ class AttentionList : public QWidget {
     Q_OBJECT
 public:
     explicit AttentionList(QWidget* parent = nullptr);
-    void show(const std::vector<AttentionItem>& items);
+    /// `watched` says what is looked for, for when there is nothing.
+    void show(const std::vector<AttentionItem>& items, const QString& watched);
 
 Q_SIGNALS:
     void opened(const QString& page, const QString& search);
 
 private:
     QLabel* nothing_;
+    QLabel* watched_;
     std::vector<AttentionRow*> rows_;
 };
 

@@ -129,6 +129,19 @@ AttentionLimits attentionLimits(const Prefs& prefs) {
             static_cast<double>(prefs.alertSwapGB.get()) * 1e9};
 }
 
+std::string watchedText(const Snapshot& snapshot, const AttentionLimits& limits, const ReadingStyle& style) {
+    std::string text =
+        fmt::format("A note appears here when memory is short, when a volume has less than {} % free",
+                    limits.freeSpacePercent);
+    if (snapshot.mem.swapTotal > 0)
+        text += fmt::format(", when more than {} GB of swap is in use", limits.swapBytes / 1e9);
+    if (!snapshot.temps.empty())
+        text += ", when a part is hotter than " + temperatureText(limits.celsius, style);
+    if (snapshot.battery && snapshot.battery->present)
+        text += fmt::format(", when the battery holds less than {} %", limits.batteryPercent);
+    return text + " or when ended processes stay listed. The limits are in the settings.";
+}
+
 std::vector<AttentionItem> Attention::look(const Snapshot& snapshot, const Known& known,
                                            std::span<const Volume> volumes, const AttentionLimits& limits,
                                            const ReadingStyle& style, double now) {

@@ -33,6 +33,9 @@ struct AttentionLimits {
 };
 AttentionLimits attentionLimits(const Prefs& prefs);
 
+/// What would be said of this machine: "A note appears here when memory is short, …".
+std::string watchedText(const Snapshot& snapshot, const AttentionLimits& limits, const ReadingStyle& style);
+
 /// Looks for what needs attention, snapshot after snapshot. Belongs to one thread.
 class Attention {
 public:
