@@ -23,9 +23,9 @@ public:
     /// Changes to files since the last call.
     int takeChanges();
 
-private:
-    friend struct FaultShim;
     struct State;
+
+private:
     std::unique_ptr<State> state_;
 };
 
