@@ -1,6 +1,7 @@
 #include "inventory/ConnectionPresentation.h"
 
 #include "HelperKit/SocketRecords.h"
+#include "support/Joined.h"
 
 #include <map>
 #include <netinet/in.h>
@@ -9,21 +10,13 @@
 namespace {
 
 using namespace quarn;
+using quarn::testing::joined;
 using Presentation = ConnectionPresentation;
 using Tone = CapsuleLabel::Tone;
 
 Connection row(const char* local, const char* localPort, const char* remote = "*",
                const char* remotePort = "", const char* state = "ESTABLISHED") {
-    Connection result;
-    result.proto = "TCP";
-    result.local = local;
-    result.localPort = localPort;
-    result.remote = remote;
-    result.remotePort = remotePort;
-    result.state = state;
-    result.pid = 42;
-    result.processName = "Browser";
-    return result;
+    return {"TCP", local, localPort, remote, remotePort, state, 42, "Browser", ""};
 }
 
 TEST(Connections, AreMadeFromRecords) {
@@ -124,13 +117,8 @@ TEST(Keys, NameOneRowAndOneDestination) {
 }
 
 TEST(Sorting, OrdersNumbersAsNumbersAndKeepsEqualRows) {
-    auto a = row("10.0.0.10", "443", "fe80::2", "9", "LISTEN"),
-         b = row("10.0.0.9", "80", "fe80::10", "", "CLOSED");
-    a.processName = "alpha";
-    b.processName = "Beta";
-    a.pid = 100;
-    b.pid = 9;
-    b.proto = "UDP";
+    const Connection a{"TCP", "10.0.0.10", "443", "fe80::2", "9", "LISTEN", 100, "alpha", ""};
+    const Connection b{"UDP", "10.0.0.9", "80", "fe80::10", "", "CLOSED", 9, "Beta", ""};
     using enum ConnectionKey;
     const std::pair<ConnectionKey, bool> cases[]{{process, true},     {pid, false},       {proto, true},
                                                  {local, false},      {localPort, false}, {remote, true},
@@ -141,42 +129,22 @@ TEST(Sorting, OrdersNumbersAsNumbersAndKeepsEqualRows) {
         EXPECT_EQ(Presentation::sorted({b, a}, key, false).at(1) == a, aFirst);
         EXPECT_EQ(Presentation::compare(a, a, key), std::weak_ordering::equivalent);
     }
-    auto first = a, second = a, third = b;
-    first.socketID = "1";
-    second.socketID = "2";
-    for (const bool ascending : {true, false}) {
-        auto rows = Presentation::sorted({third, first, second}, pid, ascending);
-        std::erase(rows, third);
-        EXPECT_EQ(rows, (std::vector{first, second}));
-    }
+    auto twin = a;
+    twin.socketID = "2";
+    EXPECT_EQ(Presentation::sorted({b, a, twin}, pid, true), (std::vector{b, a, twin}));
+    EXPECT_EQ(Presentation::sorted({b, a, twin}, pid, false), (std::vector{a, twin, b}));
 }
 
-TEST(Grouping, KeepsRowsTogetherAndOrdersGroupsByTheirFirstRow) {
-    auto a1 = row("10.0.0.1", "30", "1.1.1.1", "443"),
-         a2 = row("10.0.0.1", "10", "1.1.1.1", "443", "CLOSE_WAIT"),
-         b = row("10.0.0.2", "20", "8.8.8.8", "53");
-    b.pid = 9;
-    b.processName = "resolver";
-    const auto byPort = Presentation::grouped({a1, b, a2}, ConnectionKey::localPort, true);
-    ASSERT_EQ(byPort.size(), 2U);
-    EXPECT_EQ(byPort[0].pid, 42);
-    EXPECT_EQ(byPort[0].name, "Browser");
-    EXPECT_EQ(byPort[0].rows, (std::vector{a2, a1}));
-    EXPECT_EQ(Presentation::grouped({a1, b, a2}, ConnectionKey::process, false)[0].name, "resolver");
-
-    const auto destinations =
-        Presentation::groupedByDestination({a1, b, a2}, ConnectionKey::localPort, false);
-    ASSERT_EQ(destinations.size(), 2U);
-    const auto& shared = destinations[0];
-    EXPECT_EQ(shared.rows, (std::vector{a1, a2}));
-    EXPECT_TRUE(shared.hasMixedStates());
-    EXPECT_EQ(shared.state(), ConnectionDestination::mixed);
-    EXPECT_EQ(shared.local(), "10.0.0.1");
-    EXPECT_EQ(shared.localPort(), ConnectionDestination::mixed);
+TEST(Grouping, ShowsWhatRowsShare) {
+    const auto a = row("10.0.0.1", "30", "1.1.1.1", "443"),
+               b = row("10.0.0.1", "10", "1.1.1.1", "443", "CLOSE_WAIT");
+    const ConnectionDestination shared{"", {a, b}}, alone{"", {a}};
+    EXPECT_EQ(joined(shared.hasMixedStates(), shared.state(), shared.local(), shared.localPort()),
+              "1|mixed|10.0.0.1|mixed");
+    EXPECT_EQ(joined(alone.hasMixedStates(), alone.state(), alone.localPort()), "0|ESTABLISHED|30");
     EXPECT_EQ(shared.localAddresses(), std::vector<std::string>{"10.0.0.1"});
     EXPECT_EQ(shared.localPorts(), (std::vector<std::string>{"30", "10"}));
-    EXPECT_FALSE(destinations[1].hasMixedStates());
-    EXPECT_EQ(destinations[1].state(), "ESTABLISHED");
+    EXPECT_EQ(Presentation::grouped({a}, ConnectionKey::pid, true).at(0).name, "Browser");
     EXPECT_TRUE(Presentation::grouped({}, ConnectionKey::pid, true).empty());
 }
 

@@ -1,22 +1,15 @@
 #include "inventory/ConnectionRows.h"
+#include "support/Joined.h"
 
 namespace {
 
 using namespace quarn;
+using quarn::testing::joined;
 using Grouping = ConnectionView::Grouping;
 
 Connection socket(int64_t pid, const char* name, const char* localPort, const char* remote,
                   const char* state) {
-    Connection result;
-    result.proto = "TCP";
-    result.local = "10.0.0.1";
-    result.localPort = localPort;
-    result.remote = remote;
-    result.remotePort = *remote == '*' ? "" : "443";
-    result.state = state;
-    result.pid = pid;
-    result.processName = name;
-    return result;
+    return {"TCP", "10.0.0.1", localPort, remote, *remote == '*' ? "" : "443", state, pid, name, ""};
 }
 
 /// A browser with two connections to one server and one to another, a shell with one to the first server.
@@ -28,54 +21,48 @@ const std::vector<Connection> machine{
     socket(-1, "", "80", "*", "LISTEN"),
 };
 
-/// "browser(3): 5001 5002 5003" for each group, "22" for a row by itself.
-std::vector<std::string> outline(const ConnectionView& view) {
-    std::vector<std::string> lines;
-    for (const ConnectionRow& row : ConnectionRows::of(machine, view).rows) {
+using Lines = std::vector<std::string>;
+
+/// "browser|7|93.184.216.34|3: 5001 5002 5003" for each group, "22" for a row by itself.
+Lines outline(const ConnectionView& view, const std::vector<Connection>& sockets = machine) {
+    Lines lines;
+    for (const auto& row : ConnectionRows::of(sockets, view).rows) {
+        const auto& shown = row.shown;
         if (row.isGroup())
-            lines.push_back(row.shown.processName + "/" + row.shown.remote + "(" +
-                            std::to_string(row.members) + "):");
+            lines.push_back(joined(shown.processName, shown.pid, shown.remote, row.members) + ":");
         else if (row.parent >= 0)
-            lines.back() += " " + row.shown.localPort;
+            lines.back() += " " + shown.localPort;
         else
-            lines.push_back(row.shown.localPort);
+            lines.push_back(shown.localPort);
     }
     return lines;
 }
 
 TEST(ConnectionRows, GroupsOfOneStandByThemselves) {
-    using Lines = std::vector<std::string>;
     EXPECT_EQ(outline({.sortedBy = ConnectionKey::localPort}),
-              Lines({"22", "80", "browser/mixed(3): 5001 5002 5003"}));
+              Lines({"22", "80", "browser|7|mixed|3: 5001 5002 5003"}));
     EXPECT_EQ(outline({.grouping = Grouping::destination,
                        .sortedBy = ConnectionKey::localPort,
                        .direction = ConnectionView::Direction::descending}),
-              Lines({"5003", "browser/93.184.216.34(2): 5002 5001", "80", "22"}));
+              Lines({"5003", "browser|7|93.184.216.34|2: 5002 5001", "80", "22"}));
     EXPECT_EQ(outline({.grouping = Grouping::none, .sortedBy = ConnectionKey::localPort}),
               Lines({"22", "80", "5001", "5002", "5003"}));
 }
 
 TEST(ConnectionRows, AGroupShowsWhatItsMembersShare) {
     const auto rows = ConnectionRows::of(machine, {.sortedBy = ConnectionKey::localPort}).rows;
-    const auto& group = rows[2].shown;
-    EXPECT_EQ(group.pid, 7);
-    EXPECT_EQ(group.proto, "TCP");
-    EXPECT_EQ(group.local, "10.0.0.1");
-    EXPECT_EQ(group.localPort, "mixed");
-    EXPECT_EQ(group.state, "mixed");
-    EXPECT_EQ(rows[2].states, "2 connected, 1 closing");
-    EXPECT_EQ(rows[2].distinct[static_cast<size_t>(ConnectionKey::remote)], 2u);
+    const auto& [group, key, parent, members, distinct, states] = rows[2];
+    EXPECT_EQ(joined(group.pid, group.proto, group.local, group.localPort, group.state),
+              "7|TCP|10.0.0.1|mixed|mixed");
+    EXPECT_EQ(states, "2 connected, 1 closing");
+    EXPECT_EQ(distinct[static_cast<size_t>(ConnectionKey::remote)], 2u);
     EXPECT_EQ(rows[3].parent, 2);
 
     auto shared = machine;
     shared[1].pid = 8;
     shared[1].processName = "curl";
-    const auto byPeer = ConnectionRows::of(shared, {.grouping = Grouping::destination}).rows;
-    const auto found =
-        std::find_if(byPeer.begin(), byPeer.end(), [](const auto& row) { return row.isGroup(); });
-    ASSERT_NE(found, byPeer.end());
-    EXPECT_EQ(found->shown.pid, ConnectionRow::mixedPids);
-    EXPECT_EQ(found->shown.processName, "mixed");
+    EXPECT_EQ(outline({.grouping = Grouping::destination, .sortedBy = ConnectionKey::localPort}, shared),
+              Lines({"22", "80", "mixed|-2|93.184.216.34|2: 5001 5002", "5003"}));
 }
 
 TEST(ConnectionRows, KeysTellGroupsFromTheirMembers) {
