@@ -1,6 +1,7 @@
 #include "ui/settings/Migration.h"
 #include "settings/Support.h"
 #include "ui/settings/Prefs.h"
+#include "ui/settings/SettingsText.h"
 
 namespace {
 
@@ -9,40 +10,30 @@ using namespace quarn::testing;
 using MigrationTest = SettingsTest;
 
 TEST_F(MigrationTest, OldKeysBecomeNewOnesOnce) {
-    struct Case {
-        std::string name;
-        SettingsValues before, after;
-    };
-    using Int = int64_t;
-    const Case cases[]{
-        {"nothing to do", {{"fahrenheit", true}, {"unknown", {}}}, {{"fahrenheit", true}, {"unknown", {}}}},
-        {"unused keys of any kind", {{"history", {}}, {"windowFrame", "0 0 1 1"}}, {}},
-        {"language", {{"language", "de"}}, {{"languageCode", "de"}}},
-        {"system language", {{"language", "system"}}, {{"languageCode", "fr"}}},
-        {"chosen language stays", {{"language", "de"}, {"languageCode", "it"}}, {{"languageCode", "it"}}},
-        {"span of a minute", {{"graphSpanSeconds", Int{60}}}, {{"historyRange", "oneMinute"}}},
-        {"span between", {{"graphSpanSeconds", 120.0}}, {{"historyRange", "fiveMinutes"}}},
-        {"greatest span", {{"graphSpanSeconds", Int{86400}}}, {{"historyRange", "thirtyMinutes"}}},
-        {"no span", {{"graphSpanSeconds", Int{0}}}, {}},
-        {"span of the wrong type", {{"graphSpanSeconds", "60"}}, {}},
-        {"refresh 1", {{"refresh", Int{1}}}, {{"samplingProfile", "diagnostic"}}},
-        {"refresh 1.5", {{"refresh", 1.5}}, {{"samplingProfile", "normal"}}},
-        {"refresh 2.1", {{"refresh", 2.1}}, {{"samplingProfile", "powerSaving"}}},
-        {"refresh that makes no sense", {{"refresh", -1.0}}, {}},
-        {"chosen profile stays",
-         {{"refresh", 1.0}, {"samplingProfile", "powerSaving"}},
-         {{"samplingProfile", "powerSaving"}}},
-        {"theme", {{"theme", "dark"}}, {{"appTheme", "dark"}}},
-        {"theme of the wrong type", {{"theme", Int{1}}}, {}},
+    const char* const cases[][3] = {
+        {"nothing to do", "fahrenheit = true\nunknown = 07:30:00", "fahrenheit = true\nunknown = 07:30:00"},
+        {"unused keys of any kind", "history = 07:30:00\nwindowFrame = '0 0 1 1'", ""},
+        {"language", "language = 'de'", "languageCode = 'de'"},
+        {"system language", "language = 'system'", "languageCode = 'fr'"},
+        {"chosen language stays", "language = 'de'\nlanguageCode = 'it'", "languageCode = 'it'"},
+        {"span of a minute", "graphSpanSeconds = 60", "historyRange = 'oneMinute'"},
+        {"span between", "graphSpanSeconds = 120.0", "historyRange = 'fiveMinutes'"},
+        {"greatest span", "graphSpanSeconds = 86400", "historyRange = 'thirtyMinutes'"},
+        {"no span", "graphSpanSeconds = 0", ""},
+        {"span of the wrong type", "graphSpanSeconds = '60'", ""},
+        {"refresh 1", "refresh = 1", "samplingProfile = 'diagnostic'"},
+        {"refresh 1.5", "refresh = 1.5", "samplingProfile = 'normal'"},
+        {"refresh 2.1", "refresh = 2.1", "samplingProfile = 'powerSaving'"},
+        {"refresh that makes no sense", "refresh = -1.0", ""},
+        {"chosen profile stays", "refresh = 1.0\nsamplingProfile = 'normal'", "samplingProfile = 'normal'"},
+        {"theme", "theme = 'dark'", "appTheme = 'dark'"},
+        {"theme of the wrong type", "theme = 1", ""},
         {"everything at once",
-         {{"theme", "dark"}, {"history", true}, {"refresh", 5.0}, {"language", "de"}, {"keepExited", Int{3}}},
-         {{"appTheme", "dark"},
-          {"samplingProfile", "powerSaving"},
-          {"languageCode", "de"},
-          {"keepExited", Int{3}}}},
+         "theme = 'dark'\nhistory = true\nrefresh = 5.0\nlanguage = 'de'\nkeepExited = 3",
+         "appTheme = 'dark'\nsamplingProfile = 'powerSaving'\nlanguageCode = 'de'\nkeepExited = 3"},
     };
-    for (const auto& c : cases) {
-        auto values = c.before;
+    for (const auto& [name, before, after] : cases) {
+        auto values = parseSettings(before).values;
         const auto apply = [&] {
             const auto changes = migrateSettings({values, {}, "fr"});
             for (const auto& change : changes)
@@ -53,8 +44,8 @@ TEST_F(MigrationTest, OldKeysBecomeNewOnesOnce) {
             return changes.size();
         };
         apply();
-        EXPECT_EQ(values, c.after) << c.name;
-        EXPECT_EQ(apply(), 0u) << c.name;
+        EXPECT_EQ(values, parseSettings(after).values) << name;
+        EXPECT_EQ(apply(), 0u) << name;
     }
 }
 

@@ -2,7 +2,9 @@
 #include "support/ManualQueue.h"
 
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -87,14 +89,15 @@ TEST_F(StoreTest, TellsObserversOfEachChange) {
 TEST_F(StoreTest, ProgramsWritingAtOnceLoseNothing) {
     constexpr int programs = 6, keys = 15;
     std::vector<pid_t> pids;
-    for (int program = 0; program < programs; ++program)
-        pids.push_back(startProcess([&] {
-            SettingsStore own(folder.file());
-            for (int64_t key = 0; key < keys; ++key)
-                own.set("p" + std::to_string(program) + "k" + std::to_string(key), key);
-            return 0;
-        }));
-    for (const pid_t pid : pids) EXPECT_EQ(exitStatus(pid), 0);
+    for (int program = 0; program < programs; ++program) {
+        pids.push_back(::fork());
+        if (pids.back() != 0) continue;
+        SettingsStore own(folder.file());
+        for (int64_t key = 0; key < keys; ++key)
+            own.set("p" + std::to_string(program) + "k" + std::to_string(key), key);
+        ::_exit(0);
+    }
+    for (const pid_t pid : pids) EXPECT_EQ(::waitpid(pid, nullptr, 0), pid);
     const auto values = SettingsStore(folder.file()).values();
     EXPECT_EQ(values->size(), size_t{programs * keys});
     for (const auto& [key, value] : *values)

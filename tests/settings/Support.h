@@ -5,8 +5,6 @@
 #include "ui/settings/SettingsStore.h"
 
 #include <algorithm>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace quarn::testing {
 
@@ -37,19 +35,6 @@ struct SettingsTest : ::testing::Test {
     SettingsFolder folder;
     WatchfulStore store{folder};
 };
-
-/// Starts `body` as a process of its own, which ends with its result as exit status.
-inline pid_t startProcess(const std::function<int()>& body) {
-    const pid_t pid = ::fork();
-    if (pid == 0) ::_exit(body());
-    return pid;
-}
-
-inline int exitStatus(pid_t pid) {
-    int status = -1;
-    ::waitpid(pid, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
 
 /// The message of the SettingsError that `action` throws; empty when it throws none.
 inline std::string failureOf(const std::function<void()>& action) {
