@@ -1,5 +1,7 @@
 #include "HelperKit/ProcessWire.h"
 
+#include "support/Joined.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -12,6 +14,7 @@ using ProcessWire::decode;
 using ProcessWire::encode;
 using ProcessWire::Paths;
 using ProcessWire::Revision;
+using quarn::testing::joined;
 
 HelperProcess process(int64_t pid, const char* path, std::optional<uint64_t> startTimeMicros) {
     constexpr uint64_t cpuTimeNs = uint64_t{1} << 63;
@@ -93,16 +96,10 @@ TEST(ProcessWire, AbsentAndExtremeValues) {
     Paths sent, known;
     const auto got = decode(encode({{p}, -5}, sent), known);
     ASSERT_TRUE(got);
-    EXPECT_EQ(got->totalThreads, 0);
     const auto& q = got->processes[0];
-    EXPECT_EQ(q.pid, std::numeric_limits<int32_t>::min());
-    EXPECT_EQ(q.ppid, 0);
-    EXPECT_EQ(q.uid, 4294967295);
-    EXPECT_EQ(q.threads, 4294967295);
-    EXPECT_TRUE(std::isnan(q.cpuPercent));
-    EXPECT_EQ(q.name, "\uFFFD");
-    EXPECT_EQ(q.energyNj, std::nullopt);
-    EXPECT_EQ(q.startTimeMicros, std::nullopt);
+    EXPECT_EQ(joined(got->totalThreads, q.pid, q.ppid, q.uid, q.threads, q.cpuPercent, q.name, q.energyNj,
+                     q.startTimeMicros),
+              "0|-2147483648|0|4294967295|4294967295|nan|\uFFFD|-|-");
     EXPECT_TRUE(sent.empty() && known.empty());
     EXPECT_EQ(decode(encode({{}, 7}, sent), known), (HelperProcessList{{}, 7}));
 }

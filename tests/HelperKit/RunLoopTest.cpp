@@ -11,8 +11,8 @@ using namespace quarn;
 
 struct Pipe {
     Pipe() {
-        std::array<int, 2> ends{};
-        if (::pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
+        int ends[2]{};
+        EXPECT_EQ(::pipe(ends), 0);
         out.reset(ends[0]);
         in.reset(ends[1]);
     }

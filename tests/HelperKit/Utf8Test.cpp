@@ -16,23 +16,23 @@ TEST(Utf8, WellFormedTextIsLeftAlone) {
 }
 
 TEST(Utf8, IllFormedStretchesBecomeOneReplacementEach) {
-    struct Case {
-        const char *text, *repaired; // ? stands for the replacement
+    const std::pair<const char*, std::string> cases[]{
+        // ? stands for the replacement
+        {"12345678\xFF", "12345678?"},
+        {"a\x80 b", "a? b"},                         // continuation without a start
+        {"\xC0\xAF\xC1\xBF", "????"},                // overlong
+        {"\xE0\x9F\xBF\xF0\x8F\xBF\xBF", "???????"}, // overlong
+        {"\xED\xA0\x80", "???"},                     // surrogate
+        {"\xF4\x90\x80\x80\xF5", "?????"},           // beyond U+10FFFF
+        {"\xE2\x82", "?"},                           // cut at the end
+        {"\xF0\x9F\xA6x\xC3(", "?x?("},              // cut by another character
     };
-    for (const auto& c : {
-             Case{"12345678\xFF", "12345678?"}, Case{"a\x80 b", "a? b"}, // continuation without a start
-             Case{"\xC0\xAF\xC1\xBF", "????"},                           // overlong
-             Case{"\xE0\x9F\xBF\xF0\x8F\xBF\xBF", "???????"},            // overlong
-             Case{"\xED\xA0\x80", "???"},                                // surrogate
-             Case{"\xF4\x90\x80\x80\xF5", "?????"},                      // beyond U+10FFFF
-             Case{"\xE2\x82", "?"},                                      // cut at the end
-             Case{"\xF0\x9F\xA6x\xC3(", "?x?("},                         // cut by another character
-         }) {
-        EXPECT_FALSE(isUtf8(c.text));
+    for (const auto& [text, repaired] : cases) {
+        EXPECT_FALSE(isUtf8(text));
         std::string expected;
-        for (const char each : std::string(c.repaired))
+        for (const char each : repaired)
             expected += each == '?' ? std::string("\uFFFD") : std::string(1, each);
-        EXPECT_EQ(repairedUtf8(c.text), expected);
+        EXPECT_EQ(repairedUtf8(text), expected);
     }
 }
 

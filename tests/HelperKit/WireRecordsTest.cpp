@@ -5,17 +5,15 @@ namespace {
 using namespace quarn;
 
 TEST(CommandResult, SaysTheFirstThingThatWentWrong) {
-    struct Case {
-        CommandResult result;
-        std::optional<std::string> description;
-    };
-    for (const auto& c : {Case{{"out", "complaints", 0, false, {}, false}, std::nullopt},
-                          Case{{"", "", -9, true, "no such file", true}, "no such file"},
-                          Case{{"", "", -9, true, {}, true}, "Command timed out"},
-                          Case{{"", "", 0, false, {}, true}, "Output limit exceeded"},
-                          Case{{"", "", -9, false, {}, false}, "Exit code: -9"}}) {
-        EXPECT_EQ(c.result.failureDescription(), c.description);
-        EXPECT_EQ(c.result.succeeded(), !c.description);
+    const std::pair<CommandResult, std::optional<std::string>> cases[]{
+        {{"out", "complaints", 0, false, {}, false}, std::nullopt},
+        {{"", "", -9, true, "no such file", true}, "no such file"},
+        {{"", "", -9, true, {}, true}, "Command timed out"},
+        {{"", "", 0, false, {}, true}, "Output limit exceeded"},
+        {{"", "", -9, false, {}, false}, "Exit code: -9"}};
+    for (const auto& [result, description] : cases) {
+        EXPECT_EQ(result.failureDescription(), description);
+        EXPECT_EQ(result.succeeded(), !description);
     }
 }
 
