@@ -46,20 +46,17 @@ menuBarDetailed = "cpu"
 }
 
 TEST_F(PrefsTest, MenuBarModulesAreBuiltFromTheMenuBarSettings) {
-    struct Case {
-        int64_t item;
-        Texts detailed, modules;
-    };
-    const Case cases[]{{0, {}, {}},
-                       {1, {}, {"cpu"}},
-                       {4, {"network", "cpu"}, {"temperature", "network", "cpu"}},
-                       {7, {"power", "power"}, {"power"}},
-                       {8, {"unknown", "gpu"}, {"gpu"}},
-                       {std::numeric_limits<int64_t>::min(), {}, {}}};
-    for (const auto& c : cases) {
-        prefs.menuBarItem.set(c.item);
-        prefs.menuBarDetailed.set(c.detailed);
-        EXPECT_EQ(prefs.menuBarModules(), c.modules) << c.item;
+    const std::tuple<int64_t, Texts, Texts> cases[]{
+        {0, {}, {}},
+        {1, {}, {"cpu"}},
+        {4, {"network", "cpu"}, {"temperature", "network", "cpu"}},
+        {7, {"power", "power"}, {"power"}},
+        {8, {"unknown", "gpu"}, {"gpu"}},
+        {std::numeric_limits<int64_t>::min(), {}, {}}};
+    for (const auto& [item, detailed, modules] : cases) {
+        prefs.menuBarItem.set(item);
+        prefs.menuBarDetailed.set(detailed);
+        EXPECT_EQ(prefs.menuBarModules(), modules) << item;
     }
 }
 

@@ -76,16 +76,13 @@ TEST_F(FailureTest, WhatIsNoReadableFileIsLeftAlone) {
 }
 
 TEST_F(FailureTest, WithoutPermissionNothingIsTouched) {
-    struct Case {
-        mode_t ofFolder, ofFile;
-        const char* says;
-    };
     folder.write("# kept\n");
-    for (const auto& c : {Case{0555, 0644, "cannot write"}, Case{0777, 0, "cannot be read"}}) {
-        ::chmod(folder.path().c_str(), c.ofFolder);
-        ::chmod(folder.file().c_str(), c.ofFile);
+    for (const auto& [ofFolder, ofFile, says] :
+         {std::tuple{0555, 0644, "cannot write"}, {0777, 0, "cannot be read"}}) {
+        ::chmod(folder.path().c_str(), static_cast<mode_t>(ofFolder));
+        ::chmod(folder.file().c_str(), static_cast<mode_t>(ofFile));
         const std::string message = failureAsUser(folder.file());
-        EXPECT_TRUE(contains(message, c.says));
+        EXPECT_TRUE(contains(message, says));
         EXPECT_TRUE(contains(message, "Permission denied"));
         ::chmod(folder.path().c_str(), 0700);
         ::chmod(folder.file().c_str(), 0600);

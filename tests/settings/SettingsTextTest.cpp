@@ -53,6 +53,7 @@ TEST(SettingsText, RewritesWhatCannotBeEditedInPlaceWithoutLosingAKey) {
 }
 
 TEST(SettingsText, EveryWrittenValueReadsBack) {
+    const Texts none, hard{"a,b", "]", "# no comment", "'"};
     const SettingValue values[]{true,
                                 std::numeric_limits<int64_t>::min(),
                                 std::numeric_limits<int64_t>::max(),
@@ -64,8 +65,8 @@ TEST(SettingsText, EveryWrittenValueReadsBack) {
                                 "",
                                 "\"quoted\\\" \t\n\x01\x7f ü",
                                 std::string("nul\0inside", 10),
-                                Texts{},
-                                Texts{"a,b", "]", "# no comment", "'"}};
+                                none,
+                                hard};
     for (const auto& value : values) {
         const auto text = editedSettings("", {{"odd key.\n", value}});
         ASSERT_TRUE(text);
