@@ -1,16 +1,12 @@
 #include "core/AppOwnerIndex.h"
+#include "core/Support.h"
 
-#include "support/TempRoot.h"
-
-namespace sysinfo {
 namespace {
 
-using quarn::testing::TempRoot;
+using namespace quarn::testing;
 
 TEST(AppOwnerIndex, BundleOfAPath) {
-    const struct {
-        const char *path, *bundle;
-    } cases[]{
+    const char* const cases[][2] = {
         {"/Applications/Editor.app/Contents/Frameworks/Helper.app/Contents/MacOS/Helper",
          "/Applications/Editor.app"},
         {"//opt///GWorkspace.App//GWorkspace", "/opt/GWorkspace.App"},
@@ -20,8 +16,8 @@ TEST(AppOwnerIndex, BundleOfAPath) {
         {"/opt/x.app2/y", ""},
         {"", ""},
     };
-    for (const auto& each : cases)
-        EXPECT_EQ(AppOwnerIndex::bundlePath(each.path).value_or(""), each.bundle) << each.path;
+    for (const auto& [path, bundle] : cases)
+        EXPECT_EQ(AppOwnerIndex::bundlePath(path).value_or(""), bundle) << path;
 }
 
 TEST(AppOwnerIndex, ExecutableNames) {
@@ -32,42 +28,39 @@ TEST(AppOwnerIndex, ExecutableNames) {
     EXPECT_EQ(executableName("", "/usr/bin/sh"), "sh");
 }
 
-constexpr const char* session = "0::/user.slice/user-1000.slice/user@1000.service/app.slice/";
+constexpr const char* elf = "\177ELF";
+const std::string menu = "usr/share/applications/";
+const std::string session = "0::/user.slice/user-1000.slice/user@1000.service/app.slice/";
 
 /// A captured machine with applications of every kind.
 class Machine : public TempRoot {
 public:
     Machine() {
-        entry("usr/share/applications/org.gnome.Nautilus.desktop",
-              "Name=Files\nName[de]=Dateien\nExec=nautilus");
-        entry("usr/share/applications/web.desktop", "Name=Web\nExec=web %u");
-        entry("usr/share/applications/org.x.Term.desktop",
-              "Name=Term\nExec=x-term\nCategories=TerminalEmulator;");
-        entry("usr/share/applications/office.desktop", "Name=Office\nExec=office %U");
-        entry("usr/share/applications/office-calc.desktop", "Name=Calc\nExec=office --calc %U");
-        entry("usr/share/applications/old/tool.desktop", "Name=Tool\nExec=tool");
-        entry("var/lib/flatpak/exports/share/applications/org.y.Paint.desktop",
-              "Name=Paint\nExec=/usr/bin/flatpak run org.y.Paint");
-        entry("var/lib/snapd/desktop/applications/code_code.desktop",
-              "Name=Code\nExec=env X=1 /snap/bin/code %F\nX-SnapInstanceName=code");
-        entry("home/ann/.local/share/applications/draw.desktop", "Name=Draw\nExec=/home/ann/Draw.AppImage");
-        entry("etc/xdg/autostart/nm-applet.desktop", "Name=Network\nExec=nm-applet");
+        entry(menu + "org.gnome.Nautilus.desktop", "Files", "Name[de]=Dateien\nExec=nautilus");
+        entry(menu + "web.desktop", "Web", "Exec=web %u");
+        entry(menu + "org.x.Term.desktop", "Term", "Exec=x-term\nCategories=TerminalEmulator;");
+        entry(menu + "office.desktop", "Office", "Exec=office %U");
+        entry(menu + "office-calc.desktop", "Calc", "Exec=office --calc %U");
+        entry(menu + "old/tool.desktop", "Tool", "Exec=tool");
+        entry("var/lib/flatpak/exports/share/applications/org.y.Paint.desktop", "Paint",
+              "Exec=/usr/bin/flatpak run org.y.Paint");
+        entry("var/lib/snapd/desktop/applications/code_code.desktop", "Code",
+              "Exec=env X=1 /snap/bin/code %F\nX-SnapInstanceName=code");
+        entry("home/ann/.local/share/applications/draw.desktop", "Draw", "Exec=/home/ann/Draw.AppImage");
+        entry("etc/xdg/autostart/nm-applet.desktop", "Network", "Exec=nm-applet");
         // The web browser's script runs the real program from a folder of its own.
         write("usr/bin/web", "#!/bin/sh\nexec /usr/lib/web/web\n");
-        write("usr/lib/web/web", "\x7f"
-                                 "ELF");
+        write("usr/lib/web/web", elf);
         write("usr/lib/office/program/office", "#!/bin/sh\n")
             .link("usr/bin/office", "../lib/office/program/office");
-        write("usr/bin/nautilus", "\x7f"
-                                  "ELF");
-        write("usr/lib/systemd/system/ssh.service", "[Unit]\n");
-        write("usr/lib/systemd/system/getty@.service", "[Unit]\n");
-        write("usr/lib/systemd/user/pipewire.service", "[Unit]\n");
-        write("usr/lib/systemd/system/dbus.service", "[Unit]\n");
+        write("usr/bin/nautilus", elf);
+        for (const char* unit :
+             {"system/ssh.service", "system/getty@.service", "system/dbus.service", "user/pipewire.service"})
+            write(std::string("usr/lib/systemd/") + unit, "[Unit]\n");
     }
 
-    void entry(const std::string& path, const std::string& lines) {
-        write(path, "[Desktop Entry]\nType=Application\n" + lines + "\n");
+    void entry(const std::string& path, const std::string& name, const std::string& lines) {
+        write(path, "[Desktop Entry]\nType=Application\nName=" + name + '\n' + lines + '\n');
     }
 
     AppOwnerIndex::Process process(std::string_view group, std::string_view path,
@@ -87,43 +80,39 @@ public:
 };
 
 TEST(AppOwnerIndex, EveryKindOfApplication) {
-    const struct {
-        std::string group;
-        const char *path, *bundle, *name;
-    } cases[]{
-        {std::string(session) + "app-gnome-org.gnome.Nautilus-7.scope", "/usr/bin/nautilus",
-         "/usr/share/applications/org.gnome.Nautilus.desktop", "Dateien"},
+    // The group, "~" for that of the user's applications, and the executable; entries of the menu are shown
+    // by their file names.
+    const char* const cases[][4] = {
+        {"~app-gnome-org.gnome.Nautilus-7.scope", "/usr/bin/nautilus", "org.gnome.Nautilus.desktop",
+         "Dateien"},
         // A helper in an application's group is the application's, whatever it runs.
-        {std::string(session) + "app-web-7.scope", "/usr/bin/bash", "/usr/share/applications/web.desktop",
-         "Web"},
-        {std::string(session) + "app-old\\x2dtool-7.scope", "/usr/bin/tool",
-         "/usr/share/applications/old/tool.desktop", "Tool"},
-        {std::string(session) + "app-flatpak-org.y.Paint-7.scope", "/app/bin/paint",
+        {"~app-web-7.scope", "/usr/bin/bash", "web.desktop", "Web"},
+        {"~app-old\\x2dtool-7.scope", "/usr/bin/tool", "old/tool.desktop", "Tool"},
+        {"~app-flatpak-org.y.Paint-7.scope", "/app/bin/paint",
          "/var/lib/flatpak/exports/share/applications/org.y.Paint.desktop", "Paint"},
-        {std::string(session) + "snap.code.code-1-2.scope", "/snap/code/1/code",
+        {"~snap.code.code-1-2.scope", "/snap/code/1/code",
          "/var/lib/snapd/desktop/applications/code_code.desktop", "Code"},
         {"0::/system.slice/snap.lxd.daemon.service", "/snap/lxd/1/lxd", "/snap/lxd", "lxd"},
-        {std::string(session) + "app-nm\\x2dapplet@autostart.service", "/usr/bin/nm-applet",
-         "/etc/xdg/autostart/nm-applet.desktop", "Network"},
+        {"~app-nm\\x2dapplet@autostart.service", "/usr/bin/nm-applet", "/etc/xdg/autostart/nm-applet.desktop",
+         "Network"},
         // An entry that is not there: the unit stands for it, the same at each start.
-        {std::string(session) + "app-gnome-com.z.Gone-991.scope", "/opt/z/gone",
+        {"~app-gnome-com.z.Gone-991.scope", "/opt/z/gone",
          "/user.slice/user-1000.slice/user@1000.service/app-com.z.Gone.scope", "Gone"},
         {"0::/system.slice/ssh.service", "/usr/sbin/sshd", "/usr/lib/systemd/system/ssh.service", "ssh"},
         {"0::/system.slice/system-getty.slice/getty@tty1.service", "/sbin/agetty",
          "/usr/lib/systemd/system/getty@.service", "getty"},
-        {std::string(session) + "../session.slice/pipewire.service", "/usr/bin/pipewire",
-         "/usr/lib/systemd/user/pipewire.service", "pipewire"},
+        {"~../session.slice/pipewire.service", "/usr/bin/pipewire", "/usr/lib/systemd/user/pipewire.service",
+         "pipewire"},
         {"0::/system.slice/made-up.service", "/usr/bin/x", "/made-up.service", "made-up"},
         {"0::/system.slice/dbus.service", "/usr/bin/dbus-daemon", "/usr/lib/systemd/system/dbus.service",
          "dbus"},
-        {"0::/system.slice/dbus.service", "/usr/bin/nautilus",
-         "/usr/share/applications/org.gnome.Nautilus.desktop", "Dateien"},
+        {"0::/system.slice/dbus.service", "/usr/bin/nautilus", "org.gnome.Nautilus.desktop", "Dateien"},
         {"0::/system.slice/dbus.service", "/usr/libexec/odd", "", ""},
         {"0::/lxc.payload.box/system.slice/ssh.service", "/srv/x.app/y", "/lxc.payload.box", "box"},
         // Outside any group that tells, the executable decides.
-        {"0::/", "/usr/lib/web/web", "/usr/share/applications/web.desktop", "Web"},
-        {"0::/", "/usr/lib/web/crash/reporter", "/usr/share/applications/web.desktop", "Web"},
-        {"0::/", "/usr/lib/office/program/soffice.bin", "/usr/share/applications/office.desktop", "Office"},
+        {"0::/", "/usr/lib/web/web", "web.desktop", "Web"},
+        {"0::/", "/usr/lib/web/crash/reporter", "web.desktop", "Web"},
+        {"0::/", "/usr/lib/office/program/soffice.bin", "office.desktop", "Office"},
         {"0::/", "/home/ann/src/nautilus", "", ""}, // its namesake is a program that is elsewhere
         {"0::/", "/opt/Mail.app/mail", "/opt/Mail.app", "Mail"},
         {"0::/", "/snap/code/1/code", "/var/lib/snapd/desktop/applications/code_code.desktop", "Code"},
@@ -135,24 +124,26 @@ TEST(AppOwnerIndex, EveryKindOfApplication) {
     };
     Machine machine;
     AppOwnerIndex index(machine.root(), "de_DE.UTF-8");
-    for (const auto& each : cases) {
-        const auto bundle = index.bundleOf(machine.process(each.group, each.path));
-        EXPECT_EQ(bundle.value_or(Text()), each.bundle) << each.group << ' ' << each.path;
-        EXPECT_EQ(bundle ? index.identity(*bundle).name : Text(), each.name) << each.path;
+    for (const auto& [group, path, owner, name] : cases) {
+        const auto bundle =
+            index.bundleOf(machine.process(*group == '~' ? session + (group + 1) : group, path));
+        const bool isInMenu = std::string_view(owner).ends_with(".desktop") && *owner != '/';
+        EXPECT_EQ(bundle.value_or(Text()).view(), (isInMenu ? '/' + menu : "") + owner)
+            << group << ' ' << path;
+        EXPECT_EQ(bundle ? index.identity(*bundle).name : Text(), name) << path;
     }
 }
 
 TEST(AppOwnerIndex, WhatATerminalStartsBelongsToItself) {
-    const std::string group = std::string(session) + "app-org.x.Term-7.scope";
-    constexpr std::string_view terminal = "/usr/share/applications/org.x.Term.desktop";
+    const std::string group = session + "app-org.x.Term-7.scope";
     const struct {
         const char *path, *name;
         int device;
         std::string_view bundle;
     } cases[]{
-        {"/usr/bin/x-term", "x-term", 0, terminal},
-        {"/usr/libexec/x-term-server", "x-term-server", 0, terminal},
-        {"/usr/bin/python3.11", "window", 0, terminal}, // a helper that is a script
+        {"/usr/bin/x-term", "x-term", 0, "/usr/share/applications/org.x.Term.desktop"},
+        {"/usr/libexec/x-term-server", "x-term-server", 0, "/usr/share/applications/org.x.Term.desktop"},
+        {"/usr/bin/python3.11", "script", 0, "/usr/share/applications/org.x.Term.desktop"},
         {"/usr/bin/python3.11", "job.py", 34816, ""},
         {"/usr/bin/cc1plus", "cc1plus", 34816, ""},
         {"/usr/bin/daemon", "daemon", 0, ""},
@@ -199,7 +190,7 @@ TEST(AppOwnerIndex, FollowsTheMenus) {
     const auto start = [&](const char* path) { return index.bundleOf(machine.process("0::/", path)); };
     EXPECT_FALSE(start("/usr/bin/new"));
     const uint64_t before = index.revision(100);
-    machine.entry("usr/share/applications/new.desktop", "Name=New\nExec=new");
+    machine.entry(menu + "new.desktop", "New", "Exec=new");
     EXPECT_EQ(index.revision(105), before); // not looked at so soon
     EXPECT_NE(index.revision(111), before);
     EXPECT_EQ(*start("/usr/bin/new"), "/usr/share/applications/new.desktop");
@@ -207,7 +198,7 @@ TEST(AppOwnerIndex, FollowsTheMenus) {
 
     // The user's own entry stands before the system's, and may hide it.
     const uint64_t withNew = index.revision(121);
-    machine.entry("home/ann/.local/share/applications/new.desktop", "Hidden=true");
+    machine.entry("home/ann/.local/share/applications/new.desktop", "New", "Hidden=true");
     EXPECT_NE(index.revision(132), withNew);
     EXPECT_FALSE(start("/usr/bin/new"));
 
@@ -220,4 +211,3 @@ TEST(AppOwnerIndex, FollowsTheMenus) {
 }
 
 } // namespace
-} // namespace sysinfo

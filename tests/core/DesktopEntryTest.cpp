@@ -1,7 +1,9 @@
 #include "core/DesktopEntry.h"
+#include "core/Support.h"
 
-namespace sysinfo {
 namespace {
+
+using namespace quarn::testing;
 
 TEST(DesktopEntry, ProgramAndIcon) {
     const struct {
@@ -33,14 +35,11 @@ TEST(DesktopEntry, ProgramAndIcon) {
 TEST(DesktopEntry, NameInTheLanguageAskedFor) {
     constexpr const char* text = "[Desktop Entry]\nName=Files\nName[de]=Dateien\nName[de_AT]=Dateien (AT)\n"
                                  "Name[sr@latin]=Fajlovi\nName[sr]=Фајлови\nName[fr]=\nNameless=x\n";
-    const struct {
-        const char *locale, *name;
-    } cases[]{{"de_DE.UTF-8", "Dateien"}, {"de_AT.UTF-8@euro", "Dateien (AT)"},
-              {"de", "Dateien"},          {"sr_RS@latin", "Fajlovi"},
-              {"sr_RS.UTF-8", "Фајлови"}, {"fr_FR", "Files"},
-              {"C.UTF-8", "Files"},       {"", "Files"}};
-    for (const auto& each : cases)
-        EXPECT_EQ(parseDesktopEntry(text, each.locale).name, each.name) << each.locale;
+    const char* const cases[][2] = {{"de_DE.UTF-8", "Dateien"}, {"de_AT.UTF-8@euro", "Dateien (AT)"},
+                                    {"de", "Dateien"},          {"sr_RS@latin", "Fajlovi"},
+                                    {"sr_RS.UTF-8", "Фајлови"}, {"fr_FR", "Files"},
+                                    {"C.UTF-8", "Files"},       {"", "Files"}};
+    for (const auto& [locale, name] : cases) EXPECT_EQ(parseDesktopEntry(text, locale).name, name) << locale;
 }
 
 TEST(DesktopEntry, WhatKindItIs) {
@@ -55,4 +54,3 @@ TEST(DesktopEntry, WhatKindItIs) {
 }
 
 } // namespace
-} // namespace sysinfo

@@ -1,24 +1,19 @@
 #include "core/GpuStats.h"
 #include "core/NeuralEngine.h"
+#include "core/Support.h"
 #include "core/linux/GpuClients.h"
 #include "core/linux/GpuDevices.h"
 #include "core/linux/GpuEnergy.h"
 #include "core/linux/GpuNames.h"
 #include "core/linux/NvidiaGpus.h"
-#include "support/Joined.h"
-#include "support/TempRoot.h"
 
 #include <sstream>
 
 namespace {
 
-using namespace sysinfo;
-using namespace sysinfo::platform;
 using namespace quarn::testing;
 
-SystemRoot captured(std::string_view machine) {
-    return SystemRoot(std::string(QUARN_FIXTURES) + "/gpu/" + std::string(machine));
-}
+SystemRoot captured(const std::string& machine) { return capturedRoot("gpu/" + machine); }
 
 TEST(GpuStats, MaximumOfSharesAndSumOfMemories) {
     EXPECT_EQ(combineGpus({}).device, -1);

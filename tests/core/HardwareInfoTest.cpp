@@ -1,15 +1,12 @@
 #include "core/HardwareInfo.h"
 #include "core/CpuTopology.h"
+#include "core/Support.h"
 #include "core/linux/HardwareCpuInfo.h"
 #include "core/linux/HardwareIdentity.h"
 #include "core/linux/HardwareTopology.h"
-#include "support/Joined.h"
-#include "support/TempRoot.h"
 
 namespace {
 
-using namespace sysinfo;
-using namespace sysinfo::platform;
 using namespace quarn::testing;
 
 constexpr uint64_t KiB = 1024, MiB = 1024 * KiB;

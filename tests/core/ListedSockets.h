@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/SocketList.h"
-#include "support/Joined.h"
+#include "core/Support.h"
 
 #include <netinet/in.h>
 #include <set>

@@ -1,6 +1,6 @@
+#include "core/Support.h"
 #include "core/linux/NvidiaGate.h"
 #include "core/linux/NvidiaGpus.h"
-#include "support/Joined.h"
 
 #include <atomic>
 #include <dlfcn.h>
@@ -8,8 +8,7 @@
 
 namespace {
 
-using namespace sysinfo::platform;
-using quarn::testing::joinedEach;
+using namespace quarn::testing;
 using namespace std::chrono_literals;
 
 TEST(Nvml, ReadsThroughALibraryLoadedAtRunTime) {

@@ -1,8 +1,7 @@
 // Energy counters, what they make of a machine's power, and its report over time.
 #include "core/IOReport.h"
+#include "core/Support.h"
 #include "core/linux/Powercap.h"
-#include "support/Joined.h"
-#include "support/TempRoot.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -10,8 +9,6 @@
 
 namespace {
 
-using namespace sysinfo;
-using namespace sysinfo::platform;
 using namespace quarn::testing;
 
 TEST(PowerSplit, Units) {
@@ -169,7 +166,7 @@ struct Zones : TempRoot {
 
 TEST(Powercap, CapturedMachines) {
     const auto channels = [](const char* machine) {
-        Powercap powercap(SystemRoot(QUARN_FIXTURES "/power/" + std::string(machine)));
+        Powercap powercap(capturedRoot("power/" + std::string(machine)));
         EnergySample sample;
         powercap.sample(1, sample);
         return joinedEach(sample, &EnergyChannel::name);

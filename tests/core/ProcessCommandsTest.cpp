@@ -1,19 +1,17 @@
 // What is asked and done about one process, on real children.
+#include "core/Support.h"
 #include "core/linux/ProcessFiles.h"
 #include "core/platform.h"
 #include "support/Child.h"
-#include "support/TempRoot.h"
 
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace sysinfo::platform {
 namespace {
 
-using quarn::testing::Child;
-using quarn::testing::TempRoot;
+using namespace quarn::testing;
 using Words = std::vector<std::string>;
 
 const SystemRoot host = SystemRoot::host();
@@ -110,4 +108,3 @@ TEST(ProcessCommands, OthersAreDenied) {
 }
 
 } // namespace
-} // namespace sysinfo::platform

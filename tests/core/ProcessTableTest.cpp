@@ -1,10 +1,9 @@
 // The three-level process reading, checked on real processes against a plain reading of everything.
 #include "core/linux/ProcessTable.h"
+#include "core/Support.h"
 
 #include "core/ProcessSampler.h"
 #include "support/Child.h"
-#include "support/Joined.h"
-#include "support/TempRoot.h"
 
 #include <algorithm>
 #include <fstream>
@@ -14,8 +13,6 @@
 namespace {
 
 using namespace quarn::testing;
-using namespace sysinfo;
-using namespace sysinfo::platform;
 using RunState = KernelProcess::RunState;
 
 using ByPid = std::map<int32_t, KernelProcess>;

@@ -8,9 +8,7 @@
 
 namespace {
 
-using namespace sysinfo;
-using quarn::testing::asMap;
-using quarn::testing::Readings;
+using namespace quarn::testing;
 
 constexpr double none = -12345;
 

@@ -5,7 +5,6 @@
 #include "core/linux/SensorHwmon.h"
 #include "core/linux/SensorKeys.h"
 #include "core/linux/SensorSupply.h"
-#include "support/Joined.h"
 
 #include <algorithm>
 #include <array>
@@ -16,8 +15,6 @@
 namespace {
 
 using namespace quarn::testing;
-using namespace sysinfo;
-using namespace sysinfo::platform;
 
 /// "label (chip) value, " of each, in order of the labels.
 std::string listing(SensorMachine& machine, const Readings& readings) {
@@ -26,33 +23,8 @@ std::string listing(SensorMachine& machine, const Readings& readings) {
     return text.str();
 }
 
-TEST(SensorMachines, ElevenChips) {
-    SensorMachine machine(capturedSensors("eleven-chips"));
-    const auto temperatures = machine.temperatures();
-    // Two chips of one name are told apart by their devices; one without any name is listed all the same.
-    EXPECT_EQ(
-        listing(machine, temperatures),
-        " (mt7996_phy0_0) 55,  (mt7996_phy0_1) 56,  (mt7996_phy0_2) 57, Core 0 (coretemp.0) 54, "
-        "Core 0 (coretemp.1) 54, Core 1 (coretemp.0) 52, Core 1 (coretemp.1) 52, Core 2 (coretemp.0) 53, "
-        "Core 2 (coretemp.1) 53, Core 3 (coretemp.0) 50, Core 3 (coretemp.1) 50, "
-        "Physical id 0 (coretemp.0) 55, Physical id 0 (coretemp.1) 55, "
-        "foosensor 1 (unnamed chip) 55, foosensor 2 (unnamed chip) 54, ");
-    EXPECT_EQ(std::count_if(temperatures.begin(), temperatures.end(),
-                            [](const auto& reading) { return reading.first.starts_with("TC"); }),
-              10);
-    // applesmc keeps its attributes in the device's folder, and a stopped fan is a reading.
-    EXPECT_EQ(listing(machine, machine.of('F')),
-              " (nct6779) 1098, Left side (applesmc) 0, Right side (applesmc) 1998, ");
-    EXPECT_EQ(machine.of('F'), (Readings{{"F0Ac", 0}, {"F1Ac", 1998}, {"F2Ac", 1098}}));
-    // "intrusion0_alarm" begins as a voltage does.
-    EXPECT_EQ(machine.of('V').size(), 2u);
-    for (const auto& [key, value] : machine.of('V'))
-        EXPECT_NEAR(value, key.ends_with('0') ? 0.792 : 1.024, 1e-6);
-    EXPECT_EQ(machine.smc.keys().size(), 20u);
-}
-
 TEST(SensorMachines, ADiskAndANetworkCard) {
-    SensorMachine machine(capturedSensors("disk-and-network"));
+    SensorMachine machine(capturedRoot("sensors/disk-and-network"));
     EXPECT_EQ(listing(machine, machine.temperatures()),
               "Composite (NVMe CT2000P3SSD8) 43.85, Sensor 1 (NVMe CT2000P3SSD8) 43.85, "
               "Sensor 2 (NVMe CT2000P3SSD8) 45.85, Sensor 8 (NVMe CT2000P3SSD8) 43.85, loc1 (i350bb) 50, ");
@@ -63,7 +35,7 @@ TEST(SensorMachines, ADiskAndANetworkCard) {
 }
 
 TEST(SensorMachines, EightGraphicsCards) {
-    SensorMachine machine(capturedSensors("graphics-cards"));
+    SensorMachine machine(capturedRoot("sensors/graphics-cards"));
     const auto temperatures = machine.temperatures();
     for (const auto& [key, value] : temperatures) EXPECT_TRUE(key.starts_with("TG")) << key;
     // The name of one is followed by a hundred blanks and NULs.
@@ -84,7 +56,7 @@ TEST(SensorMachines, EightGraphicsCards) {
 }
 
 TEST(SensorMachines, ADesktopWithoutDeviceFoldersAndOneWithThermalZonesOnly) {
-    SensorMachine desktop(capturedSensors("ryzen")), zones(capturedSensors("two-zones"));
+    SensorMachine desktop(capturedRoot("sensors/ryzen")), zones(capturedRoot("sensors/two-zones"));
     EXPECT_EQ(listing(desktop, desktop.temperatures()),
               "Composite (nvme) 35.85, Sensor 1 (nvme) 35.85, Sensor 2 (nvme) 38.85, Tccd1 (k10temp) 33.25, "
               "Tctl (k10temp) 33.25, ");
@@ -94,7 +66,7 @@ TEST(SensorMachines, ADesktopWithoutDeviceFoldersAndOneWithThermalZonesOnly) {
 }
 
 TEST(SensorMachines, ALaptopOnItsBattery) {
-    SensorMachine machine(capturedSensors("laptop-supplies"));
+    SensorMachine machine(capturedRoot("sensors/laptop-supplies"));
     EXPECT_NEAR(machine.sensors.value("PSTR"), 4.83, 1e-6) << "asked before anything was enumerated";
     EXPECT_TRUE(std::isnan(machine.sensors.value("PDTR")));
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/SMCSensors.h"
+#include "core/Support.h"
 #include "core/linux/SensorConnection.h"
 #include "core/linux/SensorIo.h"
-#include "support/TempRoot.h"
 
 #include <atomic>
 #include <functional>
@@ -77,10 +77,5 @@ public:
     sysinfo::SMC& smc = parts_->smc;
     sysinfo::SMCSensors& sensors = parts_->sensors;
 };
-
-/// The captured machine of tests/fixtures/sensors.
-inline sysinfo::SystemRoot capturedSensors(const std::string& name) {
-    return sysinfo::SystemRoot(QUARN_FIXTURES "/sensors/" + name);
-}
 
 } // namespace quarn::testing

@@ -6,7 +6,6 @@
 #include "core/linux/SocketDiag.h"
 #include "core/linux/SocketHolders.h"
 #include "core/linux/SocketTables.h"
-#include "support/TempRoot.h"
 
 #include <arpa/inet.h>
 #include <linux/inet_diag.h>
@@ -15,8 +14,6 @@
 
 namespace {
 
-using namespace sysinfo;
-using namespace sysinfo::platform;
 using namespace quarn::testing;
 
 /// How a socket at port 80 shows its ends.

@@ -1,9 +1,8 @@
 // Volumes: the mount table, which mounts are volumes, and servers that do not answer.
 #include "core/Storage.h"
+#include "core/Support.h"
 #include "core/linux/MountTable.h"
 #include "core/linux/VolumeAnswers.h"
-#include "support/Joined.h"
-#include "support/TempRoot.h"
 
 #include <atomic>
 #include <future>
@@ -12,8 +11,6 @@
 
 namespace {
 
-using namespace sysinfo;
-using namespace sysinfo::platform;
 using namespace quarn::testing;
 using namespace std::chrono_literals;
 
@@ -190,7 +187,7 @@ TEST(VolumeAnswers, PatienceEndsAndAThreadOutlivesItsOwner) {
 }
 
 TEST(Volumes, TheRootOfThisMachineIsListedWithItsRoom) {
-    if (quarn::testing::readFile("/proc/self/mounts").find(" / ") == std::string::npos)
+    if (readFile("/proc/self/mounts").find(" / ") == std::string::npos)
         GTEST_SKIP() << "the root is not mounted, as in a chroot";
     struct statvfs status {};
     ASSERT_EQ(::statvfs("/", &status), 0);
@@ -204,7 +201,7 @@ TEST(Volumes, TheRootOfThisMachineIsListedWithItsRoom) {
 }
 
 TEST(CapturedVolumes, AreListedWithUnknownRoom) {
-    EXPECT_EQ(joinedEach(readVolumes(SystemRoot(QUARN_FIXTURES "/hosts/mixed-disks")), &VolumeInfo::mount,
+    EXPECT_EQ(joinedEach(readVolumes(capturedRoot("hosts/mixed-disks")), &VolumeInfo::mount,
                          &VolumeInfo::device, &VolumeInfo::fs, &VolumeInfo::total),
               "/|/dev/dm-2|ext4|0 /boot|/dev/sda3|ext2|0 ");
 }

@@ -83,6 +83,10 @@ std::string readFile(const fs::path& path) {
     return content.str();
 }
 
+sysinfo::SystemRoot capturedRoot(std::string_view folder) {
+    return sysinfo::SystemRoot((fs::path(QUARN_FIXTURES) / folder).string());
+}
+
 std::string fixture(std::string_view relative) {
     const fs::path path = fs::path(QUARN_FIXTURES) / relative;
     EXPECT_TRUE(fs::exists(path)) << "missing fixture " << relative;

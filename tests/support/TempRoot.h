@@ -37,6 +37,8 @@ private:
 };
 
 std::string readFile(const std::filesystem::path& path); ///< empty when it cannot be read
+/// The captured machine in a folder of tests/fixtures.
+sysinfo::SystemRoot capturedRoot(std::string_view folder);
 /// The content of a file of tests/fixtures; fails the test when it is missing.
 std::string fixture(std::string_view relative);
 
