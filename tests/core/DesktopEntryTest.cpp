@@ -6,29 +6,25 @@ namespace {
 using namespace quarn::testing;
 
 TEST(DesktopEntry, ProgramAndIcon) {
-    const struct {
-        const char *text, *program, *icon;
-        size_t arguments;
-    } cases[]{
-        {"[Desktop Entry]\nName=Web\nExec=/usr/lib/web/web %u\nIcon=web\n", "web", "web", 0},
+    const char* const cases[][2] = {
+        // the text; program, icon and how many arguments that tell it from others
+        {"[Desktop Entry]\nName=Web\nExec=/usr/lib/web/web %u\nIcon=web\n", "web|web|0"},
         {"# a comment\n[Desktop Entry]\nExec = env LANG=C \"/opt/My Editor/edit\" --new\nIcon = /opt/e.png",
-         "edit", "/opt/e.png", 1},
+         "edit|/opt/e.png|1"},
         {"[Desktop Action new]\nExec=other\n[Desktop Entry]\nExec=main\n[Desktop Action "
          "x]\nExec=later\nIcon=later",
-         "main", "", 0},
-        {"Exec=no-group\nIcon=x", "", "", 0},
-        {"[Desktop Entry]\nExec=\nIcon\n=\n", "", "", 0},
-        {"[Desktop Entry]\nExec=\"unfinished", "unfinished", "", 0},
-        {"[Desktop Entry]\nExec=python3 /usr/bin/tool\nIcon=tool", "", "tool", 0}, // not that of every script
-        {"[Desktop Entry]\nExec=/usr/bin/python3.11", "", "", 0},
-        {"[Desktop Entry]\nExec=office --writer %U", "office", "", 1},
-        {"", "", "", 0},
+         "main||0"},
+        {"Exec=no-group\nIcon=x", "||0"},
+        {"[Desktop Entry]\nExec=\nIcon\n=\n", "||0"},
+        {"[Desktop Entry]\nExec=\"unfinished", "unfinished||0"},
+        {"[Desktop Entry]\nExec=python3 /usr/bin/tool\nIcon=tool", "|tool|0"}, // not that of every script
+        {"[Desktop Entry]\nExec=/usr/bin/python3.11", "||0"},
+        {"[Desktop Entry]\nExec=office --writer %U", "office||1"},
+        {"", "||0"},
     };
-    for (const auto& each : cases) {
-        const auto entry = parseDesktopEntry(each.text);
-        EXPECT_EQ(entry.program(), each.program) << each.text;
-        EXPECT_EQ(entry.icon, each.icon) << each.text;
-        EXPECT_EQ(entry.arguments, each.arguments) << each.text;
+    for (const auto& [text, shown] : cases) {
+        const auto entry = parseDesktopEntry(text);
+        EXPECT_EQ(joined(entry.program(), entry.icon, entry.arguments), shown) << text;
     }
 }
 

@@ -28,10 +28,7 @@ int statusOf(pid_t pid, int options) {
 
 TEST(ProcessCommands, CommandLines) {
     using namespace std::string_literals;
-    const struct {
-        std::string text;
-        Words words;
-    } cases[]{
+    const std::pair<std::string, Words> cases[]{
         {"", {}},
         {"\0\0"s, {}},
         {"bash\0"s, {"bash"}},
@@ -39,14 +36,12 @@ TEST(ProcessCommands, CommandLines) {
         {"postgres: writer process\0\0\0\0"s, {"postgres: writer process"}},
         {"no end", {"no end"}},
     };
-    for (const auto& each : cases) EXPECT_EQ(parseCommandLine(each.text), each.words);
+    for (const auto& [text, words] : cases) EXPECT_EQ(parseCommandLine(text), words);
 }
 
 TEST(ProcessCommands, ReadsACapturedProcess) {
     TempRoot root;
-    root.write("proc/7/cmdline", std::string_view("sleep\0"
-                                                  "5\0",
-                                                  8));
+    root.write("proc/7/cmdline", {"sleep\0\65\0", 8});
     root.link("proc/7/cwd", "/srv/data");
     root.write("proc/7/stat", "7 (a b) S 1 7 7 0 -1 0 0 0 0 0 0 0 0 0 20 -5 1 0 42 0 0");
     EXPECT_EQ(processCommandLine(root.root(), 7), Words({"sleep", "5"}));

@@ -11,7 +11,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
-#include <map>
 #include <netdb.h>
 #include <sys/socket.h>
 #include <thread>
