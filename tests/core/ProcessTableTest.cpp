@@ -5,9 +5,9 @@
 #include "core/ProcessSampler.h"
 #include "support/Child.h"
 
-#include <algorithm>
 #include <fstream>
 #include <map>
+#include <set>
 #include <sys/prctl.h>
 
 namespace {
@@ -97,28 +97,24 @@ TEST(ProcessTable, AgreesWithAPlainReadingThroughALifetime) {
 }
 
 TEST(ProcessTable, SeesAnOrphanMoveToItsNewParentWithoutRunning) {
-    int report[2];
-    ASSERT_EQ(::pipe(report), 0);
     Child parent([&](char) {
-        const pid_t grandchild = ::fork();
-        if (grandchild == 0)
+        if (::fork() == 0)
             for (;;) ::pause();
-        if (::write(report[1], &grandchild, sizeof grandchild) < 0) ::_exit(1);
     });
     parent.tell('f');
-    pid_t grandchild = 0;
-    ASSERT_EQ(::read(report[0], &grandchild, sizeof grandchild), static_cast<ssize_t>(sizeof grandchild));
-    settle(grandchild); // it does not run from now on
-    const auto ppidIn = [&](ProcessTable& table) { return byPid(table.read().value()).at(grandchild).ppid; };
     ProcessTable table(SystemRoot::host());
+    pid_t grandchild = 0;
+    for (const auto& [pid, process] : byPid(table.read().value()))
+        if (process.ppid == parent.pid()) grandchild = pid;
+    ASSERT_GT(grandchild, 0);
+    settle(grandchild); // it does not run from now on
+    const auto currentParent = [&] { return byPid(table.read().value()).at(grandchild).ppid; };
     const pid_t former = parent.pid();
-    for (int reading = 0; reading < 2; ++reading) EXPECT_EQ(ppidIn(table), former);
+    for (int reading = 0; reading < 2; ++reading) EXPECT_EQ(currentParent(), former);
     parent.kill();
     parent.reap();
-    EXPECT_NE(ppidIn(table), former);
+    EXPECT_NE(currentParent(), former);
     ::kill(grandchild, SIGKILL);
-    ::close(report[0]);
-    ::close(report[1]);
 }
 
 /// The share of `pid` in a second since the call before, nullopt when it is not listed.
@@ -168,37 +164,21 @@ TEST(ProcessTable, SharesAreExactWhereTicksRound) {
 TEST(ProcessTable, FindsEveryProcessWhileThousandsComeAndGo) {
     ProcessTable table(SystemRoot::host());
     table.read();
-    std::vector<pid_t> children;
-    const auto start = [&] {
-        const pid_t child = ::fork();
-        if (child == 0) {
-            ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-            for (;;) ::pause();
-        }
-        ASSERT_GT(child, 0);
-        children.push_back(child);
-    };
-    const auto end = [&](size_t index) {
-        ::kill(children[index], SIGKILL);
-        ::waitpid(children[index], nullptr, 0);
-        children.erase(children.begin() + static_cast<long>(index));
-    };
+    std::vector<std::unique_ptr<Child>> children;
+    const auto end = [&](size_t index) { children.erase(children.begin() + static_cast<long>(index)); };
     size_t step = 0;
     for (int round = 0; round < 100; ++round) {
         for (int i = 0; i < 50; ++i) {
-            start();
+            children.push_back(std::make_unique<Child>());
             if (++step % 3 != 0) end(step * 7919 % children.size());
         }
-        const auto seen = ownChildren(table);
-        std::vector<pid_t> pids;
-        for (const auto& [pid, process] : seen) pids.push_back(pid);
-        auto expected = children;
-        std::sort(expected.begin(), expected.end());
-        ASSERT_EQ(pids, expected) << "round " << round;
-        if (children.size() > 300)
-            while (!children.empty()) end(children.size() - 1);
+        std::set<pid_t> seen, expected;
+        for (const auto& [pid, process] : ownChildren(table)) seen.insert(pid);
+        for (const auto& child : children) expected.insert(child->pid());
+        ASSERT_EQ(seen, expected) << "round " << round;
+        if (children.size() > 300) children.clear();
     }
-    while (!children.empty()) end(children.size() - 1);
+    children.clear();
     EXPECT_TRUE(ownChildren(table).empty());
 }
 

@@ -90,9 +90,9 @@ struct FakeController final : SMCConnection {
         return true;
     }
     Key* find(uint32_t code) {
-        const auto found =
-            std::find_if(keys.begin(), keys.end(), [&](const Key& key) { return smcCode(key.name) == code; });
-        return found == keys.end() ? nullptr : &*found;
+        for (auto& key : keys)
+            if (smcCode(key.name) == code) return &key;
+        return nullptr;
     }
 
     std::vector<Key> keys;
@@ -112,14 +112,11 @@ struct SMCRules : ::testing::Test {
             std::memcpy(fake->find(smcCode(name))->bytes.data(), &value, sizeof value);
         }
     }
-    Readings temperatures(int max = 64) {
+    Readings of(char kind, int max = 64) {
         SCSensor out[64];
-        return asMap(out, sensors.temps(out, max));
+        return asMap(out, kind == 'T' ? sensors.temps(out, max) : sensors.keys(kind, out, max));
     }
-    Readings of(char kind) {
-        SCSensor out[64];
-        return asMap(out, sensors.keys(kind, out, 64));
-    }
+    Readings temperatures() { return of('T'); }
 };
 
 TEST_F(SMCRules, InformationOfAKeyIsAskedForOnce) {
@@ -154,7 +151,7 @@ TEST_F(SMCRules, ATemperatureIsJudgedWhenItIsFirstSeen) {
     EXPECT_EQ(fake->calls[smcReadBytes], 4) << "the number of keys and the three kept ones";
     set({{"TC0P", 130}, {"TC1P", 0}, {"TNew", 33}});
     EXPECT_EQ(temperatures(), (Readings{{"TC0P", 130}, {"TC1P", 0}, {"TNew", 33}, {"TSpx", 42.5}}));
-    EXPECT_EQ(temperatures(2).size(), 2u);
+    EXPECT_EQ(of('T', 2).size(), 2u);
 }
 
 TEST_F(SMCRules, LimitsByKind) {

@@ -19,7 +19,7 @@ std::string listing(const std::string& name) {
     SensorMachine machine(capturedRoot("sensors/" + name));
     std::multiset<std::string> lines;
     for (const char kind : {'T', 'F', 'P', 'V', 'I'})
-        for (const auto& [key, value] : kind == 'T' ? machine.temperatures() : machine.of(kind)) {
+        for (const auto& [key, value] : machine.of(kind)) {
             const auto sensor = machine.smc.describe(smcCode(key)).value();
             lines.insert(joined(key.substr(0, 2), sensor.chip, sensor.label, std::round(value * 1000) / 1000,
                                 sensor.max, sensor.crit));

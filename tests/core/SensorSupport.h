@@ -33,14 +33,11 @@ public:
     explicit SensorMachine(const sysinfo::SystemRoot& root, Hook hook = {}, Write write = {})
         : parts_(std::make_unique<Parts>(connect(root, std::move(hook), std::move(write)))) {}
 
-    Readings temperatures() {
-        SCSensor out[512];
-        return asMap(out, sensors.temps(out, 512));
-    }
     Readings of(char kind) {
         SCSensor out[512];
-        return asMap(out, sensors.keys(kind, out, 512));
+        return asMap(out, kind == 'T' ? sensors.temps(out, 512) : sensors.keys(kind, out, 512));
     }
+    Readings temperatures() { return of('T'); }
     /// The same by "label (chip)".
     Readings named(const Readings& byKey) {
         Readings map;

@@ -41,6 +41,8 @@ uint16_t portOf(const UniqueFd& socket) {
     return ntohs(own.sin6_port);
 }
 
+std::string portText(const UniqueFd& socket) { return std::to_string(portOf(socket)); }
+
 UniqueFd bound(int type, const char* host) {
     UniqueFd socket = opened(type, host, 0, ::bind);
     if (type == SOCK_STREAM) ::listen(socket.get(), 4);
@@ -64,10 +66,13 @@ std::vector<SCSocket> ofPort(const std::vector<SCSocket>& all, uint16_t port, in
 
 /// "127.0.0.1:5000 > 127.0.0.1:80", the ends of a connection over the loopback.
 std::string between(const UniqueFd& own, const UniqueFd& peer, const std::string& host = "127.0.0.1:") {
-    return host + std::to_string(portOf(own)) + " > " + host + std::to_string(portOf(peer));
+    return host + portText(own) + " > " + host + portText(peer);
 }
 
-const std::string ofThisProcess = " of " + std::to_string(::getpid()) + " core_tests, ";
+/// How a socket of this process is shown.
+std::string own(const std::string& ends, int state) {
+    return ends + " state " + std::to_string(state) + " of " + std::to_string(::getpid()) + " core_tests, ";
+}
 
 bool hasIPv6() { return bool(std::ifstream("/proc/net/if_inet6").get() != EOF); }
 
@@ -84,15 +89,12 @@ TEST(SocketList, ShowsEachKindOfSocketAsItIs) {
     EXPECT_EQ(flat[count].pid, 0) << "one zero record more than counted";
     sc_free_sockets(flat);
 
-    EXPECT_EQ(shown(ofPort(all, portOf(client))),
-              "TCP4 " + between(client, any) + " state 4" + ofThisProcess);
-    EXPECT_EQ(shown(ofPort(all, portOf(any))), "TCP4 " + between(any, client) + " state 4" + ofThisProcess +
-                                                   "TCP4 :" + std::to_string(portOf(any)) + " state 1" +
-                                                   ofThisProcess);
-    EXPECT_EQ(shown(ofPort(all, portOf(udp), IPPROTO_UDP)),
-              "UDP4 127.0.0.1:" + std::to_string(portOf(udp)) + " state -1" + ofThisProcess);
-    EXPECT_EQ(shown(ofPort(all, portOf(udpClient), IPPROTO_UDP)),
-              "UDP4 " + between(udpClient, udp) + " state -1" + ofThisProcess);
+    EXPECT_EQ(shown(ofPort(all, portOf(client))), own("TCP4 " + between(client, any), 4));
+    EXPECT_EQ(shown(ofPort(all, portOf(any))),
+              own("TCP4 " + between(any, client), 4) + own("TCP4 :" + portText(any), 1));
+    const auto datagrams = [&](const UniqueFd& at) { return shown(ofPort(all, portOf(at), IPPROTO_UDP)); };
+    EXPECT_EQ(datagrams(udp), own("UDP4 127.0.0.1:" + portText(udp), -1));
+    EXPECT_EQ(datagrams(udpClient), own("UDP4 " + between(udpClient, udp), -1));
     for (const auto& socket : ofPort(all, portOf(any))) EXPECT_NE(socket.socketId, 0U);
 }
 
@@ -108,9 +110,8 @@ TEST(SocketList, ShowsIPv4TextsWhereADualStackSocketSpeaksIPv4) {
     const auto all = listed();
     EXPECT_EQ(ends(ofPort(all, portOf(v4Client)).at(0)), "TCP6 " + between(v4Client, dual));
     EXPECT_EQ(ends(ofPort(all, portOf(v6Client)).at(0)), "TCP6 " + between(v6Client, only, "::1:"));
-    EXPECT_EQ(shown(ofPort(all, portOf(dual))), "TCP6 " + between(dual, v4Client) + " state 4" +
-                                                    ofThisProcess + "TCP6 :" + std::to_string(portOf(dual)) +
-                                                    " state 1" + ofThisProcess);
+    EXPECT_EQ(shown(ofPort(all, portOf(dual))),
+              own("TCP6 " + between(dual, v4Client), 4) + own("TCP6 :" + portText(dual), 1));
 }
 
 TEST(SocketList, ListsAnInheritedSocketOnceUnderTheLowestPid) {
@@ -135,7 +136,7 @@ TEST(SocketList, ShowsSocketsThatNoProcessHoldsOnlyOnRequest) {
     const auto found = ofPort(all, port);
     ASSERT_EQ(found.size(), 1U);
     EXPECT_EQ(joined(ends(found[0]), found[0].pid, found[0].name), orphan + "|-1|");
-    EXPECT_TRUE(shown(ofPort(all, portOf(listening))).starts_with(held + " state 5" + ofThisProcess));
+    EXPECT_TRUE(shown(ofPort(all, portOf(listening))).starts_with(own(held, 5)));
 }
 
 /// A child that opens and closes a listening socket and changes its name on command.

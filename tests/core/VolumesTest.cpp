@@ -115,7 +115,7 @@ struct Server {
         };
     }
     std::atomic<int> asked = 0;
-    std::latch letGo{1};
+    std::latch hanging{1}, letGo{1};
 };
 
 using State = VolumeAnswers::Answer::State;
@@ -141,25 +141,18 @@ TEST(VolumeAnswers, AFirstCallWaitsForWhoAnswersAndNoOtherCallWaits) {
     EXPECT_EQ(waiting.get()[1].space.total, 1000u);
 }
 
-/// Answers once, hangs, answers again, and refuses from then on.
-struct FailingServer {
-    std::optional<VolumeSpace> ask() {
-        switch (++asked) {
-        case 1: return VolumeSpace{1, 0};
-        case 2:
-            hanging.count_down();
-            letGo.wait();
-            return VolumeSpace{2, 0};
-        default: return {};
-        }
-    }
-    std::atomic<int> asked = 0;
-    std::latch hanging{1}, letGo{1};
-};
-
 TEST(VolumeAnswers, TheLastAnswerStaysWhileAServerHangsOrRefuses) {
-    const auto server = std::make_shared<FailingServer>(); // the last asking thread may end after the test
-    VolumeAnswers volumes([server](const std::string&) { return server->ask(); }, 1h);
+    const auto server = std::make_shared<Server>(); // the last asking thread may end after the test
+    const auto answerHangAnswerAndRefuse = [server](const std::string&) -> std::optional<VolumeSpace> {
+        const uint64_t question = static_cast<uint64_t>(++server->asked);
+        if (question > 2) return {};
+        if (question == 2) {
+            server->hanging.count_down();
+            server->letGo.wait();
+        }
+        return VolumeSpace{question, 0};
+    };
+    VolumeAnswers volumes(answerHangAnswerAndRefuse, 1h);
     const auto total = [&] { return volumes.answers({{"1", "/srv"}})[0].space.total; };
     EXPECT_EQ(total(), 1u);
     EXPECT_EQ(total(), 1u);

@@ -25,19 +25,7 @@ TEST_F(PrefsTest, AFreshInstallationAnswersTheDefaultsInOrder) {
 }
 
 TEST_F(PrefsTest, AWrongTypeReadsAsTheDefault) {
-    folder.write(R"(
-keepExited = "12"
-alertTempC = 80.0
-fahrenheit = 1
-backgroundInterval = 3
-widgetOpacity = "0.5"
-languageCode = true
-historyRange = "fortnight"
-topAppsRange = 2
-sidebarLayout = "cpu,,memory"
-widgets = ["cpu", 1]
-menuBarDetailed = "cpu"
-)");
+    folder.write(fixture("settings/wrong-types.toml"));
     for (const auto* setting : prefs.settings())
         if (setting->key() == prefs.backgroundInterval.key())
             EXPECT_EQ(setting->storedValue(), SettingValue(3.0)) << "a whole number is a number";
