@@ -1,7 +1,6 @@
 #include "settings/Support.h"
 #include "support/ManualQueue.h"
 
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -25,15 +24,6 @@ TEST_F(StoreTest, AWriteIsOnDiskAtOnceAndReadingCreatesNothing) {
     EXPECT_EQ(fs::status(file).permissions(), fs::perms(0600));
     deep.remove("a");
     EXPECT_EQ(SettingsStore(file).value("a"), std::nullopt);
-}
-
-TEST_F(StoreTest, KeepsPermissionsCommentsAndForeignKeys) {
-    folder.write("# mine\na = 1\n[later]\nversion = 9\n");
-    ::chmod(folder.file().c_str(), 0640);
-    store.set("a", int64_t{2});
-    EXPECT_EQ(folder.text(), "# mine\na = 2\n[later]\nversion = 9\n");
-    EXPECT_EQ(fs::status(folder.file()).permissions(), fs::perms(0640));
-    EXPECT_EQ(folder.names(), std::vector<std::string>{"settings.toml"});
 }
 
 TEST_F(StoreTest, NoticesWhatOthersChange) {
