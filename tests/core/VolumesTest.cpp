@@ -162,6 +162,7 @@ TEST(VolumeAnswers, TheLastAnswerStaysWhileAServerHangsOrRefuses) {
     while (total() < 2) std::this_thread::yield();
     while (server->asked < 4) total();
     EXPECT_EQ(total(), 2u);
+    EXPECT_EQ(volumes.answers({{"1", "/srv"}})[0].state, State::known);
 }
 
 TEST(VolumeAnswers, PatienceEndsAndAThreadOutlivesItsOwner) {
