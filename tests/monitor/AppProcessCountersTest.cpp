@@ -1,15 +1,17 @@
 #include "monitor/AppProcessCounters.h"
 
+#include "monitor/Processes.h"
+#include "support/Joined.h"
+
 #include <map>
 
 namespace quarn {
 namespace {
 
 ProcInfo process(int64_t pid, uint64_t counters, uint64_t start = 1) {
-    ProcInfo info;
-    info.pid = pid;
+    ProcInfo info = testing::processOf(pid);
     info.startTimeMicros = start;
-    info.accessible = info.ioKnown = true;
+    info.ioKnown = true;
     info.cpuTimeNs = counters;
     info.diskRead = counters * 2;
     info.diskWrite = counters * 3;
@@ -31,30 +33,28 @@ struct Rounds {
             EXPECT_TRUE(apps.emplace(each.app.view(), each).second) << "twice";
     }
     const AppGrowth& grown(const char* app) { return apps[app].growth; }
+    /// CPU time and memory of both.
+    std::string both() {
+        return testing::joined(grown("a").cpuNs, apps["a"].memBytes, grown("b").cpuNs, apps["b"].memBytes);
+    }
 };
 
 TEST(AppProcessCounters, ChargeWhatHappenedSinceTheListBefore) {
     Rounds rounds;
     rounds.round({process(2, 100), process(4, 50), process(5, 7)});
-    EXPECT_EQ(rounds.grown("a").cpuNs, 0U); // a first list is only where counting starts
-    EXPECT_EQ(rounds.apps["a"].memBytes, 20U);
-    EXPECT_EQ(rounds.apps["b"].memBytes, 10U);
+    EXPECT_EQ(rounds.both(), "0|20|0|10") << "a first list is only where counting starts";
 
     rounds.round({process(2, 110), process(3, 900), process(4, 51), process(5, 7)});
-    EXPECT_EQ(rounds.grown("b").cpuNs, 0U); // neither the new one nor the idle one
-    EXPECT_EQ(rounds.grown("a").cpuNs, 11U);
-    EXPECT_EQ(rounds.grown("a").diskRead, 22U);
-    EXPECT_EQ(rounds.grown("a").diskWrite, 33U);
-    EXPECT_EQ(rounds.grown("a").contextSwitches, 44U);
+    EXPECT_EQ(rounds.both(), "11|20|0|20") << "neither the new one nor the idle one used any";
+    const AppGrowth& grown = rounds.grown("a");
+    EXPECT_EQ(testing::joined(grown.cpuNs, grown.diskRead, grown.diskWrite, grown.contextSwitches),
+              "11|22|33|44");
 
     // One ends, one is replaced by another of the same pid, one goes on; in any order.
     rounds.round({process(5, 9), process(3, 950, 2), process(2, 111)});
-    EXPECT_EQ(rounds.grown("a").cpuNs, 1U);
-    EXPECT_EQ(rounds.grown("b").cpuNs, 2U);
-    EXPECT_EQ(rounds.apps["a"].memBytes, 10U);
+    EXPECT_EQ(rounds.both(), "1|10|2|20");
     rounds.round({process(2, 115), process(3, 960, 2), process(5, 9)});
-    EXPECT_EQ(rounds.grown("a").cpuNs, 4U);
-    EXPECT_EQ(rounds.grown("b").cpuNs, 10U);
+    EXPECT_EQ(rounds.both(), "4|10|10|20");
     rounds.round({});
     EXPECT_TRUE(rounds.apps.empty());
 }
@@ -68,9 +68,8 @@ TEST(AppProcessCounters, NeverInventGrowth) {
     };
     const ProcInfo before = process(2, 100), after = process(2, 150);
     EXPECT_EQ(growth(after, before).cpuNs, 0U); // counters that fell
-    ProcInfo hidden;
-    hidden.pid = 2;
-    hidden.startTimeMicros = 1;
+    ProcInfo hidden = process(2, 0);
+    hidden.accessible = hidden.ioKnown = false;
     EXPECT_EQ(growth(hidden, after).cpuNs, 0U); // what was not told is not zero
     EXPECT_EQ(growth(before, hidden).cpuNs, 0U);
     ProcInfo noDisk = before;

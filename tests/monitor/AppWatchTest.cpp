@@ -1,12 +1,11 @@
 #include "monitor/AppWatch.h"
 
+#include "monitor/Processes.h"
 #include "support/ManualQueue.h"
 #include "support/TempRoot.h"
 
-namespace quarn {
+namespace quarn::testing {
 namespace {
-
-using testing::ManualQueue;
 
 /// Process lists of a machine with an editor of two processes and a shell.
 class Watched {
@@ -16,8 +15,9 @@ public:
         snapshot.processGeneration = ++generation_;
         snapshot.timestamp += std::chrono::seconds(generation_);
         std::vector<ProcInfo> processes{process(1, "/opt/Editor.app/bin/edit", editorNs),
-                                        process(2, "/opt/Editor.app/bin/help", 5)};
-        if (withShell) processes.push_back(process(3, "/bin/shell", 7));
+                                        process(2, "/opt/Editor.app/bin/help", 5),
+                                        process(3, "/bin/shell", 7)};
+        if (!withShell) processes.pop_back();
         snapshot.processes = std::move(processes);
         watch->take(snapshot);
         watch->take(snapshot); // a list that is known already
@@ -27,17 +27,14 @@ public:
         main.run();
     }
 
-    testing::TempRoot root;
+    TempRoot root;
     ManualQueue queue, main;
     std::optional<AppWatch> watch{std::in_place, queue, main, std::make_shared<AppOwnerIndex>(root.root())};
 
 private:
     static ProcInfo process(int64_t pid, const char* path, uint64_t cpuNs) {
-        ProcInfo info;
-        info.pid = pid;
-        info.path = info.name = path;
-        info.startTimeMicros = 1;
-        info.accessible = true;
+        ProcInfo info = processOf(pid, path);
+        info.path = path;
         info.cpuTimeNs = cpuNs;
         info.memBytes = 10;
         return info;
@@ -92,4 +89,4 @@ TEST(AppWatch, MakesTheListOnlyForThoseWhoWantIt) {
 }
 
 } // namespace
-} // namespace quarn
+} // namespace quarn::testing

@@ -1,11 +1,10 @@
 #include "monitor/ProcessOwners.h"
 
+#include "monitor/Processes.h"
 #include "support/TempRoot.h"
 
-namespace quarn {
+namespace quarn::testing {
 namespace {
-
-using testing::TempRoot;
 
 /// A captured machine with one entry in its menus, whose processes can be moved between control groups.
 class Machine : public TempRoot {
@@ -19,9 +18,8 @@ public:
         write("proc/" + std::to_string(pid) + "/cgroup", "0::" + group + "\n");
     }
     static ProcInfo process(int64_t pid, const char* path, uint64_t startSeconds = 100) {
-        ProcInfo info;
-        info.pid = pid;
-        info.name = info.path = path;
+        ProcInfo info = processOf(pid, path);
+        info.path = path;
         info.startTimeMicros = startSeconds * 1'000'000;
         return info;
     }
@@ -107,4 +105,4 @@ TEST(ProcessOwners, FollowTheMenusAFewAtATime) {
 }
 
 } // namespace
-} // namespace quarn
+} // namespace quarn::testing

@@ -1,20 +1,15 @@
 #include "monitor/ResourceAppGrouper.h"
 
+#include "monitor/Processes.h"
+#include "support/Joined.h"
 #include "support/TempRoot.h"
 
-namespace quarn {
+namespace quarn::testing {
 namespace {
 
-using testing::TempRoot;
-
 ProcInfo process(int64_t pid, std::string_view path, double cpu = 0, uint64_t memory = 0) {
-    ProcInfo info;
-    info.pid = pid;
-    info.name = path.substr(path.rfind('/') + 1);
+    ProcInfo info = processOf(pid, path.substr(path.rfind('/') + 1), cpu);
     info.path = path;
-    info.startTimeMicros = 1'000'000;
-    info.accessible = true;
-    info.cpuPercent = cpu;
     info.memBytes = memory;
     return info;
 }
@@ -33,12 +28,11 @@ std::string summary(const ResourceAppList& list) {
     return text;
 }
 
-std::string folderOf(std::string_view path) { return sysinfo::AppOwnerIndex::bundlePath(path).value_or(""); }
-
 ResourceAppList make(ResourceKind kind, const std::vector<ProcInfo>& processes, size_t apps, size_t each,
                      const NetworkRates& network = {}) {
     std::vector<std::string> bundles;
-    for (const auto& one : processes) bundles.push_back(folderOf(one.path));
+    for (const auto& one : processes)
+        bundles.push_back(sysinfo::AppOwnerIndex::bundlePath(one.path).value_or(""));
     return ResourceAppList::make(
         kind, processes, network, apps, each,
         [&](const ProcInfo& one) -> std::string_view {
@@ -61,11 +55,9 @@ TEST(ResourceAppList, AddsUpTheProcessesOfABundle) {
     EXPECT_FALSE(list.other);
     const auto& editor = list.apps[0];
     EXPECT_EQ(*editor.bundle, "/A/Editor.app");
-    EXPECT_DOUBLE_EQ(editor.usage.cpuPercent, 25);
-    EXPECT_EQ(editor.usage.memBytes, 30U);
-    EXPECT_DOUBLE_EQ(editor.usage.diskRead, 100);
-    EXPECT_DOUBLE_EQ(editor.usage.network.download, 30);
-    EXPECT_DOUBLE_EQ(editor.usage.watts.value_or(0), 1.5);
+    const auto& used = editor.usage;
+    EXPECT_EQ(joined(used.cpuPercent, used.memBytes, used.diskRead, used.network.download, used.watts),
+              "25|30|100|30|1.5");
     EXPECT_TRUE(editor.usage.known.measured && editor.usage.known.disk && editor.usage.known.network);
     const auto& make = list.apps[1];
     EXPECT_FALSE(make.bundle || make.usage.watts);
@@ -132,4 +124,4 @@ TEST(AppNameCache, AsksOnceAndStaysSmall) {
 }
 
 } // namespace
-} // namespace quarn
+} // namespace quarn::testing
