@@ -1,14 +1,12 @@
 #include "ui/modules/AppRows.h"
 
-#include <gtest/gtest.h>
-
 namespace quarn {
 namespace {
 
 using App = ResourceAppList::App;
 using Process = ResourceAppList::Process;
 
-Process process(int64_t pid, const char* name, const char* path, double cpu) {
+Process member(int64_t pid, const char* name, const char* path, double cpu) {
     Process result{pid, name, path, true, {}};
     result.usage.cpuPercent = cpu;
     result.usage.memBytes = 1 << 20;
@@ -29,10 +27,10 @@ App app(const char* name, const char* bundle, std::vector<Process> processes) {
 std::shared_ptr<const ResourceAppList> machine() {
     ResourceAppList list;
     list.apps = {app("Firefox", "/menus/firefox.desktop",
-                     {process(10, "firefox", "/usr/lib/firefox/firefox", 30),
-                      process(11, "Web Content", "/usr/lib/firefox/content", 50)}),
-                 app("Mail", "/menus/mail.desktop", {process(20, "mail", "/usr/bin/mail", 5)}),
-                 app("bash", "", {process(30, "bash", "/usr/bin/bash", 0)})};
+                     {member(10, "firefox", "/usr/lib/firefox/firefox", 30),
+                      member(11, "Web Content", "/usr/lib/firefox/content", 50)}),
+                 app("Mail", "/menus/mail.desktop", {member(20, "mail", "/usr/bin/mail", 5)}),
+                 app("bash", "", {member(30, "bash", "/usr/bin/bash", 0)})};
     Process denied{40, "login", {}, false, {}};
     list.apps.push_back(app("login", "", {denied}));
     return std::make_shared<const ResourceAppList>(std::move(list));
@@ -130,15 +128,14 @@ TEST(AppRows, LeadToTheirProcessesAndTheirHistory) {
         App app;
         const char *search, *key;
     } cases[]{
-        {app("A", "/menus/a.desktop",
-             {process(1, "a", "/opt/a b/run", 1), process(2, "a", "/opt/a b/run", 1)}),
+        {app("A", "/menus/a.desktop", {member(1, "a", "/opt/a b/run", 1), member(2, "a", "/opt/a b/run", 1)}),
          "/opt/a b/run", "/menus/a.desktop"},
         {app("B", "b.service",
-             {process(1, "b", "/usr/lib/b/one", 1), process(2, "two", "/usr/lib/b/helpers/two", 1)}),
+             {member(1, "b", "/usr/lib/b/one", 1), member(2, "two", "/usr/lib/b/helpers/two", 1)}),
          "/usr/lib/b/", "b.service"},
-        {app("C", "c.service", {process(1, "c", "/usr/bin/c", 1), process(2, "sh", "/usr/bin/sh", 1)}), "c",
+        {app("C", "c.service", {member(1, "c", "/usr/bin/c", 1), member(2, "sh", "/usr/bin/sh", 1)}), "c",
          "c.service"},
-        {app("d", "", {process(1, "d", "", 1)}), "d", "d"},
+        {app("d", "", {member(1, "d", "", 1)}), "d", "d"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(processSearch(c.app), c.search) << c.app.name.view();
@@ -153,7 +150,7 @@ TEST(AppRows, TheSentenceNamesTheBusiest) {
     noRates.processRates = false;
     EXPECT_EQ(appSentence(*machine(), noRates, 4), "4 applications with 5 processes");
     ResourceAppList idle;
-    idle.apps = {app("bash", "", {process(30, "bash", "/usr/bin/bash", 0)})};
+    idle.apps = {app("bash", "", {member(30, "bash", "/usr/bin/bash", 0)})};
     EXPECT_EQ(appSentence(idle, {}, 1), "1 application with 1 process; all of them rest");
 }
 

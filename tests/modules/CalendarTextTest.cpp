@@ -1,30 +1,16 @@
 #include "ui/modules/CalendarText.h"
 
-#include <cstdlib>
-#include <ctime>
-#include <gtest/gtest.h>
+#include "history/Support.h"
 
 namespace quarn {
 namespace {
 
 /// A user of Berlin, where the clock goes forward on 2026-03-29 at 1:00 UTC and back on 2026-10-25.
-class CalendarTextTest : public ::testing::Test {
-protected:
-    CalendarTextTest() { use("Europe/Berlin"); }
-    ~CalendarTextTest() override { use("UTC"); }
+struct CalendarTextTest : ::testing::Test {
+    const testing::TimeZone zone{testing::berlin};
 
-    static void use(const char* zone) {
-        ::setenv("TZ", zone, 1);
-        ::tzset();
-    }
     static int64_t at(int month, int dayOfMonth, int hour, int minute = 0) {
-        tm parts{};
-        parts.tm_year = 126;
-        parts.tm_mon = month - 1;
-        parts.tm_mday = dayOfMonth;
-        parts.tm_hour = hour;
-        parts.tm_min = minute;
-        parts.tm_isdst = -1;
+        tm parts{0, minute, hour, dayOfMonth, month - 1, 126, 0, 0, -1, 0, nullptr};
         return ::mktime(&parts);
     }
     static std::string texts(int64_t from, int64_t to, size_t most) {
@@ -66,7 +52,7 @@ TEST_F(CalendarTextTest, TicksStandAtRoundLocalTimes) {
 }
 
 TEST_F(CalendarTextTest, TicksFollowZonesOfHalfHours) {
-    use("Asia/Kolkata");
+    testing::TimeZone::set(testing::kolkata);
     EXPECT_EQ(texts(at(10, 14, 22), at(10, 15, 2), 4), "22:00|Thu 15|02:00");
 }
 

@@ -1,7 +1,5 @@
 #include "ui/modules/Facts.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 using namespace quarn;

@@ -1,9 +1,7 @@
 #include "ui/modules/HistorySeries.h"
 
-#include <cmath>
-#include <cstdlib>
-#include <ctime>
-#include <gtest/gtest.h>
+#include "history/Support.h"
+#include "support/Joined.h"
 
 namespace quarn {
 namespace {
@@ -11,11 +9,7 @@ namespace {
 constexpr int64_t oneHour = 3600, start = 1'700'006'400; // a full hour
 
 SystemPoint point(int64_t at, double seconds, double cpuSeconds) {
-    SystemPoint result{at, {}};
-    result.metrics.seconds = seconds;
-    result.metrics.cpuSeconds = cpuSeconds;
-    result.metrics.diskReadBytes = 6000;
-    return result;
+    return {at, {.seconds = seconds, .cpuSeconds = cpuSeconds, .diskReadBytes = 6000}};
 }
 
 HistoryAnswer aDay() {
@@ -28,17 +22,17 @@ HistoryAnswer aDay() {
     return answer;
 }
 
+std::string text(std::span<const double> line) { return testing::joinedEach(line, std::identity()); }
+
 TEST(HistorySeries, MeansAreOverWhatWasObserved) {
     constexpr SystemLine lines[]{SystemLine::cpu, SystemLine::diskRead, SystemLine::power};
     const auto series = systemSeries(aDay(), lines);
     ASSERT_EQ(series.periods.size(), 3u);
     EXPECT_EQ(series.periods[1], (HistorySeries::Period{start + 2 * oneHour, start + 3 * oneHour}));
     EXPECT_EQ(series.periods[2].to, start + 3 * oneHour + 1800) << "the current hour ends now";
-    EXPECT_DOUBLE_EQ(series.lines[0][0], 25);
-    EXPECT_DOUBLE_EQ(series.lines[0][1], 100) << "half an hour of it was observed";
-    EXPECT_DOUBLE_EQ(series.lines[1][1], 6000.0 / 1800);
-    for (const auto& line : series.lines) EXPECT_TRUE(std::isnan(line[2])) << "nothing was observed";
-    EXPECT_TRUE(std::isnan(series.lines[2][0])) << "power that was not known is not 0";
+    EXPECT_EQ(text(series.lines[0]), "25 100 nan ") << "half an hour was observed, then nothing";
+    EXPECT_EQ(text(series.lines[1]), "1.666666667 3.333333333 nan ");
+    EXPECT_EQ(text(series.lines[2]), "nan nan nan ") << "power that was not known is not 0";
 }
 
 TEST(HistorySeries, ManyPointsAreShownTogether) {
@@ -59,24 +53,17 @@ TEST(HistorySeries, ManyPointsAreShownTogether) {
 
 TEST(HistorySeries, AnApplicationThatDidNotRunDidNothing) {
     HistoryAnswer answer = aDay();
-    AppMetrics busy;
-    busy.seconds = 600;
-    busy.cpuSeconds = 450;
-    busy.memoryByteSeconds = 600 * 1000.0;
+    const AppMetrics busy{.name = "", .seconds = 600, .cpuSeconds = 450, .memoryByteSeconds = 600 * 1000.0};
     answer.appPoints = {{start, busy}, {start + 3 * oneHour, busy}};
     constexpr AppLine lines[]{AppLine::cpu, AppLine::memory};
     const auto series = appSeries(answer, lines);
     ASSERT_EQ(series.periods.size(), 3u) << "the second hour was not recorded";
-    EXPECT_DOUBLE_EQ(series.lines[0][0], 12.5) << "of the whole hour";
-    EXPECT_DOUBLE_EQ(series.lines[0][1], 0);
-    EXPECT_DOUBLE_EQ(series.lines[0][2], 25) << "of the half hour so far";
-    EXPECT_DOUBLE_EQ(series.lines[1][0], 1000);
-    EXPECT_TRUE(std::isnan(series.lines[1][1])) << "what did not run has no memory";
+    EXPECT_EQ(text(series.lines[0]), "12.5 0 25 ") << "of the whole hour, and of the half hour so far";
+    EXPECT_EQ(text(series.lines[1]), "1000 nan 1000 ") << "what did not run has no memory";
 }
 
 TEST(HistorySeries, DaysAreThoseOfTheCalendar) {
-    ::setenv("TZ", "Europe/Berlin", 1);
-    ::tzset();
+    const testing::TimeZone zone(testing::berlin);
     constexpr int64_t midnight = 1'792'879'200; // of 25 October 2026, a day of 25 hours
     HistoryAnswer answer = aDay();
     answer.question.span = HistorySpan::year;
@@ -95,8 +82,6 @@ TEST(HistorySeries, DaysAreThoseOfTheCalendar) {
     const auto weeks = systemSeries(answer, lines);
     ASSERT_EQ(weeks.periods.size(), 2u) << "that Sunday, then Monday and Tuesday";
     EXPECT_DOUBLE_EQ(weeks.lines[0][1], 62.5);
-    ::setenv("TZ", "UTC", 1);
-    ::tzset();
 }
 
 } // namespace

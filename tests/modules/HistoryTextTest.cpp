@@ -1,7 +1,8 @@
 #include "ui/modules/HistoryText.h"
 
+#include "support/Joined.h"
+
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace quarn {
 namespace {
@@ -32,23 +33,16 @@ TEST(HistoryText, ComparesInWords) {
 }
 
 SystemMetrics observed(double seconds, double share) {
-    SystemMetrics metrics;
-    metrics.seconds = seconds;
-    metrics.cpuSeconds = share * seconds;
-    metrics.peakCPUPercent = 97;
-    metrics.memoryByteSeconds = 4.0 * (1u << 30) * seconds;
-    metrics.diskReadBytes = static_cast<int64_t>(share * 10e9);
-    metrics.diskWriteBytes = 2'000'000'000;
-    return metrics;
+    return {.seconds = seconds,
+            .cpuSeconds = share * seconds,
+            .peakCPUPercent = 97,
+            .memoryByteSeconds = 4.0 * (1u << 30) * seconds,
+            .diskReadBytes = static_cast<int64_t>(share * 10e9),
+            .diskWriteBytes = 2'000'000'000};
 }
 
 AppTotal total(const char* key, const char* name, double cpuSeconds) {
-    AppTotal app{key, {}};
-    app.metrics.name = name;
-    app.metrics.seconds = week;
-    app.metrics.cpuSeconds = cpuSeconds;
-    app.metrics.memoryByteSeconds = week * 1e9;
-    return app;
+    return {key, {.name = name, .seconds = week, .cpuSeconds = cpuSeconds, .memoryByteSeconds = week * 1e9}};
 }
 
 HistoryAnswer lastWeek() {
@@ -65,37 +59,33 @@ HistoryAnswer lastWeek() {
 }
 
 TEST(HistoryText, TotalsOfTheMachine) {
-    const auto totals = historyTotals(lastWeek());
-    ASSERT_EQ(totals.size(), 4u) << "no power where none was known";
-    EXPECT_EQ(totals[0].figure, "20.0 %");
-    EXPECT_EQ(totals[0].meaning, "on average, 97.0 % at most");
-    EXPECT_EQ(totals[0].comparison, "2.00 times the week before");
-    EXPECT_EQ(totals[1].figure, "4.00 GiB");
-    EXPECT_EQ(totals[1].comparison, "as much as the week before");
-    EXPECT_EQ(totals[2].meaning, "2.00 GB read, 2.00 GB written");
-    EXPECT_EQ(totals[2].comparison, "33 % more than the week before");
+    const auto text = [](const HistoryAnswer& answer) {
+        return testing::joinedEach(historyTotals(answer), &HistoryTotal::figure, &HistoryTotal::meaning,
+                                   &HistoryTotal::comparison);
+    };
+    EXPECT_EQ(text(lastWeek()), "20.0 %|on average, 97.0 % at most|2.00 times the week before "
+                                "4.00 GiB|on average, 0 B at most|as much as the week before "
+                                "4.00 GB|2.00 GB read, 2.00 GB written|33 % more than the week before "
+                                "0 B|0 B received, 0 B sent| ")
+        << "no power where none was known";
 
     HistoryAnswer young = lastWeek();
     young.before = observed(3600, 0.1);
     young.total.energyJoules = 3600 * 1200.0;
     young.total.powerSeconds = 3600 * 100.0;
-    const auto withPower = historyTotals(young);
-    EXPECT_EQ(withPower.back().figure, "1.20 kWh");
-    EXPECT_EQ(withPower.back().meaning, "12.0 W on average");
-    for (const auto& each : withPower)
-        EXPECT_EQ(each.comparison, "") << "hardly anything was recorded before";
-    EXPECT_TRUE(historyTotals(HistoryAnswer()).empty());
+    EXPECT_EQ(text(young), "20.0 %|on average, 97.0 % at most| 4.00 GiB|on average, 0 B at most| "
+                           "4.00 GB|2.00 GB read, 2.00 GB written| 0 B|0 B received, 0 B sent| "
+                           "1.20 kWh|12.0 W on average| ")
+        << "hardly anything was recorded before";
+    EXPECT_EQ(text({}), "");
 }
 
 TEST(HistoryText, RanksApplicationsThatDidSomething) {
     const auto rows = appRankRows(lastWeek());
-    ASSERT_EQ(rows.size(), 2u);
-    EXPECT_EQ(rows[0].name, "Firefox");
-    EXPECT_EQ(rows[0].amount, "2 h 0 min");
-    EXPECT_EQ(rows[0].comparison, "+20 %");
-    EXPECT_EQ(rows[1].name, "make") << "from its key while no name is known";
-    EXPECT_EQ(rows[1].comparison, "new");
-    EXPECT_DOUBLE_EQ(rows[1].share, 0.5);
+    EXPECT_EQ(testing::joinedEach(rows, &AppRankRow::name, &AppRankRow::amount, &AppRankRow::comparison,
+                                  &AppRankRow::share),
+              "Firefox|2 h 0 min|+20 %|1 make|1 h 0 min|new|0.5 ")
+        << "make from its key while no name is known";
     HistoryAnswer young = lastWeek(), forgotten = lastWeek();
     young.before = {};
     EXPECT_EQ(appRankRows(young)[1].comparison, "") << "nothing is new where nothing was recorded before";

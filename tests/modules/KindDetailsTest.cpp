@@ -1,17 +1,15 @@
 #include "ui/modules/KindDetails.h"
 
+#include "monitor/Processes.h"
+
 #include <cmath>
-#include <gtest/gtest.h>
 #include <limits>
 
 namespace quarn {
 namespace {
 
 ProcInfo process(int64_t pid, const char* name, double cpu, uint64_t memory, double disk) {
-    ProcInfo result;
-    result.pid = pid;
-    result.name = name;
-    result.cpuPercent = cpu;
+    ProcInfo result = testing::processOf(pid, name, cpu);
     result.memBytes = memory;
     result.diskWriteRate = disk;
     result.ioKnown = pid != 3; // somebody else's

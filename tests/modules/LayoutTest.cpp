@@ -1,8 +1,7 @@
-// How readings are divided and laid out.
+// How readings are divided and laid out, and tables.
 #include "ui/modules/CoreLayout.h"
 #include "ui/modules/MemoryParts.h"
-
-#include <gtest/gtest.h>
+#include "ui/modules/TableLayout.h"
 
 namespace quarn {
 namespace {
@@ -39,6 +38,20 @@ TEST(MemoryParts, makeUpTheTotal) {
     EXPECT_EQ(memoryParts(mem).size(), 5U);
     mem.cached = 900; // counters read one after the other may add up to more
     EXPECT_EQ(memoryParts(mem).size(), 5U);
+}
+
+TEST(TableLayout, ComesBackFromItsText) {
+    using Visible = TableLayout::Column::Visible;
+    const TableLayout layout{
+        {{"name", 240, Visible::yes}, {"cpu", 80, Visible::no}}, "cpu", TableLayout::Direction::descending};
+    EXPECT_EQ(layout.text(), "name 240,-cpu 80;cpu desc");
+    EXPECT_EQ(TableLayout::fromText(layout.text()), layout);
+}
+
+TEST(TableLayout, LeavesOutWhatItDoesNotUnderstand) {
+    for (const char* text : {"", ";", ",,,;", "name", "name x,-,- 5, 7", "name 99999999999;", "name -5"})
+        EXPECT_EQ(TableLayout::fromText(text), TableLayout()) << text;
+    EXPECT_EQ(TableLayout::fromText("bad,name 10;pid up").text(), "name 10;pid asc");
 }
 
 } // namespace

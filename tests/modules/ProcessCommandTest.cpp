@@ -1,5 +1,6 @@
 #include "ui/modules/ProcessCommand.h"
 
+#include "monitor/Processes.h"
 #include "support/Child.h"
 
 namespace quarn {
@@ -8,10 +9,9 @@ namespace {
 using sysinfo::platform::ProcessAnswer;
 
 ProcInfo named(int64_t pid, std::string_view name) {
-    ProcInfo info;
-    info.pid = pid;
-    info.name = name;
+    ProcInfo info = testing::processOf(pid, name);
     info.user = "root";
+    info.startTimeMicros.reset();
     return info;
 }
 
@@ -19,17 +19,12 @@ TEST(ProcessCommand, NamesWhomItIsAbout) {
     const std::vector<ProcInfo> one{named(12, "fire\nfox")};
     EXPECT_EQ(commandQuestion(forceToQuit(), one),
               "Force firefox (12) to quit?\n\nWhat is not saved is lost.");
+    EXPECT_EQ(forceToQuit().confirm, ProcessCommand::Confirm::yes);
     std::vector<ProcInfo> many;
     for (int pid = 1; pid <= 10; ++pid) many.push_back(named(pid, "p"));
     const std::string question = commandQuestion(askToQuit(), many);
     EXPECT_TRUE(question.starts_with("Ask 10 processes to quit?\n\np (1)\np (2)"));
     EXPECT_TRUE(question.ends_with("p (8)\nand 2 more"));
-}
-
-TEST(ProcessCommand, OnlyEndingAsksFirst) {
-    EXPECT_EQ(forceToQuit().confirm, ProcessCommand::Confirm::yes);
-    EXPECT_EQ(forceToQuit().signal, SIGKILL);
-    EXPECT_EQ(askToQuit().signal, SIGTERM);
 }
 
 TEST(ProcessCommand, SaysWhyNothingHappened) {
@@ -52,7 +47,10 @@ TEST(ProcessCommand, ReachesTheProcessThatWasShownOrNone) {
     EXPECT_EQ(carryOut(forceToQuit(), shown, root, boot + 5), ProcessAnswer::gone);
     EXPECT_EQ(carryOut(priorities().back(), shown, root, boot), ProcessAnswer::done);
     EXPECT_EQ(sysinfo::platform::processPriority(root, child.pid()), 19);
-    EXPECT_EQ(carryOut(askToQuit(), shown, root, boot), ProcessAnswer::done);
+    EXPECT_EQ(carryOut(forceToQuit(), shown, root, boot), ProcessAnswer::done);
+    int status = 0;
+    ASSERT_EQ(::waitpid(child.pid(), &status, 0), child.pid());
+    EXPECT_EQ(WTERMSIG(status), SIGKILL);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "ui/modules/ProcessRows.h"
 
+#include "monitor/Processes.h"
+
 #include <cmath>
 #include <random>
 #include <set>
@@ -13,14 +15,10 @@ using Direction = ProcessView::Direction;
 using Pids = std::vector<int64_t>;
 
 ProcInfo process(int64_t pid, std::string_view name, double cpu = 0, int64_t ppid = 0) {
-    ProcInfo info;
-    info.pid = pid;
+    ProcInfo info = testing::processOf(pid, name, cpu);
     info.ppid = ppid;
-    info.name = name;
     info.user = "ada";
     info.uid = 1000;
-    info.accessible = true;
-    info.cpuPercent = cpu;
     info.startTimeMicros = 1'000'000 * static_cast<uint64_t>(pid);
     info.startTime = static_cast<uint64_t>(pid);
     return info;
@@ -30,12 +28,11 @@ ProcInfo process(int64_t pid, std::string_view name, double cpu = 0, int64_t ppi
 class Machine {
 public:
     void tick(std::vector<ProcInfo> processes, double seconds = 1) {
-        now_ += seconds;
-        Snapshot snapshot;
-        snapshot.processes = std::move(processes);
-        snapshot.processGeneration = ++generation_;
-        rows.take(snapshot, Known(), marks, now_);
+        latest_.processes = std::move(processes);
+        ++latest_.processGeneration;
+        takeAgain(seconds);
     }
+    void takeAgain(double seconds) { rows.take(latest_, Known(), marks, now_ += seconds); }
     Pids pids(const ProcessView& view = {}) {
         Pids pids;
         for (const ProcessRow& row : rows.rows(view)) pids.push_back(row.process->pid);
@@ -53,7 +50,7 @@ public:
 
 private:
     double now_ = 100;
-    int64_t generation_ = 0;
+    Snapshot latest_;
 };
 
 TEST(ProcessRows, OrderByEveryField) {
@@ -221,19 +218,13 @@ TEST(ProcessRows, MarksWhatChangedNotably) {
 }
 
 TEST(ProcessRows, AListThatIsTakenAgainOnlyGrowsOlder) {
-    ProcessRows rows;
-    Snapshot snapshot;
-    snapshot.processGeneration = 1;
-    snapshot.processes = {process(1, "a")};
-    rows.take(snapshot, Known(), {.keepExited = 8}, 10);
-    snapshot.processGeneration = 2;
-    snapshot.processes = {process(1, "a"), process(2, "b")};
-    rows.take(snapshot, Known(), {.keepExited = 8}, 11);
-    rows.take(snapshot, Known(), {.keepExited = 8}, 13);
-    const auto shown = rows.rows({.sortedBy = ProcessField::pid});
-    ASSERT_EQ(shown.size(), 2u);
-    EXPECT_EQ(shown[0].life, Life::fresh);
-    EXPECT_EQ(shown[0].fade, 0.5f);
+    Machine machine;
+    machine.tick({process(1, "a")});
+    machine.tick({process(1, "a"), process(2, "b")});
+    machine.takeAgain(2);
+    EXPECT_EQ(machine.pids().size(), 2u);
+    EXPECT_EQ(machine.row(2).life, Life::fresh);
+    EXPECT_EQ(machine.row(2).fade, 0.5f);
 }
 
 TEST(ProcessFields, WhatIsNotKnownIsADash) {

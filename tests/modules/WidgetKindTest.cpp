@@ -3,7 +3,6 @@
 #include "ui/settings/PrefTypes.h"
 
 #include <cmath>
-#include <gtest/gtest.h>
 #include <limits>
 
 namespace quarn {

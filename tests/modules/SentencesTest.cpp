@@ -1,10 +1,11 @@
+// The sentences at the head of the pages.
+#include "monitor/Processes.h"
+#include "monitor/ResourceAppList.h"
 #include "ui/modules/PageSentences.h"
+#include "ui/modules/StateSentence.h"
 
-#include <gtest/gtest.h>
-
+namespace quarn::testing {
 namespace {
-
-using namespace quarn;
 
 NetInterface link(const char* name, bool up, double rate) {
     NetInterface link;
@@ -86,4 +87,32 @@ TEST(PageSentences, TheMachine) {
               "Model X: 8 cores and 16.0 GiB of memory, running for 3 h 0 min");
 }
 
+TEST(StateSentence, namesWhatUsesMost) {
+    Snapshot snapshot;
+    ProcInfo hidden = processOf(9, "locked", 200);
+    hidden.accessible = false;
+    snapshot.processes = {processOf(1, "web", 30), processOf(2, "compiler", 50), processOf(3, "web", 40),
+                          hidden};
+    snapshot.cpu.perCore = {50, 25, 0, 45};
+    snapshot.cpu.total = 30;
+    EXPECT_EQ(stateSentence(snapshot, {}), "1.2 of 4 cores busy; web uses most")
+        << "all of one name together";
+    Known noRates;
+    noRates.processRates = false;
+    EXPECT_EQ(stateSentence(snapshot, noRates), "1.2 of 4 cores busy");
+
+    ResourceAppList apps;
+    apps.apps.resize(2);
+    apps.apps[1].name = "Firefox";
+    apps.apps[1].usage.cpuPercent = 70;
+    EXPECT_EQ(stateSentence(snapshot, {}, &apps), "1.2 of 4 cores busy; Firefox uses most");
+
+    snapshot.processes = {processOf(1, "web", 0.4), processOf(2, "web", 0.5)};
+    EXPECT_EQ(stateSentence(snapshot, {}), "1.2 of 4 cores busy") << "nobody worth naming";
+    snapshot.cpu.perCore = {30};
+    EXPECT_EQ(stateSentence(snapshot, {}), "The core is 30 % busy");
+    EXPECT_EQ(stateSentence(snapshot, {.cpu = false}), "");
+}
+
 } // namespace
+} // namespace quarn::testing

@@ -1,7 +1,8 @@
+// What small graphs show: their columns and their scale.
 #include "ui/modules/GraphBuckets.h"
+#include "ui/modules/SteadyTop.h"
 
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace quarn {
 namespace {
@@ -51,6 +52,30 @@ TEST(GraphBuckets, AChangedSpanHoldsFromTheNextSampleOn) {
     EXPECT_TRUE(graph.buckets().empty());
     graph.pushSample(2, 6, 10); // of 1 s
     EXPECT_EQ(graph.buckets(), Columns{2});
+}
+
+TEST(SteadyTop, growsAtOnceAndShrinksOnlyAfterTenSeconds) {
+    struct Step {
+        double now, largest, top;
+    };
+    const Step steps[] = {
+        {0, 0, 1},       // nothing yet
+        {1, 90, 100},    // at once
+        {2, 3, 100},     // low from here on
+        {11.9, 3, 100},  // not ten seconds
+        {12, 3, 5},      // ten seconds
+        {13, 0.5, 5},    // low again
+        {18, 4, 5},      // and back: the ten seconds begin anew
+        {19, 0.5, 5},    //
+        {24, 1.7, 5},    // the largest of those seconds counts, not the last
+        {29, 0.5, 2},    //
+        {30, 2000, 2000} //
+    };
+    SteadyTop top;
+    for (const auto& step : steps) EXPECT_EQ(top.follow(step.largest, step.now), step.top) << step.now;
+    top.reset();
+    EXPECT_EQ(top.follow(3, 31), 5);
+    EXPECT_EQ(top.follow(nan, 32), 5);
 }
 
 } // namespace
