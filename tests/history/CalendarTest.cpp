@@ -2,10 +2,8 @@
 
 #include "history/Support.h"
 
-namespace quarn {
+namespace quarn::testing {
 namespace {
-
-using testing::TimeZone;
 
 TEST(Calendar, DaysFollowTheClockOfTheZone) {
     struct Row {
@@ -15,11 +13,11 @@ TEST(Calendar, DaysFollowTheClockOfTheZone) {
     constexpr int64_t march30 = 1'774'821'600;   // 2026-03-30 0:00 in Berlin, the day after the change
     constexpr int64_t october25 = 1'792'879'200; // 2026-10-25 0:00 in Berlin
     const std::vector<Row> rows{
-        {testing::berlin, march30 - 1, march30 - 23 * 3600, 23},
-        {testing::berlin, march30, march30, 24},
-        {testing::berlin, october25, october25, 25},
-        {testing::berlin, october25 + 25 * 3600 - 1, october25, 25},
-        {testing::kolkata, march30, 1'774'809'000, 24},                   // 18:30 of universal time
+        {berlin, march30 - 1, march30 - 23 * 3600, 23},
+        {berlin, march30, march30, 24},
+        {berlin, october25, october25, 25},
+        {berlin, october25 + 25 * 3600 - 1, october25, 25},
+        {kolkata, march30, 1'774'809'000, 24},                            // 18:30 of universal time
         {"XXX4YYY,M3.5.0/0,M10.5.0/0", 1'774'760'400, 1'774'756'800, 23}, // a day that begins at 1:00
     };
     for (const auto& row : rows) {
@@ -32,4 +30,4 @@ TEST(Calendar, DaysFollowTheClockOfTheZone) {
 }
 
 } // namespace
-} // namespace quarn
+} // namespace quarn::testing

@@ -5,14 +5,12 @@
 #include <cmath>
 #include <limits>
 
-namespace quarn {
+namespace quarn::testing {
 namespace {
-
-using testing::fullHour;
 
 constexpr auto most = std::numeric_limits<int64_t>::max();
 
-MetricsSample sampleAt(double time) {
+MetricsSample readingAt(double time) {
     MetricsSample sample;
     sample.time = WallTime(std::chrono::milliseconds(std::llround(time * 1000)));
     sample.cpuPercent = 50;
@@ -44,28 +42,29 @@ TEST(MetricsAccumulator, IntegratesWhatLiesAtMostAMinuteApart) {
     };
     for (const auto& row : rows) {
         MetricsAccumulator accumulator;
-        accumulator.add(sampleAt(row.from));
-        accumulator.add(sampleAt(row.to));
+        accumulator.add(readingAt(row.from));
+        accumulator.add(readingAt(row.to));
         if (!row.minute) {
             EXPECT_TRUE(accumulator.drain().empty()) << row.from << " to " << row.to;
-            accumulator.add(sampleAt(row.to + 1)); // goes on from there
+            accumulator.add(readingAt(row.to + 1)); // goes on from there
             EXPECT_EQ(accumulator.drain().system.begin()->second.seconds, 1);
             continue;
         }
         const double dt = row.to - row.from;
-        const auto bucket = onlyBucket(accumulator, *row.minute);
-        EXPECT_DOUBLE_EQ(bucket.seconds, dt);
-        EXPECT_DOUBLE_EQ(bucket.cpuSeconds, dt / 2);
-        EXPECT_DOUBLE_EQ(bucket.memoryByteSeconds, dt * 1000);
-        EXPECT_DOUBLE_EQ(bucket.energyJoules, dt * 10);
-        EXPECT_DOUBLE_EQ(bucket.powerSeconds, dt);
+        EXPECT_EQ(onlyBucket(accumulator, *row.minute), (SystemMetrics{.seconds = dt,
+                                                                       .cpuSeconds = dt / 2,
+                                                                       .peakCPUPercent = 50,
+                                                                       .memoryByteSeconds = dt * 1000,
+                                                                       .peakMemoryBytes = 1000,
+                                                                       .energyJoules = dt * 10,
+                                                                       .powerSeconds = dt}));
     }
 }
 
 TEST(MetricsAccumulator, StrangeReadingsDoNoHarm) {
     MetricsAccumulator accumulator;
-    accumulator.add(sampleAt(fullHour));
-    auto sample = sampleAt(fullHour + 1);
+    accumulator.add(readingAt(fullHour));
+    auto sample = readingAt(fullHour + 1);
     sample.diskRead = 10;                                    // a disk was pulled out
     sample.diskWrite = std::numeric_limits<uint64_t>::max(); // a driver counts backwards through zero
     sample.networkIn = 5007;
@@ -73,40 +72,40 @@ TEST(MetricsAccumulator, StrangeReadingsDoNoHarm) {
     sample.cpuPercent = std::nan("");
     sample.watts = std::numeric_limits<double>::infinity();
     accumulator.add(sample);
-    sample = sampleAt(fullHour + 2);
+    sample = readingAt(fullHour + 2);
     sample.diskRead = 15;
     sample.networkIn = 5010;
     sample.watts.reset();
     accumulator.add(sample);
 
     const auto bucket = onlyBucket(accumulator, fullHour);
-    EXPECT_EQ(bucket.diskReadBytes, 5);
-    EXPECT_EQ(bucket.diskWriteBytes, most);
-    EXPECT_EQ(bucket.networkInBytes, 10);
-    EXPECT_EQ(bucket.peakMemoryBytes, most);
-    EXPECT_EQ(bucket.peakSwapBytes, most);
-    EXPECT_DOUBLE_EQ(bucket.cpuSeconds, 0.5);
-    EXPECT_EQ(bucket.seconds, 2);
-    EXPECT_EQ(bucket.powerSeconds, 0);
-    EXPECT_EQ(bucket.energyJoules, 0);
+    EXPECT_EQ(bucket, (SystemMetrics{.seconds = 2,
+                                     .cpuSeconds = 0.5,
+                                     .peakCPUPercent = 50,
+                                     .memoryByteSeconds = bucket.memoryByteSeconds,
+                                     .peakMemoryBytes = most,
+                                     .peakSwapBytes = most,
+                                     .diskReadBytes = 5,
+                                     .diskWriteBytes = most,
+                                     .networkInBytes = 10}));
 }
 
 TEST(MetricsAccumulator, GoesOnSeamlesslyAcrossWritesAndAfreshAfterSleep) {
     MetricsAccumulator accumulator;
-    accumulator.add(sampleAt(fullHour));
-    accumulator.add(sampleAt(fullHour + 1));
+    accumulator.add(readingAt(fullHour));
+    accumulator.add(readingAt(fullHour + 1));
     EXPECT_EQ(onlyBucket(accumulator, fullHour).seconds, 1);
-    accumulator.add(sampleAt(fullHour + 3));
+    accumulator.add(readingAt(fullHour + 3));
     EXPECT_EQ(onlyBucket(accumulator, fullHour).seconds, 2);
     accumulator.forgetReferences();
-    accumulator.add(sampleAt(fullHour + 30));
+    accumulator.add(readingAt(fullHour + 30));
     EXPECT_TRUE(accumulator.drain().empty());
 }
 
 TEST(MetricsAccumulator, ChargesApplicationsByTheHour) {
     MetricsAccumulator accumulator;
     const auto list = [&](double time, std::vector<AppActivity> apps) {
-        accumulator.addUnnamed(sampleAt(time).time, apps);
+        accumulator.addUnnamed(readingAt(time).time, apps);
     };
     const AppGrowth work{2'000'000'000, 1'500'000, 500'000, 2000, 3'000'000'000, true};
     list(fullHour - 10, {{"/editor", 100, {}}});
@@ -119,24 +118,25 @@ TEST(MetricsAccumulator, ChargesApplicationsByTheHour) {
 
     const auto& before = batch.apps.at(fullHour - 3600);
     const auto& editor = before.at("/editor");
-    EXPECT_EQ(editor.name, "Editor");
-    EXPECT_EQ(editor.seconds, 5);
-    EXPECT_EQ(editor.cpuSeconds, 2);
-    EXPECT_EQ(editor.memoryByteSeconds, 500);
-    EXPECT_EQ(editor.peakMemoryBytes, 100);
-    EXPECT_EQ(editor.diskReadBytes, 1'500'000);
-    EXPECT_EQ(editor.diskWriteBytes, 500'000);
     EXPECT_DOUBLE_EQ(editor.energyImpact, 200 + 0.8 + 0.6);
-    EXPECT_EQ(editor.energyJoules, 3);
-    EXPECT_EQ(editor.energySeconds, 5);
+    EXPECT_EQ(editor, (AppMetrics{.name = "Editor",
+                                  .seconds = 5,
+                                  .cpuSeconds = 2,
+                                  .memoryByteSeconds = 500,
+                                  .peakMemoryBytes = 100,
+                                  .diskReadBytes = 1'500'000,
+                                  .diskWriteBytes = 500'000,
+                                  .energyImpact = editor.energyImpact,
+                                  .energyJoules = 3,
+                                  .energySeconds = 5}));
     EXPECT_EQ(before.at("/shell").energySeconds, 0);
     EXPECT_EQ(batch.apps.at(fullHour).at("/editor").cpuSeconds, 0);
     EXPECT_EQ(batch.apps.at(fullHour).at("/editor").energySeconds, 5);
     EXPECT_EQ(accumulator.unnamedApps(), (std::set<std::string, std::less<>>{"/shell"}));
 
     list(fullHour + 101, {{"/editor", 40, {}}}); // named from the start now
-    accumulator.addUnnamed(std::vector<AppTraffic>{{"/editor", 30, 4}}, sampleAt(fullHour + 99).time,
-                           sampleAt(fullHour + 101).time);
+    accumulator.addUnnamed(std::vector<AppTraffic>{{"/editor", 30, 4}}, readingAt(fullHour + 99).time,
+                           readingAt(fullHour + 101).time);
     const auto later = accumulator.drain().apps.at(fullHour).at("/editor");
     EXPECT_EQ(later.name, "Editor");
     EXPECT_EQ(later.networkInBytes, 30);
@@ -148,7 +148,7 @@ SystemMetrics dayAt(double step) {
     MetricsAccumulator accumulator;
     SystemMetrics total;
     for (double time = 0; time <= 86'400; time += step) {
-        auto sample = sampleAt(fullHour + time);
+        auto sample = readingAt(fullHour + time);
         sample.cpuPercent = std::fmod(std::floor(time / 7) * 37, 100);
         sample.memoryUsed = 1'000'000 + static_cast<uint64_t>(std::fmod(time, 600) * 100);
         sample.watts = 20 + std::fmod(std::floor(time / 11) * 13, 30);
@@ -170,4 +170,4 @@ TEST(MetricsAccumulator, TheSamplingProfileDoesNotChangeTotals) {
 }
 
 } // namespace
-} // namespace quarn
+} // namespace quarn::testing

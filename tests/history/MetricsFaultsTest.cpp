@@ -9,20 +9,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace quarn {
+namespace quarn::testing {
 namespace {
-
-using testing::FaultVfs;
-using testing::fullHour;
-using testing::HistoryFolder;
-using testing::minuteOf;
 
 /// The minute with this number, and an application hour that grows with it.
 MetricsBatch batchOf(int64_t number) {
     MetricsBatch batch;
     batch.system[fullHour + number * 60] = minuteOf(1 + number);
     for (const char* app : {"/a", "/b", "/c"})
-        batch.apps[roundedDown(fullHour + number * 60, hourSeconds)][app] = testing::appOf(1);
+        batch.apps[roundedDown(fullHour + number * 60, hourSeconds)][app] = appOf(1);
     return batch;
 }
 
@@ -101,7 +96,7 @@ TEST(MetricsFaults, AStoreGoesOnWhenTheDiskHasRoomAgain) {
             EXPECT_FALSE(error.isBroken());
         }
         vfs.heal();
-        store.write({{}, {{fullHour, {{"/d", testing::appOf(1)}}}}});
+        store.write({{}, {{fullHour, {{"/d", appOf(1)}}}}});
     }
     EXPECT_EQ(folder.number("SELECT disk_write_bytes FROM app_1h WHERE app_id = '/d'"), 12);
     EXPECT_TRUE(folder.isSound());
@@ -150,4 +145,4 @@ TEST(MetricsFaults, AKilledRecorderLosesAtMostTheLastMinute) {
 }
 
 } // namespace
-} // namespace quarn
+} // namespace quarn::testing

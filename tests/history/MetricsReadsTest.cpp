@@ -1,20 +1,103 @@
-// Reads over random histories: no period is counted twice, and none is missed that is still kept.
+// Long made-up histories: every tier holds what was recorded as long as it should, and reads count no period
+// twice and miss none that is still kept.
 #include "history/MetricsStore.h"
 #include "history/Support.h"
-#include "support/FaultVfs.h"
 
+#include <fmt/format.h>
 #include <random>
 
-namespace quarn {
+namespace quarn::testing {
 namespace {
 
-using testing::appOf;
-using testing::day;
-using testing::minuteOf;
+constexpr int64_t newYear = 1'767'222'000; // 2026-01-01 0:00 in Berlin
+
+struct Years : ::testing::Test, LedgeredHistory {
+    /// Records six hours from `time` on, one minute in each hour, and maintains.
+    void record(int64_t time) {
+        MetricsBatch batch;
+        for (int64_t hour = time; hour < time + 6 * 3600; hour += 3600) {
+            const auto bytes = static_cast<int64_t>(random() % 1'000'000);
+            batch.system[hour + static_cast<int64_t>(random() % 60) * 60] = minuteOf(bytes);
+            batch.apps[hour]["/editor"] = appOf(bytes);
+            if (bytes % 3 == 0) batch.apps[hour]["/shell"] = appOf(bytes / 3, "Shell");
+        }
+        write(batch);
+        now = time + 6 * 3600;
+        store.maintain(wallTime(now));
+    }
+
+    /// What a table holds is what was recorded from its first row to the end of what it covers.
+    void check() {
+        auto db = folder.look();
+        const auto rolledHours = *db.integer("SELECT value FROM meta WHERE key = 'rolled_hours'");
+        const auto rolledDays = db.integer("SELECT value FROM meta WHERE key = 'rolled_days'").value_or(0);
+        const std::array<int64_t, 5> ends{now, rolledHours, rolledDays, now, rolledDays};
+        for (size_t i = 0; i < metricsTables.size(); ++i) {
+            const auto& [name, retention] = metricsTables[i];
+            const bool isApp = name.starts_with("app");
+            const auto first = db.integer(fmt::format("SELECT MIN(start) FROM {}", name));
+            if (!first) continue;
+            // The oldest row is of the period in which the retention ends, or the first one ever.
+            EXPECT_GE(*first, now - retention) << name;
+            EXPECT_LE(*first, std::max(now - retention + day + 12 * 3600, firstEver + day)) << name;
+            const auto sum =
+                db.integer(fmt::format("SELECT SUM(disk_{}_bytes) FROM {}", isApp ? "write" : "read", name));
+            const auto apps = ledger.appTotals(*first, ends[i]);
+            const int64_t expected =
+                !isApp ? ledger.total(*first, ends[i]).diskReadBytes
+                       : apps.at("/editor").diskWriteBytes + apps.at("/shell").diskWriteBytes;
+            EXPECT_EQ(sum, expected) << name << " after " << (now - newYear) / day << " days";
+        }
+    }
+
+    std::minstd_rand random{7};
+    int64_t now = newYear;
+    int64_t firstEver = newYear;
+};
+
+TEST_F(Years, EveryTierHoldsWhatWasRecorded) {
+    for (int64_t time = newYear; time < newYear + 2 * 365 * day; time += 6 * 3600) {
+        record(time);
+        if ((time - newYear) / (6 * 3600) % 300 == 299) check();
+    }
+    check();
+
+    auto db = folder.look();
+    auto& days = db.statement("SELECT start FROM system_1d ORDER BY start");
+    std::map<int64_t, int> lengths;
+    int64_t previous = 0;
+    while (days.step()) {
+        if (previous != 0) ++lengths[(days.integer(0) - previous) / 3600];
+        previous = days.integer(0);
+    }
+    EXPECT_EQ(lengths, (std::map<int64_t, int>{{23, 2}, {24, 725}, {25, 2}}));
+}
+
+TEST_F(Years, AlsoWhenTheMachineTravelsAndRests) {
+    const std::array<const char*, 4> zones{kolkata, losAngeles, berlin, "UTC0"};
+    int64_t time = newYear;
+    for (int stay = 0; stay < 24; ++stay) {
+        TimeZone::set(zones[random() % zones.size()]);
+        for (auto days = 1 + random() % 9; days > 0; --days)
+            for (int quarter = 0; quarter < 4; ++quarter, time += 6 * 3600) record(time);
+        if (stay % 3 == 0) time += static_cast<int64_t>(random() % 80) * 11 * 3600; // up to 36 days off
+        // Where a day ends within an hour, the whole hour is in it.
+        const auto rolled =
+            roundedUp(folder.number("SELECT value FROM meta WHERE key = 'rolled_days'"), hourSeconds);
+        EXPECT_EQ(folder.number("SELECT SUM(disk_read_bytes) FROM system_1d"),
+                  ledger.total(0, rolled).diskReadBytes)
+            << stay;
+        const auto first = folder.number("SELECT MIN(start) FROM app_1d");
+        EXPECT_EQ(folder.number("SELECT SUM(disk_write_bytes) FROM app_1d WHERE app_id = '/editor'"),
+                  ledger.appTotals(first, rolled).at("/editor").diskWriteBytes)
+            << stay;
+        EXPECT_EQ(store.systemTotals(newYear - 2 * day, now), ledger.total(newYear, now)) << stay;
+    }
+}
 
 constexpr int64_t march = 1'772'319'600; // 2026-03-01 0:00 in Berlin, so that summer time begins within
 
-class RandomHistory {
+class RandomHistory : public LedgeredHistory {
 public:
     explicit RandomHistory(uint32_t seed) : random_(seed) {
         const auto span = static_cast<int64_t>(1 + below(130)) * day;
@@ -30,8 +113,7 @@ public:
             if (below(200) == 0) // the clock is set back for a moment
                 batch.system[std::max(march, now - static_cast<int64_t>(below(3 * day)) / 60 * 60)] =
                     minuteOf(bytes());
-            store.write(batch);
-            ledger.note(batch);
+            write(batch);
             if (now - maintained < between) continue;
             store.maintain(wallTime(now));
             maintained = now;
@@ -41,10 +123,6 @@ public:
 
     uint64_t below(uint64_t end) { return random_() % end; }
 
-    testing::HistoryFolder folder;
-    testing::TimeZone zone{testing::berlin};
-    MetricsStore store{folder.file()};
-    testing::Ledger ledger;
     int64_t now = march;
 
 private:
@@ -59,7 +137,7 @@ auto sumOf(const Points& points) {
     return sum;
 }
 
-/// A random range that begins where the rows of every tier march that have to answer for it: at any second in
+/// A random range that begins where the rows of every tier begin that have to answer for it: at any second in
 /// the last week, at a full hour in the last month, at a day before.
 std::pair<int64_t, int64_t> randomRange(RandomHistory& history) {
     const Calendar calendar;
@@ -76,7 +154,6 @@ std::pair<int64_t, int64_t> randomRange(RandomHistory& history) {
 }
 
 TEST(MetricsReads, CountEachPeriodOnce) {
-    const testing::FaultVfs quickDisk;
     for (uint32_t seed = 1; seed <= 30; ++seed) {
         RandomHistory history(seed);
         auto& store = history.store;
@@ -94,7 +171,7 @@ TEST(MetricsReads, CountEachPeriodOnce) {
                       history.ledger.total(fromHour, toHour));
 
             const auto apps = history.ledger.appTotals(from, to);
-            ASSERT_EQ(testing::byApp(store.appTotals(from, to)), apps);
+            ASSERT_EQ(byApp(store.appTotals(from, to)), apps);
             const auto found = apps.find("/a");
             const auto app = found == apps.end() ? AppMetrics() : found->second;
             for (const auto step : {MetricsStore::AppSeriesStep::byHour, MetricsStore::AppSeriesStep::byDay})
@@ -104,10 +181,9 @@ TEST(MetricsReads, CountEachPeriodOnce) {
 }
 
 TEST(MetricsReads, AreAsFineAsTheRowsThatAreKept) {
-    const testing::FaultVfs quickDisk;
-    testing::HistoryFolder folder;
-    const testing::TimeZone zone(testing::kolkata); // days do not march at full hours of universal time
-    MetricsStore store(folder.file());
+    LedgeredHistory history;
+    auto& store = history.store;
+    TimeZone::set(kolkata); // days do not begin at full hours of universal time
     const Calendar calendar;
     const int64_t now = march + 200 * day;
     for (int64_t hour = march; hour < now; hour += 3600) {
@@ -145,4 +221,4 @@ TEST(MetricsReads, AreAsFineAsTheRowsThatAreKept) {
 }
 
 } // namespace
-} // namespace quarn
+} // namespace quarn::testing

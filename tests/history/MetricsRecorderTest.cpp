@@ -2,20 +2,17 @@
 
 #include "HelperKit/SerialQueue.h"
 #include "history/Support.h"
+#include "support/Contains.h"
 #include "support/FaultVfs.h"
 #include "support/ManualQueue.h"
 #include "ui/settings/Prefs.h"
 
 #include <fstream>
 
-namespace quarn {
+namespace quarn::testing {
 namespace {
 
 using namespace std::chrono_literals;
-using testing::FaultVfs;
-using testing::fullHour;
-using testing::HistoryFolder;
-using testing::ManualQueue;
 using State = HistoryStatus::State;
 
 /// One program: its clock, its queue and its recorder. CPU at 50 %, one application.
@@ -23,6 +20,7 @@ class Program {
 public:
     explicit Program(const HistoryFolder& folder) : file_(folder.file()) {}
 
+    /// With the first tick.
     void begin() {
         recorder.emplace(
             MetricsRecorderSetup{.queue = queue,
@@ -34,6 +32,7 @@ public:
                                  .steadySeconds = [this] { return queue.seconds(); }});
         recorder->start(prefs.saveMetricsHistory.get());
         queue.run();
+        tick();
     }
     void tick() {
         Snapshot snapshot;
@@ -51,10 +50,19 @@ public:
             tick();
         }
     }
-    void sleepThrough(std::chrono::seconds span) {
-        clock += span;
-        queue.advance(span);
+    void save(bool wanted) {
+        prefs.saveMetricsHistory.set(wanted);
+        queue.run();
     }
+    /// Why the history is not cleared.
+    std::optional<std::string> refusalToClear() {
+        std::optional<std::string> refusal;
+        recorder->clear([&](auto problem) { refusal = problem; });
+        queue.run();
+        return refusal;
+    }
+    State stateNow() const { return recorder->status().state; }
+    std::string problem() const { return recorder->status().problem; }
     /// Seconds of the machine in the last hour, as a page sees it.
     std::optional<double> hourOfHistory() {
         std::optional<double> seconds;
@@ -68,7 +76,7 @@ public:
         return seconds;
     }
 
-    testing::TempRoot home;
+    TempRoot home;
     SettingsStore settings{home.path() / "settings.toml", 0ns};
     Prefs prefs{settings};
     ManualQueue queue;
@@ -80,12 +88,14 @@ private:
     std::filesystem::path file_;
 };
 
-TEST(MetricsRecorder, WritesOnceAMinuteAndAtTheEnd) {
-    const HistoryFolder folder;
-    Program program(folder);
+struct MetricsRecorderTest : ::testing::Test {
+    HistoryFolder folder;
+    Program program{folder};
+};
+
+TEST_F(MetricsRecorderTest, WritesOnceAMinuteAndAtTheEnd) {
     program.begin();
     EXPECT_FALSE(std::filesystem::exists(folder.file())); // nothing to write yet
-    program.tick();
     program.run(60);
     EXPECT_EQ(program.hourOfHistory(), 59); // the sixtieth second came with the write
     EXPECT_EQ(program.recorder->status(), (HistoryStatus{State::recording, ""}));
@@ -113,9 +123,7 @@ TEST(MetricsRecorder, WritesOnceAMinuteAndAtTheEnd) {
     EXPECT_EQ(folder.number("SELECT SUM(seconds) FROM system_1m"), 95);
 }
 
-TEST(MetricsRecorder, FollowsThePreference) {
-    const HistoryFolder folder;
-    Program program(folder);
+TEST_F(MetricsRecorderTest, FollowsThePreference) {
     program.prefs.saveMetricsHistory.set(false);
     program.begin();
     program.run(70);
@@ -123,48 +131,38 @@ TEST(MetricsRecorder, FollowsThePreference) {
     EXPECT_EQ(program.state, MetricsRead<SystemSeriesRead>::State::off);
     EXPECT_FALSE(std::filesystem::exists(folder.file()));
 
-    program.prefs.saveMetricsHistory.set(true);
-    program.queue.run();
+    program.save(true);
     program.run(70);
     EXPECT_EQ(program.hourOfHistory(), 58);
-    program.prefs.saveMetricsHistory.set(false);
-    program.queue.run();
-    EXPECT_EQ(program.recorder->status().state, State::off);
+    program.save(false);
+    EXPECT_EQ(program.stateNow(), State::off);
     EXPECT_EQ(program.queue.timerCount(), 0u);
 }
 
-TEST(MetricsRecorder, OneRecordsWhileOthersReadAndOneOfThemTakesOver) {
-    const HistoryFolder folder;
-    Program first(folder), second(folder);
-    first.begin();
-    second.begin();
-    first.tick(), second.tick();
-    first.run(61), second.run(61);
-    EXPECT_EQ(second.recorder->status().state, State::otherRecorder);
+TEST_F(MetricsRecorderTest, OneRecordsWhileOthersReadAndOneOfThemTakesOver) {
+    Program &first = program, second(folder);
+    for (Program* each : {&first, &second}) each->begin();
+    for (Program* each : {&first, &second}) each->run(61);
+    EXPECT_EQ(second.stateNow(), State::otherRecorder);
     EXPECT_EQ(second.hourOfHistory(), first.hourOfHistory());
     EXPECT_EQ(folder.number("SELECT SUM(seconds) FROM system_1m"), 59);
-    std::optional<std::string> refusal;
-    second.recorder->clear([&](auto problem) { refusal = problem; });
-    second.queue.run();
-    EXPECT_TRUE(refusal);
+    EXPECT_TRUE(second.refusalToClear());
 
     first.run(9);
     first.recorder.reset(); // 70 seconds are written
     second.run(59);
-    EXPECT_EQ(second.recorder->status().state, State::recording);
+    EXPECT_EQ(second.stateNow(), State::recording);
     EXPECT_EQ(second.hourOfHistory(), 70); // what it gathered while the other recorded is dropped
     second.run(60);
     EXPECT_EQ(second.hourOfHistory(), 130);
 }
 
-TEST(MetricsRecorder, SleepIsNotObserved) {
-    const HistoryFolder folder;
-    Program program(folder);
+TEST_F(MetricsRecorderTest, SleepIsNotObserved) {
     program.begin();
-    program.tick();
     program.run(10);
     program.recorder->willSleep();
-    program.sleepThrough(20s);
+    program.clock += 20s;
+    program.queue.advance(20s);
     program.recorder->didWake();
     program.tick();
     program.run(10);
@@ -172,119 +170,93 @@ TEST(MetricsRecorder, SleepIsNotObserved) {
     EXPECT_EQ(program.hourOfHistory(), 20);
 }
 
-TEST(MetricsRecorder, ABrokenDatabaseIsSetAsideAndANewOneBegun) {
+TEST_F(MetricsRecorderTest, ABrokenDatabaseIsSetAsideAndANewOneBegun) {
     for (const bool whileOpen : {false, true}) {
-        HistoryFolder folder;
+        HistoryFolder broken;
         std::string garbage(40'000, 'x');
-        if (!whileOpen) folder.write("metrics.sqlite", garbage);
         if (whileOpen) { // a sound beginning, and rubbish behind it
-            { MetricsStore store(folder.file()); }
-            garbage = testing::readFile(folder.file()).substr(0, 4096) + garbage;
-            folder.write("metrics.sqlite", garbage);
+            { MetricsStore store(broken.file()); }
+            garbage = readFile(broken.file()).substr(0, 4096) + garbage;
         }
-        Program program(folder);
-        program.begin();
-        program.tick();
-        program.run(61);
-        EXPECT_EQ(program.recorder->status().state, State::recording);
-        EXPECT_NE(program.recorder->status().problem.find("set aside as"), std::string::npos);
-        EXPECT_EQ(program.hourOfHistory(), 59) << "nothing of this run may be lost";
-        const auto aside = folder.file().string() + ".broken-1";
+        broken.write("metrics.sqlite", garbage);
+        Program user(broken);
+        user.begin();
+        user.run(61);
+        EXPECT_EQ(user.stateNow(), State::recording);
+        EXPECT_TRUE(contains(user.problem(), "set aside as"));
+        EXPECT_EQ(user.hourOfHistory(), 59) << "nothing of this run may be lost";
+        const auto aside = broken.file().string() + ".broken-1";
         // All but the first page, in which SQLite counts how often it was opened.
-        EXPECT_TRUE(testing::readFile(aside).substr(4096, 30'000) == garbage.substr(4096, 30'000));
-        EXPECT_FALSE(testing::readFile(aside + ".txt").empty());
+        EXPECT_TRUE(readFile(aside).substr(4096, 30'000) == garbage.substr(4096, 30'000));
+        EXPECT_FALSE(readFile(aside + ".txt").empty());
     }
 }
 
-TEST(MetricsRecorder, TablesOfAnotherProgramAreSetAsideButANewerVersionIsLeftAlone) {
-    const HistoryFolder folder;
+TEST_F(MetricsRecorderTest, TablesOfAnotherProgramAreSetAsideButANewerVersionIsLeftAlone) {
     SQLiteConnection(folder.file().string()).execute("CREATE TABLE system_1m (x); PRAGMA user_version = 4");
-    {
-        Program program(folder);
-        program.begin();
-        program.tick();
-        program.run(61);
-        EXPECT_EQ(program.hourOfHistory(), 59);
-    }
-    SQLiteConnection(folder.file().string()).execute("PRAGMA user_version = 5");
-    Program program(folder);
     program.begin();
-    program.run(125);
+    program.run(61);
+    EXPECT_EQ(program.hourOfHistory(), 59);
+    program.recorder.reset();
+    SQLiteConnection(folder.file().string()).execute("PRAGMA user_version = 5");
+    Program later(folder);
+    later.begin();
+    later.run(125);
     EXPECT_EQ(
-        program.recorder->status(),
+        later.recorder->status(),
         (HistoryStatus{State::failed, "metrics history schema 5 is newer than this version of the app (4)"}));
-    EXPECT_FALSE(program.hourOfHistory());
-    EXPECT_EQ(program.state, MetricsRead<SystemSeriesRead>::State::failed);
+    EXPECT_FALSE(later.hourOfHistory());
+    EXPECT_EQ(later.state, MetricsRead<SystemSeriesRead>::State::failed);
     EXPECT_FALSE(std::filesystem::exists(folder.file().string() + ".broken-2"));
 }
 
-TEST(MetricsRecorder, LivesWhereItCannotWriteAndTriesAgainWhenAsked) {
-    const HistoryFolder folder;
-    Program program(folder);
+TEST_F(MetricsRecorderTest, LivesWhereItCannotWriteAndTriesAgainWhenAsked) {
     std::filesystem::remove(folder.path());
     std::ofstream(folder.path()) << "a file in the place of the folder";
     program.begin();
-    program.tick();
     program.run(130);
-    EXPECT_EQ(program.recorder->status().state, State::failed);
+    EXPECT_EQ(program.stateNow(), State::failed);
     EXPECT_FALSE(program.hourOfHistory());
-    std::optional<std::string> refusal;
-    program.recorder->clear([&](auto problem) { refusal = problem; });
-    program.queue.run();
-    EXPECT_TRUE(refusal);
+    EXPECT_TRUE(program.refusalToClear());
 
     std::filesystem::remove(folder.path());
-    for (const bool on : {false, true}) {
-        program.prefs.saveMetricsHistory.set(on);
-        program.queue.run();
-    }
+    for (const bool on : {false, true}) program.save(on);
     program.tick();
     program.run(61);
-    EXPECT_EQ(program.recorder->status().state, State::recording);
+    EXPECT_EQ(program.stateNow(), State::recording);
 }
 
-TEST(MetricsRecorder, AFullDiskCostsOnlyTheMinutesItIsFull) {
+TEST_F(MetricsRecorderTest, AFullDiskAndALockedDatabaseCostOnlyTheirMinutes) {
     FaultVfs vfs;
-    const HistoryFolder folder;
-    Program program(folder);
+    std::optional<SQLiteConnection> other;
+    const struct {
+        const char* problem;
+        std::function<void()> begin, end;
+    } troubles[]{
+        {"full", [&] { vfs.failAfter(0, FaultVfs::Fault::diskFull); }, [&] { vfs.heal(); }},
+        {"locked", [&] { other.emplace(folder.file().string()).execute("BEGIN IMMEDIATE"); },
+         [&] { other.reset(); }},
+    };
     program.begin();
-    program.tick();
     program.run(60);
-    vfs.failAfter(0, FaultVfs::Fault::diskFull);
-    program.run(60);
-    EXPECT_EQ(program.recorder->status().state, State::recording);
-    EXPECT_NE(program.recorder->status().problem.find("full"), std::string::npos);
-    vfs.heal();
-    program.run(60);
-    EXPECT_EQ(program.recorder->status().problem, "");
-    EXPECT_EQ(program.hourOfHistory(), 59 + 60);
+    double recorded = 59;
+    for (const auto& trouble : troubles) {
+        trouble.begin();
+        program.run(60);
+        EXPECT_EQ(program.stateNow(), State::recording);
+        EXPECT_TRUE(contains(program.problem(), trouble.problem));
+        EXPECT_EQ(program.hourOfHistory(), recorded) << "reading goes on";
+        trouble.end();
+        program.run(60);
+        EXPECT_EQ(program.problem(), "");
+        EXPECT_EQ(program.hourOfHistory(), recorded += 60);
+    }
     program.recorder.reset();
     EXPECT_TRUE(folder.isSound());
 }
 
-TEST(MetricsRecorder, ALockedDatabaseCostsOnlyTheMinutesItIsLocked) {
-    const HistoryFolder folder;
-    Program program(folder);
+TEST_F(MetricsRecorderTest, AClockSetYearsAheadForAWhileCostsNothing) {
     program.begin();
-    program.tick();
-    program.run(60);
-    {
-        SQLiteConnection other(folder.file().string());
-        other.execute("BEGIN IMMEDIATE");
-        program.run(60);
-        EXPECT_NE(program.recorder->status().problem.find("locked"), std::string::npos);
-        EXPECT_EQ(program.hourOfHistory(), 59); // reading goes on
-    }
-    program.run(60);
-    EXPECT_EQ(program.recorder->status().problem, "");
-    EXPECT_EQ(program.hourOfHistory(), 59 + 60);
-}
-
-TEST(MetricsRecorder, AClockSetYearsAheadForAWhileCostsNothing) {
-    const HistoryFolder folder;
-    Program program(folder);
-    program.begin();
-    program.tick();
     program.run(120);
     const auto before = program.clock;
     program.clock += 24h * 3650;
@@ -297,7 +269,6 @@ TEST(MetricsRecorder, AClockSetYearsAheadForAWhileCostsNothing) {
 }
 
 TEST(ClockTrust, DoubtsALeapForADay) {
-    constexpr int64_t day = 86'400;
     struct Step {
         int64_t date;
         double steady;
@@ -323,14 +294,10 @@ TEST(ClockTrust, DoubtsALeapForADay) {
     }
 }
 
-TEST(MetricsRecorder, WorksAcrossThreads) {
-    const HistoryFolder folder;
-    const testing::TempRoot home;
-    SettingsStore settings(home.path() / "settings.toml");
-    Prefs prefs(settings);
+TEST_F(MetricsRecorderTest, WorksAcrossThreads) {
     SerialQueue queue("com.kelmora.quarn.metrics");
     MetricsRecorder recorder(
-        {.queue = queue, .prefs = prefs, .file = folder.file(), .nameOf = [](const std::string& app) {
+        {.queue = queue, .prefs = program.prefs, .file = folder.file(), .nameOf = [](const std::string& app) {
              return app;
          }});
     recorder.start(true);
@@ -350,4 +317,4 @@ TEST(MetricsRecorder, WorksAcrossThreads) {
 }
 
 } // namespace
-} // namespace quarn
+} // namespace quarn::testing

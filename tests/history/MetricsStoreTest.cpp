@@ -4,15 +4,8 @@
 
 #include <fmt/format.h>
 
-namespace quarn {
+namespace quarn::testing {
 namespace {
-
-using testing::appOf;
-using testing::day;
-using testing::failureOf;
-using testing::HistoryFolder;
-using testing::minuteOf;
-using testing::readFile;
 
 constexpr int64_t midnight = 1'790'000'000 - 1'790'000'000 % day; // a midnight of universal time
 
@@ -25,7 +18,7 @@ TEST(MetricsStore, MergesPartsOfAPeriod) {
     auto sum = minuteOf(100);
     mergeInto(sum, minuteOf(7));
     EXPECT_EQ(store.systemTotals(midnight, midnight + 1), sum);
-    const auto apps = testing::byApp(store.appTotals(midnight, midnight + 1));
+    const auto apps = byApp(store.appTotals(midnight, midnight + 1));
     EXPECT_EQ(apps.at("/a").name, "Editor");
     EXPECT_EQ(apps.at("/a").diskWriteBytes, 107);
     EXPECT_EQ(apps.at("/a").peakMemoryBytes, 100);
@@ -84,22 +77,22 @@ TEST(MetricsStore, BringsEveryOlderVersionUpToDate) {
         {
             SQLiteConnection old(folder.file().string());
             old.execute(schemaOfVersion(version));
-            for (const char* table : {"app_1h", "app_1d"})
-                old.execute(fmt::format(
-                    "INSERT INTO {0} (start, app_id, name, seconds, cpu_seconds, mem_byte_seconds, "
-                    "peak_mem_bytes, "
-                    "disk_read_bytes, disk_write_bytes, energy_impact) VALUES ({1}, '/a', 'Editor', 60, 1, "
-                    "2, 3, 4, 5, "
-                    "6), ({1}, '/b', 'Shell', 70, 1, 2, 3, 4, 5, 6);{2}",
-                    table, midnight,
-                    version == 3 ? fmt::format("UPDATE {} SET energy_joules = 9 WHERE app_id = '/b'", table)
-                                 : ""));
+            for (const char* table : {"app_1h", "app_1d"}) {
+                for (const char* app : {"'/a', 'Editor', 60", "'/b', 'Shell', 70"})
+                    old.execute(
+                        fmt::format("INSERT INTO {} (start, app_id, name, seconds, cpu_seconds, "
+                                    "mem_byte_seconds, peak_mem_bytes, disk_read_bytes, "
+                                    "disk_write_bytes, energy_impact) VALUES ({}, {}, 1, 2, 3, 4, 5, 6)",
+                                    table, midnight, app));
+                if (version == 3)
+                    old.execute(fmt::format("UPDATE {} SET energy_joules = 9 WHERE app_id = '/b'", table));
+            }
         }
         EXPECT_THROW(MetricsStore(folder.file(), MetricsStore::Access::reading), SQLiteError);
         MetricsStore store(folder.file());
         EXPECT_EQ(folder.number("PRAGMA user_version"), 4);
         store.write({{}, {{midnight, {{"/a", appOf(1)}}}}});
-        const auto apps = testing::byApp(store.appTotals(midnight, midnight + 1));
+        const auto apps = byApp(store.appTotals(midnight, midnight + 1));
         EXPECT_EQ(apps.at("/a").diskWriteBytes, 6);
         EXPECT_EQ(apps.at("/a").energySeconds, 0);
         EXPECT_EQ(apps.at("/b").energySeconds, version == 3 ? 70 : 0) << version;
@@ -149,15 +142,11 @@ TEST(MetricsStore, AnEmptyDatabaseRollsNothingAndAClearedOneBeginsAnew) {
 }
 
 TEST(MetricsStore, WhatArrivesLateIsInEveryTier) {
-    const HistoryFolder folder;
-    const testing::TimeZone zone(testing::berlin);
-    MetricsStore store(folder.file());
-    testing::Ledger ledger;
+    LedgeredHistory history;
+    auto& [disk, folder, zone, store, ledger] = history;
     const auto write = [&](int64_t time, int64_t bytes) {
-        const MetricsBatch batch{{{time, minuteOf(bytes)}},
-                                 {{roundedDown(time, hourSeconds), {{"/a", appOf(bytes)}}}}};
-        store.write(batch);
-        ledger.note(batch);
+        history.write(
+            {{{time, minuteOf(bytes)}}, {{roundedDown(time, hourSeconds), {{"/a", appOf(bytes)}}}}});
     };
     for (int hour = 0; hour < 96; ++hour) write(midnight + hour * 3600, 1 + hour);
     store.maintain(wallTime(midnight + 4 * day));
@@ -168,26 +157,21 @@ TEST(MetricsStore, WhatArrivesLateIsInEveryTier) {
                   ledger.total(0, midnight + 5 * day));
         store.maintain(wallTime(midnight + late + 3600));
         store.maintain(wallTime(midnight + 6 * day));
-        for (const char* table : {"system_1h", "system_1d"})
-            EXPECT_EQ(folder.number(fmt::format("SELECT SUM(disk_read_bytes) FROM {}", table)),
-                      ledger.total(0, midnight + 5 * day).diskReadBytes)
-                << table << " " << late;
-        for (const char* table : {"app_1h", "app_1d"})
-            EXPECT_EQ(folder.number(fmt::format("SELECT SUM(disk_write_bytes) FROM {}", table)),
-                      ledger.appTotals(0, midnight + 5 * day)["/a"].diskWriteBytes)
-                << table << " " << late;
+        for (const char* tier : {"1h", "1d"}) {
+            SCOPED_TRACE(fmt::format("{} {}", tier, late));
+            EXPECT_EQ(folder.number(fmt::format("SELECT SUM(disk_read_bytes) FROM system_{}", tier)),
+                      ledger.total(0, midnight + 5 * day).diskReadBytes);
+            EXPECT_EQ(folder.number(fmt::format("SELECT SUM(disk_write_bytes) FROM app_{}", tier)),
+                      ledger.appTotals(0, midnight + 5 * day)["/a"].diskWriteBytes);
+        }
     }
 }
 
 TEST(MetricsReads, RanksByEachMeasure) {
-    std::vector<AppTotal> apps(3);
-    apps[0] = {"/a", appOf(5)};
-    apps[1] = {"/b", appOf(9)};
-    apps[2] = {"/c", appOf(9)};
-    apps[0].metrics.cpuSeconds = apps[0].metrics.networkInBytes = 1;
-    apps[1].metrics.energyImpact = 1;
-    apps[1].metrics.seconds = 10, apps[1].metrics.memoryByteSeconds = 100;
-    apps[2].metrics.seconds = 100, apps[2].metrics.memoryByteSeconds = 500;
+    const std::vector<AppTotal> apps{
+        {"/a", {.name = "", .seconds = 1, .cpuSeconds = 1, .diskWriteBytes = 5, .networkInBytes = 1}},
+        {"/b", {.name = "", .seconds = 10, .memoryByteSeconds = 100, .diskWriteBytes = 9, .energyImpact = 1}},
+        {"/c", {.name = "", .seconds = 100, .memoryByteSeconds = 500, .diskWriteBytes = 9}}};
     const std::map<AppHistoryMetric, std::string> first{{AppHistoryMetric::cpu, "/a"},
                                                         {AppHistoryMetric::memory, "/b"},
                                                         {AppHistoryMetric::disk, "/b"}, // before its equal
@@ -202,4 +186,4 @@ TEST(MetricsReads, RanksByEachMeasure) {
 }
 
 } // namespace
-} // namespace quarn
+} // namespace quarn::testing

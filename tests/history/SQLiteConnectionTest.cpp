@@ -2,13 +2,11 @@
 
 #include "history/Support.h"
 
-namespace quarn {
+namespace quarn::testing {
 namespace {
 
-using testing::failureOf;
-
 TEST(SQLiteConnection, SaysWhatFailed) {
-    const testing::TempRoot folder;
+    const TempRoot folder;
     const auto path = [&](const char* name) { return (folder.path() / name).string(); };
     SQLiteConnection db(path("db"));
     db.execute("CREATE TABLE t (a INTEGER PRIMARY KEY)");
@@ -29,7 +27,7 @@ TEST(SQLiteConnection, SaysWhatFailed) {
 }
 
 TEST(SQLiteConnection, KeepsStatementsWithoutWhatWasBound) {
-    const testing::TempRoot folder;
+    const TempRoot folder;
     SQLiteConnection db((folder.path() / "db").string());
     constexpr auto sql = "SELECT ?1, ?2, ?3, ?4";
     auto& first = db.statement(sql);
@@ -48,7 +46,7 @@ TEST(SQLiteConnection, KeepsStatementsWithoutWhatWasBound) {
 }
 
 TEST(SQLiteConnection, AFailedTransactionLeavesNothing) {
-    const testing::TempRoot folder;
+    const TempRoot folder;
     SQLiteConnection db((folder.path() / "db").string());
     db.execute("CREATE TABLE t (a)");
     EXPECT_THROW(db.transaction([&] {
@@ -61,4 +59,4 @@ TEST(SQLiteConnection, AFailedTransactionLeavesNothing) {
 }
 
 } // namespace
-} // namespace quarn
+} // namespace quarn::testing

@@ -3,6 +3,7 @@
 #include "history/HistoryTime.h"
 #include "history/MetricsColumns.h"
 #include "history/MetricsStore.h"
+#include "support/FaultVfs.h"
 #include "support/TempRoot.h"
 
 #include <stdlib.h>
@@ -30,9 +31,7 @@ struct HistoryFolder : TempRoot {
     SQLiteConnection look() const {
         return SQLiteConnection(file().string(), SQLiteConnection::Access::reading);
     }
-    int64_t number(std::string_view sql) const {
-        return SQLiteConnection(file().string(), SQLiteConnection::Access::reading).integer(sql).value_or(-1);
-    }
+    int64_t number(std::string_view sql) const { return look().integer(sql).value_or(-1); }
     bool isSound() const {
         SQLiteConnection db(file().string());
         auto& check = db.statement("PRAGMA integrity_check");
@@ -58,22 +57,15 @@ inline constexpr const char* losAngeles = "PST8PDT,M3.2.0,M11.1.0";
 /// A minute in which `bytes` were read; its other figures follow from that. All of them are whole, so that
 /// sums are exact.
 inline SystemMetrics minuteOf(int64_t bytes) {
-    SystemMetrics minute;
-    minute.seconds = 60;
-    minute.cpuSeconds = static_cast<double>(bytes % 61);
-    minute.peakCPUPercent = static_cast<double>(bytes % 101);
-    minute.peakMemoryBytes = bytes % 1009;
-    minute.diskReadBytes = bytes;
-    return minute;
+    return {.seconds = 60,
+            .cpuSeconds = static_cast<double>(bytes % 61),
+            .peakCPUPercent = static_cast<double>(bytes % 101),
+            .peakMemoryBytes = bytes % 1009,
+            .diskReadBytes = bytes};
 }
 
 inline AppMetrics appOf(int64_t bytes, std::string name = "Editor") {
-    AppMetrics app;
-    app.name = std::move(name);
-    app.seconds = 60;
-    app.peakMemoryBytes = bytes % 1009;
-    app.diskWriteBytes = bytes;
-    return app;
+    return {.name = std::move(name), .seconds = 60, .peakMemoryBytes = bytes % 1009, .diskWriteBytes = bytes};
 }
 
 /// All that was ever recorded, kept plainly: what every total is compared with.
@@ -98,6 +90,20 @@ struct Ledger {
             for (const auto& [app, metrics] : hour->second) mergeInto(sums[app], metrics);
         return sums;
     }
+};
+
+/// A database in Berlin on a quick disk, and a ledger of what it was given.
+struct LedgeredHistory {
+    void write(const MetricsBatch& batch) {
+        store.write(batch);
+        ledger.note(batch);
+    }
+
+    FaultVfs quickDisk;
+    HistoryFolder folder;
+    TimeZone zone{berlin};
+    MetricsStore store{folder.file()};
+    Ledger ledger;
 };
 
 inline std::map<std::string, AppMetrics> byApp(const std::vector<AppTotal>& totals) {
