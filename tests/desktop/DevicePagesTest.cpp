@@ -1,29 +1,25 @@
-// The pages of devices: what they show of a machine, of one without devices, and of captured ones.
+// The pages of devices: what they show of a machine, of one that tells nothing, and of very many cores.
 #include "desktop/WindowFixture.h"
+#include "desktop/widgets/CoreBars.h"
+#include "desktop/widgets/FactTable.h"
+#include "desktop/widgets/RangePicker.h"
 #include "desktop/widgets/SensorModel.h"
 #include "desktop/widgets/TableView.h"
 
-#include <QApplication>
 #include <QClipboard>
-#include <QLabel>
+#include <QHelpEvent>
 #include <QPushButton>
-#include <QStackedWidget>
-#include <QTest>
-#include <gtest/gtest.h>
+#include <QToolTip>
 
 namespace quarn::testing {
 namespace {
 
-class DevicePages : public ::testing::Test {
-protected:
-    QWidget& open(const char* page, const Snapshot& shown) {
-        auto& window = fixture.window();
-        window.resize(900, 600);
-        window.show();
-        window.open(page);
-        window.refresh(shown, SampleMachine::known());
+struct DevicePages : ::testing::Test {
+    desktop::Page& open(const char* page, const Snapshot& shown,
+                        const Known& known = SampleMachine::known()) {
+        fixture.open(page).refresh(shown, known);
         QApplication::processEvents();
-        return *window.findChild<QStackedWidget*>()->currentWidget();
+        return fixture.page();
     }
     /// All texts of labels on a page, a line each.
     static QString texts(QWidget& page) {
@@ -33,9 +29,7 @@ protected:
         return lines.join('\n');
     }
     static QAbstractItemModel& table(QWidget& page, const char* name) {
-        for (auto* view : page.findChildren<desktop::TableView*>())
-            if (view->accessibleName() == name) return *view->model();
-        throw std::runtime_error(name);
+        return *named<desktop::TableView>(page, name).model();
     }
 
     WindowFixture fixture{SampleMachine{}.history(60)};
@@ -106,6 +100,48 @@ TEST_F(DevicePages, TheSystemPageIsCopiedWhole) {
     const QString copied = QApplication::clipboard()->text();
     for (const char* line : {"Machine\n", "\nProcessor\n", "  Kernel: ", "  Running for: 3 d 4 h"})
         EXPECT_TRUE(copied.contains(line)) << line << "\n" << copied.toStdString();
+}
+
+TEST_F(DevicePages, EveryUnknownFigureSaysWhy) {
+    Snapshot nothing;
+    nothing.gpu = {
+        .device = -1, .renderer = -1, .tiler = -1, .memUsed = 0, .memAlloc = 1}; // there, but silent
+    Known known;
+    known.rates = known.processRates = known.cpu = known.memory = known.memoryParts = known.uptime = false;
+    for (const char* id : {"cpu", "memory", "gpu"}) {
+        QWidget& page = open(id, nothing, known);
+        size_t unknown = 0;
+        for (const auto* table : page.findChildren<desktop::FactTable*>()) {
+            for (const auto* label : table->findChildren<QLabel*>()) {
+                EXPECT_FALSE(label->text() == "0" || label->text().startsWith("0 "))
+                    << id << ": a zero that lies";
+                if (label->text() != "—") continue;
+                ++unknown;
+                EXPECT_GT(label->toolTip().size(), 3) << id;
+            }
+        }
+        EXPECT_GT(unknown, 5U) << id;
+    }
+}
+
+TEST_F(DevicePages, EachOfManyCoresTellsItsFigures) {
+    auto* bars = open("cpu", SampleMachine{.cores = 512}.at(5)).findChild<desktop::CoreBars*>();
+    const QPoint last(bars->width() - 3, 3); // of the first row
+    QHelpEvent hover(QEvent::ToolTip, last, bars->mapToGlobal(last));
+    QApplication::sendEvent(bars, &hover);
+    EXPECT_TRUE(QToolTip::text().startsWith("Core 47: ")) << QToolTip::text().toStdString();
+    QToolTip::hideText();
+}
+
+TEST_F(DevicePages, TheRangeIsStoredAndFollowed) {
+    auto& stored = Prefs::shared().historyRange;
+    auto* picker = open("cpu", snapshot).findChild<desktop::RangePicker*>();
+    Q_EMIT picker->activated(2);
+    EXPECT_EQ(stored.get(), HistoryRange::thirtyMinutes);
+    stored.set(HistoryRange::fiveMinutes);
+    EXPECT_EQ(picker->follow(), 300);
+    EXPECT_EQ(picker->currentText(), "5 minutes");
+    stored.reset();
 }
 
 TEST(SensorModel, SortingKeepsThePartsInTheirOrder) {

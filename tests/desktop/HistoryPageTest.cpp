@@ -1,5 +1,4 @@
 // The page of the history over databases of every kind.
-#include "desktop/SampleHistory.h"
 #include "desktop/WindowFixture.h"
 #include "desktop/history/AppRanking.h"
 #include "desktop/history/HistoryAsker.h"
@@ -14,25 +13,18 @@
 #include "support/ManualQueue.h"
 #include "support/TempRoot.h"
 
-#include <QLabel>
-#include <QMessageBox>
 #include <QPushButton>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace quarn::testing {
 namespace {
 
 using namespace desktop;
 
-class HistoryPage : public ::testing::Test {
-protected:
+struct HistoryPage : ::testing::Test {
     void open() {
         fixture_ = std::make_unique<WindowFixture>(LiveHistory(), root_.root(), file());
         fixture_->records().metrics().start(Prefs::shared().saveMetricsHistory.get());
-        window().resize(1280, 1400);
-        window().show();
-        window().open("history");
+        fixture_->open("history", {1280, 1400});
         fixture_->show(SampleMachine{}.at(30));
     }
     ~HistoryPage() override {
@@ -49,14 +41,14 @@ protected:
             return false;
         });
     }
-    SegmentedChoice& choice(const QString& name) {
-        for (auto* each : window().findChildren<SegmentedChoice*>())
-            if (each->accessibleName() == name && each->isVisible()) return *each;
-        throw std::runtime_error("no choice " + name.toStdString());
+    void choose(const QString& name, auto value) {
+        auto& choice = named<SegmentedChoice>(window(), name);
+        choice.setCurrent(static_cast<int>(value));
+        Q_EMIT choice.chosen(static_cast<int>(value));
     }
-    void choose(const QString& name, int index) {
-        choice(name).setCurrent(index);
-        Q_EMIT choice(name).chosen(index);
+    void awaitState(HistoryStatus::State state) {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return fixture_->records().metrics().status().state == state; }));
+        fixture_->show(SampleMachine{}.at(31));
     }
     QStringList ranked() {
         QStringList names;
@@ -77,15 +69,15 @@ TEST_F(HistoryPage, ShowsWhatWasRecordedAndFollowsTheChoices) {
     EXPECT_EQ(ranked().value(0), "cc1plus");
     ASSERT_TRUE(says("of one core in the last day")) << "the first is chosen by itself";
 
-    choose("How far back", static_cast<int>(HistorySpan::week));
+    choose("How far back", HistorySpan::week);
     EXPECT_EQ(Prefs::shared().topAppsRange.get(), TopAppsRange::week);
     ASSERT_TRUE(says("of one core in the last week"));
-    choose("What applications are ranked by", static_cast<int>(AppHistoryMetric::memory));
+    choose("What applications are ranked by", AppHistoryMetric::memory);
     ASSERT_TRUE(says("GiB on average in the last week"));
     EXPECT_EQ(ranked().value(0), "Firefox ESR");
-    choose("What applications are ranked by", static_cast<int>(AppHistoryMetric::cpu));
+    choose("What applications are ranked by", AppHistoryMetric::cpu);
 
-    choose("How far back", static_cast<int>(HistorySpan::year));
+    choose("How far back", HistorySpan::year);
     EXPECT_EQ(Prefs::shared().topAppsRange.get(), TopAppsRange::week) << "it has no year";
     ASSERT_TRUE(says("of the last year"));
     window().open("history", "kernel");
@@ -101,9 +93,7 @@ TEST_F(HistoryPage, SaysWhyThereIsNothing) {
     open();
     EXPECT_TRUE(says("History begins now; come back in an hour"));
     Prefs::shared().saveMetricsHistory.set(false);
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return fixture_->records().metrics().status().state == HistoryStatus::State::off; }));
-    fixture_->show(SampleMachine{}.at(31));
+    awaitState(HistoryStatus::State::off);
     EXPECT_TRUE(says("Turn it on below"));
 
     fixture_.reset();
@@ -111,9 +101,7 @@ TEST_F(HistoryPage, SaysWhyThereIsNothing) {
     std::filesystem::remove_all(file());
     std::filesystem::create_directory(file());
     open();
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return fixture_->records().metrics().status().state == HistoryStatus::State::failed; }));
-    fixture_->show(SampleMachine{}.at(31));
+    awaitState(HistoryStatus::State::failed);
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return window().findChild<Notice*>()->sentence().contains("unable to open"); }));
     EXPECT_TRUE(says("The history cannot be used"));
@@ -127,17 +115,15 @@ TEST_F(HistoryPage, ClearsOnlyWhenThatIsConfirmed) {
     for (auto* button : window().findChild<HistoryKeeping*>()->findChildren<QPushButton*>())
         if (button->text().startsWith("Clear")) clear = button;
     ASSERT_NE(clear, nullptr);
-    for (const auto answer : {QMessageBox::RejectRole, QMessageBox::AcceptRole}) {
+    for (const auto role : {QMessageBox::RejectRole, QMessageBox::AcceptRole}) {
         QTest::mouseClick(clear, Qt::LeftButton);
         auto* question = window().findChild<QMessageBox*>();
         ASSERT_NE(question, nullptr);
         EXPECT_EQ(question->defaultButton(), question->button(QMessageBox::Cancel));
-        for (auto* button : question->buttons())
-            if (question->buttonRole(button) == answer) QTest::mouseClick(button, Qt::LeftButton);
+        answer(*question, role);
         ASSERT_TRUE(QTest::qWaitFor([&] { return !window().findChild<QMessageBox*>(); }));
-        EXPECT_EQ(MetricsStore(file(), MetricsStore::Access::reading).newestRecord().has_value() ||
-                      answer == QMessageBox::AcceptRole,
-                  true);
+        EXPECT_TRUE(MetricsStore(file(), MetricsStore::Access::reading).newestRecord() ||
+                    role == QMessageBox::AcceptRole);
     }
     EXPECT_TRUE(says("History begins now"));
 }

@@ -5,20 +5,13 @@
 #include "desktop/widgets/Figure.h"
 #include "desktop/widgets/RowButton.h"
 #include "desktop/widgets/Tile.h"
-#include "ui/settings/Prefs.h"
-
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace quarn::testing {
 namespace {
 
-class Overview : public ::testing::Test {
-protected:
+struct Overview : ::testing::Test {
     Overview() {
-        window.resize(1200, 800);
-        window.show();
-        window.open("overview");
+        fixture.open("overview", {1200, 800});
         Snapshot snapshot = SampleMachine{}.at(30);
         snapshot.mem.pressureLevel = 4;
         fixture.show(snapshot);

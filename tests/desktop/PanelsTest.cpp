@@ -11,15 +11,13 @@
 #include <QScreen>
 #include <QTest>
 #include <QToolButton>
-#include <gtest/gtest.h>
 
 namespace quarn::testing {
 namespace {
 
 using namespace desktop;
 
-class Panels : public ::testing::Test {
-protected:
+struct Panels : ::testing::Test {
     ~Panels() override {
         for (auto* setting : prefs_.settings()) setting->reset();
         for (const WidgetKind kind : allWidgetKinds) UiState::setFrame(key(kind), {});
@@ -145,16 +143,14 @@ TEST_F(Panels, AValueFlashesWhenItChangesAndTheSettingAllowsIt) {
     EXPECT_FALSE(flashed(false));
 }
 
-struct Screens {
-    const char* what;
-    QRect frame;
-    QList<QRect> screens;
-    QPoint place;
-};
-
 TEST(Placement, WindowsStayVisible) {
     const QRect left(0, 0, 1000, 800), right(1000, 0, 1000, 800), low(0, 30, 1000, 770);
-    const std::vector<Screens> cases{
+    const struct {
+        const char* what;
+        QRect frame;
+        QList<QRect> screens;
+        QPoint place;
+    } cases[]{
         {"inside", {10, 20, 100, 50}, {left}, {10, 20}},
         {"on the second", {1500, 20, 100, 50}, {left, right}, {1500, 20}},
         {"across two", {960, 20, 100, 50}, {left, right}, {1000, 20}},
@@ -173,12 +169,7 @@ TEST(Placement, PopoversStandBesideTheirItem) {
     EXPECT_EQ(besideAnchor(size, {500, 0, 20, 20}, screen), QPoint(359, 24));          // panel at the top
     EXPECT_EQ(besideAnchor(size, {500, 780, 20, 20}, screen), QPoint(359, 576));       // at the bottom
     EXPECT_EQ(besideAnchor(size, {990, 0, 10, 20}, screen).x(), 700) << "not cut off"; // in the corner
-}
-
-TEST(Placement, AFullScreenStillHasAPlace) {
-    const QRect screen(0, 0, 400, 300);
-    const QRect place = cascadePlace({200, 130}, screen, {screen});
-    EXPECT_TRUE(screen.contains(place));
+    EXPECT_TRUE(screen.contains(cascadePlace(size, screen, {screen}))) << "a full screen still has a place";
 }
 
 } // namespace

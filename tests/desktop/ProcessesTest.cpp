@@ -1,4 +1,5 @@
 // The page of processes under churn, and what it can be told by keyboard.
+#include "monitor/Processes.h"
 #include "desktop/WindowFixture.h"
 #include "desktop/processes/ProcessDetails.h"
 #include "desktop/processes/ProcessModel.h"
@@ -6,13 +7,9 @@
 #include "support/Child.h"
 
 #include <QAbstractItemModelTester>
-#include <QApplication>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTest>
 #include <QToolButton>
-#include <gtest/gtest.h>
 #include <random>
 #include <set>
 #include <sys/wait.h>
@@ -49,12 +46,8 @@ public:
 
 private:
     ProcInfo fresh(int64_t pid) {
-        ProcInfo info;
-        info.pid = pid;
+        ProcInfo info = processOf(pid, "p" + std::to_string(pid % 97));
         info.ppid = pid > 4 ? static_cast<int64_t>(random_() % static_cast<size_t>(pid - 1)) : 0;
-        info.name = "p" + std::to_string(pid % 97);
-        info.user = "ada";
-        info.accessible = true;
         info.memBytes = random_() % 1'000'000'000;
         info.startTimeMicros = 1 + static_cast<uint64_t>(pid);
         return info;
@@ -103,22 +96,15 @@ TEST(ProcessModel, StaysRightUnderChurn) {
     }
 }
 
-class ProcessesPage : public ::testing::Test {
-protected:
+struct ProcessesPage : ::testing::Test {
     void SetUp() override {
-        window_.resize(1200, 800);
-        window_.show();
-        window_.open("processes");
+        fixture_.open("processes", {1200, 800});
         show(SampleMachine{}.at(3));
         QApplication::setActiveWindow(&window_);
         view().setFocus();
     }
     void show(const Snapshot& snapshot) { window_.refresh(snapshot, SampleMachine::known()); }
-    TableView& view() {
-        for (auto* view : window_.findChildren<TableView*>())
-            if (view->accessibleName() == "Processes") return *view;
-        throw std::runtime_error("no processes");
-    }
+    TableView& view() { return named<TableView>(window_, "Processes"); }
     ProcessDetails& details() { return *window_.findChild<ProcessDetails*>(); }
     QString nameAt(int row) { return view().model()->index(row, 0).data().toString(); }
 
@@ -155,8 +141,7 @@ TEST_F(ProcessesPage, BranchesThatWereClosedStayClosed) {
     ASSERT_TRUE(view().isExpanded(parent));
     view().collapse(parent);
     const QPersistentModelIndex held = parent;
-    Snapshot next = SampleMachine{}.at(4);
-    show(next);
+    show(SampleMachine{}.at(4));
     EXPECT_FALSE(view().isExpanded(held));
     for (auto* button : window_.findChildren<QToolButton*>())
         if (button->text() == "Tree") button->setChecked(false);
@@ -164,9 +149,7 @@ TEST_F(ProcessesPage, BranchesThatWereClosedStayClosed) {
 
 TEST_F(ProcessesPage, DeleteAsksAndThenEndsTheProcess) {
     Child child;
-    ProcInfo info;
-    info.pid = child.pid();
-    info.name = "child of the test";
+    ProcInfo info = processOf(child.pid(), "child of the test");
     info.startTimeMicros = sysinfo::platform::processStartMicros(sysinfo::SystemRoot::host(), child.pid());
     Snapshot snapshot = SampleMachine{}.at(3);
     snapshot.processes = {info};
@@ -180,9 +163,7 @@ TEST_F(ProcessesPage, DeleteAsksAndThenEndsTheProcess) {
     EXPECT_TRUE(question->text().contains("child of the test"));
     EXPECT_EQ(question->defaultButton(), question->button(QMessageBox::Cancel))
         << "Return must not end anything";
-    for (auto* button : question->buttons())
-        if (question->buttonRole(button) == QMessageBox::AcceptRole)
-            QTest::mouseClick(button, Qt::LeftButton);
+    answer(*question, QMessageBox::AcceptRole);
     int status = 0;
     EXPECT_EQ(::waitpid(child.pid(), &status, 0), child.pid());
     EXPECT_EQ(WTERMSIG(status), SIGTERM);

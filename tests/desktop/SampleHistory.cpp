@@ -1,4 +1,4 @@
-#include "desktop/SampleHistory.h"
+#include "desktop/SampleMachine.h"
 
 #include "history/HistoryTime.h"
 #include "history/MetricsStore.h"
@@ -54,35 +54,35 @@ double load(int64_t time) {
 SystemMetrics machine(int64_t time, double seconds) {
     const double busy = load(time) * (0.7 + 0.6 * noise(time / minuteSeconds));
     const double burst = noise(time / (10 * minuteSeconds) + 7) > 0.8 ? busy : 0;
-    SystemMetrics m;
-    m.seconds = m.powerSeconds = seconds;
-    m.cpuSeconds = seconds * std::min(1.0, 0.5 * busy + 0.4 * burst);
-    m.peakCPUPercent = std::min(100.0, 100 * (0.9 * busy + 0.5 * burst));
-    m.memoryByteSeconds = seconds * gib * (4 + 5 * busy);
-    m.peakMemoryBytes = static_cast<int64_t>(gib * (4.3 + 6 * busy));
-    m.diskReadBytes = static_cast<int64_t>(seconds * 900e3 * busy * (1 + 9 * burst));
-    m.diskWriteBytes = static_cast<int64_t>(seconds * 500e3 * busy * (1 + 4 * burst));
-    m.networkInBytes = static_cast<int64_t>(seconds * 350e3 * busy * (0.4 + 3 * burst));
-    m.networkOutBytes = static_cast<int64_t>(seconds * 60e3 * busy);
-    m.energyJoules = seconds * (6 + 20 * busy);
-    return m;
+    const double bytes = seconds * busy;
+    return {.seconds = seconds,
+            .cpuSeconds = seconds * std::min(1.0, 0.5 * busy + 0.4 * burst),
+            .peakCPUPercent = std::min(100.0, 100 * (0.9 * busy + 0.5 * burst)),
+            .memoryByteSeconds = seconds * gib * (4 + 5 * busy),
+            .peakMemoryBytes = static_cast<int64_t>(gib * (4.3 + 6 * busy)),
+            .diskReadBytes = static_cast<int64_t>(bytes * 900e3 * (1 + 9 * burst)),
+            .diskWriteBytes = static_cast<int64_t>(bytes * 500e3 * (1 + 4 * burst)),
+            .networkInBytes = static_cast<int64_t>(bytes * 350e3 * (0.4 + 3 * burst)),
+            .networkOutBytes = static_cast<int64_t>(bytes * 60e3),
+            .energyJoules = seconds * (6 + 20 * busy),
+            .powerSeconds = seconds};
 }
 
 AppMetrics use(const Program& program, int64_t hour, double seconds) {
     const double share = seconds / static_cast<double>(hourSeconds) * load(hour) *
                          (0.5 + noise(hour / hourSeconds + static_cast<int64_t>(program.cpu)));
-    AppMetrics m;
-    m.name = program.name;
-    m.seconds = seconds;
-    m.cpuSeconds = program.cpu * share;
-    m.memoryByteSeconds = m.seconds * program.memory * gib * (0.8 + 0.3 * share);
-    m.peakMemoryBytes = static_cast<int64_t>(program.memory * gib * 1.3);
-    m.diskReadBytes = static_cast<int64_t>(0.7 * program.disk * 1e6 * share);
-    m.diskWriteBytes = static_cast<int64_t>(0.3 * program.disk * 1e6 * share);
-    m.networkInBytes = static_cast<int64_t>(0.9 * program.network * 1e6 * share);
-    m.networkOutBytes = static_cast<int64_t>(0.1 * program.network * 1e6 * share);
-    m.energyImpact = m.cpuSeconds * 1.2;
-    return m;
+    const double disk = program.disk * 1e6 * share, network = program.network * 1e6 * share;
+    const double cpuSeconds = program.cpu * share;
+    return {.name = program.name,
+            .seconds = seconds,
+            .cpuSeconds = cpuSeconds,
+            .memoryByteSeconds = seconds * program.memory * gib * (0.8 + 0.3 * share),
+            .peakMemoryBytes = static_cast<int64_t>(program.memory * gib * 1.3),
+            .diskReadBytes = static_cast<int64_t>(0.7 * disk),
+            .diskWriteBytes = static_cast<int64_t>(0.3 * disk),
+            .energyImpact = cpuSeconds * 1.2,
+            .networkInBytes = static_cast<int64_t>(0.9 * network),
+            .networkOutBytes = static_cast<int64_t>(0.1 * network)};
 }
 
 } // namespace

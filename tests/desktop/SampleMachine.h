@@ -4,6 +4,8 @@
 #include "ui/modules/Known.h"
 #include "ui/modules/LiveHistory.h"
 
+#include <filesystem>
+
 namespace quarn::testing {
 
 class TempRoot;
@@ -23,5 +25,9 @@ struct SampleMachine {
     /// Writes the files that name its sensors and tell of its sockets.
     static void capture(TempRoot& root);
 };
+
+/// Writes the history of two years of a made-up laptop into a new database: office days with builds, idle
+/// nights, switched off at times, with more to do of late. A pure function of `now`, rounded to the hour.
+void writeSampleHistory(const std::filesystem::path& file, WallTime now);
 
 } // namespace quarn::testing

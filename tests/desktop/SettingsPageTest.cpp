@@ -1,32 +1,21 @@
 // The settings page over a settings file: what an editor writes, restores and cannot write.
-#include "desktop/SampleMachine.h"
 #include "desktop/WindowFixture.h"
-#include "desktop/pages/Pages.h"
 #include "desktop/settings/SettingLine.h"
 #include "desktop/widgets/Notice.h"
-#include "history/History.h"
 #include "settings/Support.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QSlider>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace quarn::testing {
 namespace {
 
-struct NoNavigator final : desktop::Navigator {
-    void open(const QString&, const QString&) override {}
-};
-
-class SettingsPage : public ::testing::Test {
-protected:
+struct SettingsPage : ::testing::Test {
     template <class Control>
     Control& control(const char* key) {
         auto* found = page->findChild<QWidget*>(key)->findChild<Control*>();
@@ -43,26 +32,9 @@ protected:
     SettingsFolder folder;
     WatchfulStore store{folder};
     Prefs prefs{store};
-    SerialQueue queue{"test.sampler"}, aux{"test.aux"};
-    desktop::QtExecutor main;
-    NoHelper helper;
-    TempRoot root;
-    Monitor monitor{{.queue = queue,
-                     .aux = aux,
-                     .main = main,
-                     .prefs = prefs,
-                     .helper = helper,
-                     .root = sysinfo::SystemRoot(root.path())}};
-    LiveHistory history;
-    NoNavigator navigator;
-    History records{{.monitor = monitor,
-                     .prefs = prefs,
-                     .main = main,
-                     .file = folder.path() / "metrics.sqlite",
-                     .liveFile = {}}};
-    desktop::PageContext context{monitor,           prefs,          history,  records.apps(),
-                                 records.metrics(), records.live(), navigator};
-    std::unique_ptr<desktop::Page> page{desktop::makeSettingsPage(context)};
+    WindowFixture fixture{LiveHistory(), sysinfo::SystemRoot(folder.path()), folder.path() / "metrics.sqlite",
+                          prefs};
+    desktop::Page* page = (fixture.open("settings"), &fixture.page());
 };
 
 TEST_F(SettingsPage, EveryEditorWritesWhatItShows) {
@@ -151,8 +123,7 @@ TEST_F(SettingsPage, TheSidebarKeepsAPage) {
 }
 
 TEST_F(SettingsPage, SaysThatThereIsNoTray) {
-    page->show(); // in no desktop at all
-    int notes = 0;
+    int notes = 0; // in no desktop at all
     for (auto* label : page->findChildren<QLabel*>())
         notes += label->isVisible() && label->text().contains("has no tray");
     EXPECT_EQ(notes, 1);

@@ -10,15 +10,13 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QSystemTrayIcon>
-#include <gtest/gtest.h>
 
 namespace quarn::testing {
 namespace {
 
 using namespace desktop;
 
-class StatusItems : public ::testing::Test {
-protected:
+struct StatusItems : ::testing::Test {
     ~StatusItems() override {
         for (auto* setting : prefs_.settings()) setting->reset();
     }

@@ -8,7 +8,6 @@
 #include <QHeaderView>
 #include <QSignalSpy>
 #include <QTest>
-#include <gtest/gtest.h>
 #include <map>
 #include <random>
 

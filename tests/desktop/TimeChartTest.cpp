@@ -5,13 +5,11 @@
 #include <QImage>
 #include <QTest>
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace quarn::desktop {
 namespace {
 
-class TimeChartTest : public ::testing::Test {
-protected:
+struct TimeChartTest : ::testing::Test {
     TimeChartTest() {
         chart.resize(300, 200);
         chart.show();

@@ -2,10 +2,15 @@
 
 #include "desktop/Theme.h"
 
-#include <QApplication>
+#include <QPushButton>
 #include <QTemporaryDir>
 
 namespace quarn::testing {
+
+void answer(QMessageBox& question, QMessageBox::ButtonRole role) {
+    for (auto* button : question.buttons())
+        if (question.buttonRole(button) == role) QTest::mouseClick(button, Qt::LeftButton);
+}
 
 int withApplication(int argc, char** argv, const std::function<int()>& run) {
     QTemporaryDir settings;

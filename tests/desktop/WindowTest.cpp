@@ -3,23 +3,14 @@
 #include "desktop/Sidebar.h"
 #include "desktop/WindowFixture.h"
 #include "desktop/widgets/PageSearch.h"
-#include "ui/settings/Prefs.h"
 
-#include <QApplication>
 #include <QImage>
-#include <QTest>
 #include <algorithm>
-#include <gtest/gtest.h>
 
 namespace quarn::testing {
 namespace {
 
-struct Machine {
-    const char* name;
-    Snapshot snapshot;
-};
-
-std::vector<Machine> machines() {
+std::vector<std::pair<const char*, Snapshot>> machines() {
     Snapshot noSensors = SampleMachine{}.at(30);
     noSensors.temps = noSensors.fanKeys = noSensors.voltageKeys = SharedList<Sensor>();
     noSensors.battery.reset();
@@ -34,15 +25,13 @@ std::vector<Machine> machines() {
 
 TEST(Window, EveryPageShowsEveryMachine) {
     WindowFixture fixture(SampleMachine{}.history(60));
-    auto& window = fixture.window();
-    window.resize(900, 600);
-    window.show();
-    for (const auto& machine : machines()) {
-        window.refresh(machine.snapshot, SampleMachine::known());
+    auto& window = fixture.open("overview");
+    for (const auto& [name, snapshot] : machines()) {
+        window.refresh(snapshot, SampleMachine::known());
         for (const auto& page : desktop::pageTable()) {
-            SCOPED_TRACE(std::string(machine.name) + ", " + page.id);
+            SCOPED_TRACE(std::string(name) + ", " + page.id);
             window.open(page.id);
-            window.refresh(machine.snapshot, SampleMachine::known());
+            window.refresh(snapshot, SampleMachine::known());
             QApplication::processEvents();
             EXPECT_EQ(window.currentPage(), page.id);
             EXPECT_FALSE(window.grab().isNull());
@@ -116,9 +105,7 @@ TEST(SearchField, FindsWhatIsMeant) {
     EXPECT_EQ(first("no such thing"), "");
     EXPECT_EQ(first(" "), "");
     const auto many = desktop::SearchField::hits("s", &apps, snapshot.processes);
-    EXPECT_EQ(
-        std::count_if(many.begin(), many.end(), [](const auto& hit) { return hit.page == "settings"; }) > 0,
-        true)
+    EXPECT_TRUE(std::any_of(many.begin(), many.end(), [](const auto& hit) { return hit.page == "settings"; }))
         << "many processes leave room for settings";
 }
 
