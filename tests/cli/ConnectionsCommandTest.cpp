@@ -17,8 +17,7 @@ std::string line(const char* local, const char* remote, const char* state, int i
            std::to_string(inode) + "\n";
 }
 
-class ConnectionsCommand : public ::testing::Test {
-protected:
+struct ConnectionsCommand : ::testing::Test {
     ConnectionsCommand() {
         const char* none = "00000000:0000";
         const char* loopback6 = "00000000000000000000000001000000:0277";

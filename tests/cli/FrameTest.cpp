@@ -1,5 +1,5 @@
 #include "cli/view/Frame.h"
-#include "cli/SampleSnapshot.h"
+#include "desktop/SampleMachine.h"
 #include "support/Contains.h"
 
 #include <algorithm>
@@ -8,7 +8,7 @@ namespace quarn::cli {
 namespace {
 
 using testing::contains;
-using testing::sampleSnapshot;
+using testing::SampleMachine;
 
 FrameOptions optionsFor(const Snapshot& snapshot) {
     FrameOptions options;
@@ -17,15 +17,12 @@ FrameOptions optionsFor(const Snapshot& snapshot) {
     return options;
 }
 
-std::vector<std::string> rowsOf(const Snapshot& snapshot, Size size, const FrameOptions& options) {
-    const Canvas canvas = frame(snapshot, size, options);
+std::vector<std::string> rowsOf(const Snapshot& snapshot, Size size,
+                                const std::optional<FrameOptions>& options = {}) {
+    const Canvas canvas = frame(snapshot, size, options.value_or(optionsFor(snapshot)));
     std::vector<std::string> rows;
     for (int row = 0; row < size.rows; ++row) rows.push_back(canvas.rowText(row));
     return rows;
-}
-
-std::vector<std::string> rowsOf(const Snapshot& snapshot, Size size) {
-    return rowsOf(snapshot, size, optionsFor(snapshot));
 }
 
 size_t rowWith(const std::vector<std::string>& rows, std::string_view part) {
@@ -62,7 +59,7 @@ TEST(Frame, FillsAnyTerminalWhateverTheMachineAndItsProcessesAreCalled) {
                                               "\u200B\u200B",
                                               "\u009B31m"};
     for (const size_t cores : {0, 1, 2, 8, 64, 1000, 5000}) {
-        Snapshot snapshot = sampleSnapshot(cores, 30);
+        Snapshot snapshot = SampleMachine{.cores = cores, .processes = 30}.at(30);
         std::vector<ProcInfo> processes(snapshot.processes.begin(), snapshot.processes.end());
         for (size_t i = 0; i < processes.size(); ++i) processes[i].name = names[i % names.size()];
         snapshot.processes = std::move(processes);
@@ -82,42 +79,47 @@ TEST(Frame, FillsAnyTerminalWhateverTheMachineAndItsProcessesAreCalled) {
 }
 
 TEST(Frame, AStandardTerminalShowsMetersCoresAndProcesses) {
-    const auto rows = rowsOf(sampleSnapshot(), {80, 24});
-    EXPECT_TRUE(rows[0].starts_with(" workshop  1.9 of 8 cores busy; systemd uses most")) << rows[0];
+    Snapshot snapshot = SampleMachine{}.at(30);
+    snapshot.gpu = {-1, -1, -1, 0, 0};
+    const auto rows = rowsOf(snapshot, {80, 24});
+    EXPECT_TRUE(rows[0].starts_with(" workshop  3.0 of 8 cores busy; cc1plus uses most")) << rows[0];
     EXPECT_TRUE(contains(rows[0], "up 3 d 4 h"));
-    EXPECT_TRUE(contains(rows[rowWith(rows, "CPU ")], "23.4 %  load 0.52 0.41 0.30"));
-    EXPECT_TRUE(contains(rows[rowWith(rows, "Memory")], "37.5 %  3.00 of 8.00 GiB   2.00 GiB cached"));
-    EXPECT_TRUE(contains(rows[rowWith(rows, "Swap")], "512 MiB of 2.00 GiB"));
-    EXPECT_TRUE(contains(rows[rowWith(rows, "Network")], "in 1.20 MB/s   out 34.0 kB/s"));
-    EXPECT_TRUE(contains(rows[rowWith(rows, "Disk  ")], "read 1.20 MB/s"));
-    EXPECT_TRUE(contains(rows[rowWith(rows, " 7 ━")], " 15")); // the last core
+    const std::pair<const char*, const char*> meters[]{
+        {"CPU ", "37.5 %  load 2.31 1.84 1.40"},
+        {"Memory", "40.0 %  6.41 of 16.0 GiB   6.00 GiB cached"},
+        {"Swap", "420 MiB of 4.00 GiB"},
+        {"Network", "in 1.70 MB/s   out  144 kB/s"},
+        {"Disk  ", "read  177 kB/s   write 2.28 MB/s"},
+        {" 7 ━", " 37"},                       // the last core
+        {"  postgres ", "168 MiB          —"}, // disk use of someone else's process
+        {"PID  Name", "▼CPU %"},
+    };
+    for (const auto& [row, part] : meters) EXPECT_TRUE(contains(rows[rowWith(rows, row)], part));
     const size_t head = rowWith(rows, "PID  Name");
-    EXPECT_TRUE(contains(rows[head], "▼CPU %"));
     EXPECT_GE(rows.size() - head - 2, 10u); // processes
-    EXPECT_TRUE(contains(rows[head + 1], "1148  sshd"));
-    EXPECT_TRUE(contains(rows[head + 1], "—")) << "disk use of someone else's process";
+    EXPECT_TRUE(contains(rows[head + 1], " 337  cc1plus"));
     EXPECT_TRUE(contains(rows.back(), "q quit"));
     EXPECT_EQ(rowWith(rows, "GPU"), rows.size()) << "there is none";
 }
 
 TEST(Frame, ASmallTerminalKeepsWhatMattersMost) {
-    const auto rows = rowsOf(sampleSnapshot(), {40, 10});
-    EXPECT_LT(rowWith(rows, "23.4 %"), rows.size());
+    const auto rows = rowsOf(SampleMachine{}.at(30), {40, 10});
     EXPECT_LT(rowWith(rows, "37.5 %"), rows.size());
+    EXPECT_LT(rowWith(rows, "40.0 %"), rows.size());
     EXPECT_GE(rows.size() - rowWith(rows, "CPU %"), 6u);
 
-    const auto tiny = rowsOf(sampleSnapshot(), {12, 2});
+    const auto tiny = rowsOf(SampleMachine{}.at(30), {12, 2});
     EXPECT_TRUE(contains(tiny[0], "CPU")) << tiny[0];
 }
 
 TEST(Frame, ALargeTerminalUsesItsWidth) {
-    const Snapshot snapshot = sampleSnapshot(64);
+    const Snapshot snapshot = SampleMachine{.cores = 64}.at(30);
     Trends trends;
     FrameOptions options = optionsFor(snapshot);
     trends.add(snapshot, options.known);
     options.trends = &trends;
     const auto rows = rowsOf(snapshot, {200, 60}, options);
-    EXPECT_TRUE(contains(rows[rowWith(rows, "CPU ")], "peak 23.4 %"));
+    EXPECT_TRUE(contains(rows[rowWith(rows, "CPU ")], "peak 42.2 %"));
     EXPECT_TRUE(contains(rows[rowWith(rows, "Memory")], "Network"));
     const std::string& head = rows[rowWith(rows, "PID  Name")];
     for (const auto* title : {"Threads", "State", "Path"}) EXPECT_TRUE(contains(head, title)) << title;
@@ -125,24 +127,24 @@ TEST(Frame, ALargeTerminalUsesItsWidth) {
 }
 
 TEST(Frame, AThousandCpusLeaveRoomForTheRest) {
-    const auto rows = rowsOf(sampleSnapshot(1000), {80, 24});
-    EXPECT_TRUE(contains(rows[0], "234 of 1000 cores busy"));
+    const auto rows = rowsOf(SampleMachine{.cores = 1000}.at(30), {80, 24});
+    EXPECT_TRUE(contains(rows[0], "427 of 1000 cores busy"));
     EXPECT_LT(rowWith(rows, "one block for 3 cores"), rows.size());
     const size_t head = rowWith(rows, "PID  Name");
     EXPECT_GE(rows.size() - head - 2, 6u);
     // 204 CPUs to a row: their number stands before each.
-    for (const auto* first : {"   0 ▃", " 204 ▅", " 816 ▄"}) EXPECT_LT(rowWith(rows, first), head) << first;
+    for (const auto* first : {"   0 ▄", " 204 ▄", " 816 ▄"}) EXPECT_LT(rowWith(rows, first), head) << first;
 }
 
 TEST(Frame, UnknownIsNotZero) {
-    Snapshot snapshot = sampleSnapshot();
+    Snapshot snapshot = SampleMachine{}.at(30);
     snapshot.generation = snapshot.processGeneration = 1;
     const auto first = rowsOf(snapshot, {80, 24});
     EXPECT_TRUE(contains(first[rowWith(first, "CPU ")], " —  load"));
     EXPECT_TRUE(contains(first[rowWith(first, "Network")], "in         —"));
     EXPECT_FALSE(contains(first[0], "busy"));
     const std::string& process = first[rowWith(first, "PID  Name") + 1];
-    EXPECT_EQ(process, "       1  systemd              ada             —  4.00 MiB          —        0s");
+    EXPECT_EQ(process, "     337  cc1plus              ada             —   460 MiB          —   59m 54s");
 
     snapshot.mem = {};
     snapshot.processes = {};

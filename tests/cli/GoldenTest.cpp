@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 namespace quarn::testing {

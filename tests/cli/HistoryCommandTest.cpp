@@ -14,24 +14,22 @@ using quarn::testing::fullHour;
 constexpr int64_t now = fullHour + 1800; // 15:30 in UTC
 
 /// Two hours of a machine that was off for a while in between.
-class Recorded {
-public:
+struct Recorded {
     Recorded() {
         MetricsBatch batch;
-        for (int64_t minute = -120; minute < 30; ++minute) {
-            if (minute > -75 && minute < -15) continue;
-            SystemMetrics& metrics = batch.system[fullHour + minute * 60];
-            metrics = {.seconds = 60, .cpuSeconds = 15, .peakCPUPercent = minute == 3 ? 97.0 : 30.0};
-            metrics.memoryByteSeconds = 60.0 * (3LL << 30);
-            metrics.peakMemoryBytes = 4LL << 30;
-            metrics.diskReadBytes = 60'000'000;
-        }
-        for (int64_t hour : {-2, -1, 0}) {
-            auto& apps = batch.apps[fullHour + hour * 3600];
-            apps["/usr/share/applications/web.desktop"] = {.name = "Web", .seconds = 1800, .cpuSeconds = 200};
-            apps["/opt/Mail.app"] = {.name = "Mail", .seconds = 1800, .cpuSeconds = 50};
-            apps["cc"] = {.name = "cc", .seconds = 10, .cpuSeconds = 100};
-        }
+        for (int64_t minute = -120; minute < 30; ++minute)
+            if (minute <= -75 || minute >= -15)
+                batch.system[fullHour + minute * 60] = {.seconds = 60,
+                                                        .cpuSeconds = 15,
+                                                        .peakCPUPercent = minute == 3 ? 97.0 : 30.0,
+                                                        .memoryByteSeconds = 60.0 * (3LL << 30),
+                                                        .peakMemoryBytes = 4LL << 30,
+                                                        .diskReadBytes = 60'000'000};
+        for (int64_t hour : {-2, -1, 0})
+            batch.apps[fullHour + hour * 3600] = {
+                {"/usr/share/applications/web.desktop", {.name = "Web", .seconds = 1800, .cpuSeconds = 200}},
+                {"/opt/Mail.app", {.name = "Mail", .seconds = 1800, .cpuSeconds = 50}},
+                {"cc", {.name = "cc", .seconds = 10, .cpuSeconds = 100}}};
         store.write(batch);
     }
     HistoryAnswer ask(HistoryQuestion question) {
@@ -39,12 +37,9 @@ public:
         return readHistory(store, question, wallTime(now));
     }
 
-private:
-    quarn::testing::TimeZone zone_{"UTC0"};
-    quarn::testing::HistoryFolder folder_;
-
-public:
-    MetricsStore store{folder_.file()};
+    quarn::testing::TimeZone zone{"UTC0"};
+    quarn::testing::HistoryFolder folder;
+    MetricsStore store{folder.file()};
 };
 
 /// What `write` prints, parsed.

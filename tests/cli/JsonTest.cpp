@@ -1,5 +1,5 @@
 #include "cli/Json.h"
-#include "cli/SampleSnapshot.h"
+#include "desktop/SampleMachine.h"
 
 #include <cmath>
 #include <nlohmann/json.hpp>
@@ -8,7 +8,7 @@ namespace quarn::cli {
 namespace {
 
 using Parsed = nlohmann::ordered_json;
-using testing::sampleSnapshot;
+using testing::SampleMachine;
 
 template <class T>
 Parsed reparsed(const T& value, const Known& known = {}) {
@@ -33,15 +33,18 @@ std::string nullsIn(const Parsed& object) {
 }
 
 TEST(Json, SnapshotCarriesItsFigures) {
-    const Parsed document = reparsed(sampleSnapshot());
+    Snapshot snapshot = SampleMachine{}.at(30);
+    snapshot.timestamp += std::chrono::milliseconds(250);
+    snapshot.thermalState = ThermalState::fair;
+    const Parsed document = reparsed(snapshot);
     EXPECT_EQ(document["cpu"]["perCore"].size(), 8u);
-    EXPECT_EQ(document["processes"].size(), 40u);
-    EXPECT_EQ(document["processes"][2]["name"], "postgres");
-    EXPECT_EQ(document["processes"][2]["diskReadRate"], 2468);
-    EXPECT_EQ(document["mem"]["swapUsed"], 1u << 29);
-    EXPECT_EQ(document["timestamp"], 1700000000.25);
+    EXPECT_EQ(document["processes"].size(), 180u);
+    EXPECT_EQ(document["processes"][2]["name"], "Web Content");
+    EXPECT_NEAR(document["processes"][2]["diskReadRate"], snapshot.processes[2].diskReadRate, 1e-6);
+    EXPECT_EQ(document["mem"]["swapUsed"], 420u << 20);
+    EXPECT_EQ(document["timestamp"], 1700300030.25);
     EXPECT_EQ(document["thermalState"], "elevated");
-    EXPECT_EQ(document["loadAvg"], (Parsed{0.52, 0.41, 0.3}));
+    EXPECT_EQ(document["loadAvg"], (Parsed{2.31, 1.84, 1.4}));
 }
 
 TEST(Json, WhatAProcessHidesIsNull) {
@@ -53,7 +56,7 @@ TEST(Json, WhatAProcessHidesIsNull) {
         "user state path cpuPercent memBytes threads cpuTimeNs startTime startTimeMicros diskRead diskWrite "
         "diskReadRate diskWriteRate contextSwitches cswRate energyNj watts ");
     // Measured, but its disk use belongs to someone else.
-    EXPECT_EQ(nullsIn(reparsed(sampleSnapshot().processes[1])),
+    EXPECT_EQ(nullsIn(reparsed(SampleMachine{}.at(30).processes[3])),
               "diskRead diskWrite diskReadRate diskWriteRate energyNj watts ");
 }
 
@@ -64,13 +67,13 @@ void expectNulls(const Parsed& document, std::initializer_list<const char*> poin
 }
 
 TEST(Json, RatesOfAFirstSampleAreNull) {
-    Snapshot snapshot = sampleSnapshot();
+    Snapshot snapshot = SampleMachine{}.at(30);
     snapshot.generation = snapshot.processGeneration = 1;
     const Parsed document = reparsed(snapshot, knownIn(snapshot, sysinfo::SystemRoot::host()));
     expectNulls(document, {"/cpu/total", "/cpu/perCore", "/net/rxRate", "/disk/readRate",
                            "/processes/0/cpuPercent", "/rates/faults"});
-    EXPECT_EQ(document["net"]["rxBytes"], 1000000);
-    EXPECT_EQ(document["mem"]["used"], 3ull << 30);
+    EXPECT_EQ(document["net"]["rxBytes"], 74'210'000'000);
+    EXPECT_EQ(document["mem"]["used"], snapshot.mem.used);
 }
 
 TEST(Json, WhatACapturedMachineLacksIsNull) {
@@ -85,7 +88,7 @@ TEST(Json, WhatACapturedMachineLacksIsNull) {
 }
 
 TEST(Json, ACaptureThatStandsStillHasNoRates) {
-    Snapshot snapshot = sampleSnapshot();
+    Snapshot snapshot = SampleMachine{}.at(30);
     const sysinfo::SystemRoot captured("/somewhere");
     EXPECT_TRUE(knownIn(snapshot, captured).rates) << "a live machine mounted elsewhere";
     snapshot.cpu.total = 0;
@@ -95,7 +98,8 @@ TEST(Json, ACaptureThatStandsStillHasNoRates) {
 }
 
 TEST(Json, CountersThatThePlatformDoesNotKeepAreNull) {
-    const Snapshot snapshot = sampleSnapshot();
+    Snapshot snapshot = SampleMachine{}.at(30);
+    snapshot.mem.pageSize = 0;
     Known known = knownIn(snapshot, sysinfo::SystemRoot::host());
     known.capabilities = {};
     EXPECT_EQ(nullsIn(reparsed(snapshot.mem, known)), "pageSize speculative cowFaults lookups hits ");

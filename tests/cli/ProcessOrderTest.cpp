@@ -1,14 +1,14 @@
 #include "cli/ProcessColumns.h"
 
+#include "monitor/Processes.h"
+#include "support/Joined.h"
+
 namespace quarn::cli {
 namespace {
 
 ProcInfo process(int64_t pid, std::string_view name, double cpu, uint64_t memory, double disk) {
-    ProcInfo info;
-    info.pid = pid;
-    info.name = name;
+    ProcInfo info = testing::processOf(pid, name, cpu);
     info.accessible = cpu >= 0;
-    info.cpuPercent = cpu;
     info.memBytes = memory;
     info.ioKnown = disk >= 0;
     info.diskWriteRate = disk;
@@ -20,16 +20,14 @@ TEST(ProcessOrder, LargestFirstUnknownLastEqualByPid) {
                                     process(3, "cc", 90, 20, 7), process(4, "ash", 5, 20, 9),
                                     process(5, "hidden", -1, 0, -1)};
     const auto pids = [&](ProcessOrder order, const Known& known = {}) {
-        std::vector<int64_t> result;
-        for (const ProcInfo* each : ordered(list, order, 99, known)) result.push_back(each->pid);
-        return result;
+        return testing::joinedEach(ordered(list, order, 99, known), &ProcInfo::pid);
     };
-    EXPECT_EQ(pids(ProcessOrder::cpu), (std::vector<int64_t>{3, 2, 4, 1, 5}));
-    EXPECT_EQ(pids(ProcessOrder::memory), (std::vector<int64_t>{1, 3, 4, 2, 5}));
-    EXPECT_EQ(pids(ProcessOrder::disk), (std::vector<int64_t>{4, 3, 2, 1, 5}));
-    EXPECT_EQ(pids(ProcessOrder::pid), (std::vector<int64_t>{1, 2, 3, 4, 5}));
-    EXPECT_EQ(pids(ProcessOrder::name), (std::vector<int64_t>{4, 3, 5, 1, 2}));
-    EXPECT_EQ(pids(ProcessOrder::cpu, {.processRates = false}), (std::vector<int64_t>{1, 2, 3, 4, 5}));
+    EXPECT_EQ(pids(ProcessOrder::cpu), "3 2 4 1 5 ");
+    EXPECT_EQ(pids(ProcessOrder::memory), "1 3 4 2 5 ");
+    EXPECT_EQ(pids(ProcessOrder::disk), "4 3 2 1 5 ");
+    EXPECT_EQ(pids(ProcessOrder::pid), "1 2 3 4 5 ");
+    EXPECT_EQ(pids(ProcessOrder::name), "4 3 5 1 2 ");
+    EXPECT_EQ(pids(ProcessOrder::cpu, {.processRates = false}), "1 2 3 4 5 ");
     EXPECT_EQ(ordered(list, ProcessOrder::cpu, 2, {}).size(), 2u);
 }
 

@@ -17,14 +17,11 @@ namespace quarn::testing {
 namespace {
 
 [[noreturn]] void become(const std::vector<std::string>& arguments) {
-    std::vector<char*> argv;
-    std::string program = QUARN_PROGRAM;
-    argv.push_back(program.data());
-    std::vector<std::string> copies = arguments;
-    for (std::string& argument : copies) argv.push_back(argument.data());
+    std::vector<const char*> argv{QUARN_PROGRAM};
+    for (const std::string& argument : arguments) argv.push_back(argument.c_str());
     argv.push_back(nullptr);
     ::signal(SIGPIPE, SIG_DFL);
-    ::execv(program.c_str(), argv.data());
+    ::execv(QUARN_PROGRAM, const_cast<char* const*>(argv.data()));
     ::_exit(127);
 }
 

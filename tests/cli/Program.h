@@ -1,10 +1,7 @@
 #pragma once
 
-#include <functional>
-#include <string>
 #include <sys/types.h>
 #include <termios.h>
-#include <vector>
 
 namespace quarn::testing {
 
