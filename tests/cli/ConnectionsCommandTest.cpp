@@ -62,37 +62,31 @@ TEST_F(ConnectionsCommand, GroupsByProcess) {
 }
 
 TEST_F(ConnectionsCommand, GroupsByDestination) {
-    ConnectionsOptions options;
-    options.grouping = ConnectionGrouping::destination;
-    options.charset = Charset::ascii;
-    EXPECT_EQ(run(options), "6 sockets at 6 destinations\n"
-                            "\n"
-                            "10.0.0.9:51234\n"
-                            "  TCP  10.0.0.1:22     sshd (812)      connected (ESTABLISHED)\n"
-                            "\n"
-                            "10.0.0.9:51235\n"
-                            "  TCP  10.0.0.1:8080   -               just closed (TIME_WAIT)\n"
-                            "\n"
-                            "93.184.216.34:443\n"
-                            "  TCP  10.0.0.1:54321  Evil?[31m (90)  closing (CLOSE_WAIT)\n"
-                            "\n"
-                            "*:22, no peer\n"
-                            "  TCP  *:22            sshd (812)      listening (LISTEN)\n"
-                            "\n"
-                            "*:5353, no peer\n"
-                            "  UDP  *:5353          Evil?[31m (90)  -\n"
-                            "\n"
-                            "[::1]:631, no peer\n"
-                            "  TCP  [::1]:631       sshd (812)      listening (LISTEN)\n");
+    EXPECT_EQ(run({.grouping = ConnectionGrouping::destination, .search = {}, .charset = Charset::ascii}),
+              "6 sockets at 6 destinations\n"
+              "\n"
+              "10.0.0.9:51234\n"
+              "  TCP  10.0.0.1:22     sshd (812)      connected (ESTABLISHED)\n"
+              "\n"
+              "10.0.0.9:51235\n"
+              "  TCP  10.0.0.1:8080   -               just closed (TIME_WAIT)\n"
+              "\n"
+              "93.184.216.34:443\n"
+              "  TCP  10.0.0.1:54321  Evil?[31m (90)  closing (CLOSE_WAIT)\n"
+              "\n"
+              "*:22, no peer\n"
+              "  TCP  *:22            sshd (812)      listening (LISTEN)\n"
+              "\n"
+              "*:5353, no peer\n"
+              "  UDP  *:5353          Evil?[31m (90)  -\n"
+              "\n"
+              "[::1]:631, no peer\n"
+              "  TCP  [::1]:631       sshd (812)      listening (LISTEN)\n");
 }
 
 TEST_F(ConnectionsCommand, ShowsOnlyWhatIsAskedFor) {
     const auto heading = [&](ConnectionProtocol protocol, ConnectionScope scope, const char* search) {
-        ConnectionsOptions options;
-        options.protocol = protocol;
-        options.scope = scope;
-        options.search = search;
-        const auto text = run(options);
+        const auto text = run({.protocol = protocol, .scope = scope, .search = search});
         return text.substr(0, text.find('\n'));
     };
     using enum ConnectionScope;
@@ -103,9 +97,7 @@ TEST_F(ConnectionsCommand, ShowsOnlyWhatIsAskedFor) {
 }
 
 TEST_F(ConnectionsCommand, WritesNullForWhatIsAbsent) {
-    ConnectionsOptions options;
-    options.form = ConnectionsOptions::Form::json;
-    const auto text = run(options);
+    const auto text = run({.form = ConnectionsOptions::Form::json, .search = {}});
     EXPECT_EQ(text.back(), '\n');
     const auto rows = nlohmann::json::parse(text);
     ASSERT_EQ(rows.size(), 6U);

@@ -39,12 +39,10 @@ struct SettingsPage : ::testing::Test {
 
 TEST_F(SettingsPage, EveryEditorWritesWhatItShows) {
     control<QCheckBox>("showExited").click();
-    auto& theme = control<QComboBox>("appTheme");
-    theme.setCurrentIndex(2);
-    Q_EMIT theme.activated(2);
-    auto& first = control<QComboBox>("startPage");
-    first.setCurrentIndex(3);
-    Q_EMIT first.activated(3);
+    for (const auto& [key, index] : {std::pair{"appTheme", 2}, {"startPage", 3}}) {
+        control<QComboBox>(key).setCurrentIndex(index);
+        Q_EMIT control<QComboBox>(key).activated(index);
+    }
     control<QDoubleSpinBox>("backgroundInterval").setValue(7.5);
     auto& opacity = control<QSlider>("widgetOpacity");
     opacity.setValue(40);

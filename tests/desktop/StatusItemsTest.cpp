@@ -217,12 +217,11 @@ TEST_F(StatusItems, APopoverOpensAndClosesWithItsItem) {
                 return popover;
         return static_cast<ModulePopover*>(nullptr);
     };
-    controller_.buttonClicked(WidgetKind::cpu);
-    ASSERT_NE(open(), nullptr);
-    EXPECT_EQ(open()->kind(), WidgetKind::cpu);
-    controller_.buttonClicked(WidgetKind::memory);
-    ASSERT_NE(open(), nullptr);
-    EXPECT_EQ(open()->kind(), WidgetKind::memory) << "one at a time";
+    for (const auto kind : {WidgetKind::cpu, WidgetKind::memory}) {
+        controller_.buttonClicked(kind);
+        ASSERT_NE(open(), nullptr);
+        EXPECT_EQ(open()->kind(), kind) << "one at a time";
+    }
     controller_.buttonClicked(WidgetKind::memory);
     EXPECT_EQ(open(), nullptr);
     controller_.buttonClicked(WidgetKind::cpu);

@@ -9,9 +9,7 @@ namespace {
 
 NetInterface link(const char* name, bool up, double rate) {
     NetInterface link;
-    link.name = name;
-    link.up = up;
-    link.rxRate = rate;
+    link.name = name, link.up = up, link.rxRate = rate;
     return link;
 }
 
