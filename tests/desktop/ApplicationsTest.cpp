@@ -3,6 +3,7 @@
 #include "desktop/applications/AppDetails.h"
 #include "desktop/applications/AppModel.h"
 #include "desktop/widgets/FactTable.h"
+#include "desktop/widgets/HistoryChart.h"
 #include "desktop/widgets/PageSearch.h"
 #include "desktop/widgets/TableView.h"
 #include "support/TempRoot.h"
@@ -101,6 +102,16 @@ TEST_F(ApplicationsPage, LeadsToProcessesAndHistory) {
         if (label->text() == QString::fromUtf8("—")) reasons.append(label->toolTip());
     EXPECT_EQ(reasons.size(), 3) << "received, sent, power";
     EXPECT_FALSE(reasons.contains(QString())) << "each says why it is not known";
+
+    auto& past = *details().findChild<HistoryChart*>();
+    EXPECT_TRUE(past.isHidden());
+    const auto now = std::chrono::system_clock::now();
+    for (const int secondsAgo : {2, 1})
+        fixture_.records().live().addApps(
+            now - std::chrono::seconds(secondsAgo),
+            std::vector{AppActivity{"/usr/share/applications/firefox-esr.desktop", 5, {250'000'000}}});
+    fixture_.show(SampleMachine{}.at(31));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return past.isVisible(); })) << "the last half hour";
 
     Q_EMIT details().processesWanted();
     EXPECT_EQ(window_.currentPage(), "processes");

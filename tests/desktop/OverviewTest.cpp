@@ -6,8 +6,12 @@
 #include "desktop/widgets/RowButton.h"
 #include "desktop/widgets/Tile.h"
 
+#include <QAbstractButton>
+
 namespace quarn::testing {
 namespace {
+
+using namespace std::chrono_literals;
 
 struct Overview : ::testing::Test {
     Overview() {
@@ -42,6 +46,16 @@ TEST_F(Overview, AnApplicationIsFoundAmongTheApplications) {
     EXPECT_TRUE(row->accessibleName().contains(" %")) << row->accessibleName().toStdString();
     QTest::mouseClick(row, Qt::LeftButton);
     EXPECT_EQ(window.currentPage(), "applications");
+}
+
+TEST_F(Overview, TellsWhichApplicationsWereBusyInTheLastHalfHour) {
+    ASSERT_TRUE(QTest::qWaitFor([&] { return firstRow<desktop::ApplicationList>() != nullptr; }));
+    const auto now = std::chrono::system_clock::now();
+    for (const auto& [at, ms] : {std::pair(now - 2s, 9000U), std::pair(now - 1s, 700U)})
+        fixture.records().live().addApps(at, std::vector{AppActivity{"/editor", 5, {ms * 1'000'000}}});
+    for (auto* button : fixture.page().findChildren<QAbstractButton*>())
+        if (button->text() == "Half hour") button->click();
+    EXPECT_EQ(firstRow<desktop::ApplicationList>()->accessibleName(), "editor, CPU time 0.70 s, Memory 5 B");
 }
 
 TEST_F(Overview, WhatNeedsAttentionOpensItsPage) {

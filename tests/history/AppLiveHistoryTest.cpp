@@ -27,6 +27,14 @@ TEST(AppLiveHistory, AddsUpTheLastHalfHour) {
     EXPECT_EQ(totals, "a|5|61|100 b|3|1|500 ");
     EXPECT_EQ(apps.totals(wallTime(liveNow + 61), AppHistoryMetric::memory, 1)[0].bundlePath, "b");
 
+    const auto minutes = apps.minutesOf("b", wallTime(liveNow + 61));
+    ASSERT_EQ(minutes.size(), 2u);
+    EXPECT_EQ(minutes[0].metrics.cpuSeconds, 3);
+    EXPECT_EQ(minutes[1].start, liveNow + 60);
+    EXPECT_EQ(minutes[1].metrics.cpuSeconds, 0) << "it was not there any more";
+    EXPECT_EQ(minutes[1].observed, 60);
+    EXPECT_EQ(apps.minutesOf("b", wallTime(liveNow + 1860)).size(), 1u);
+
     add(liveNow + 200, {active("a", 8000)}); // after a hole nobody knows when it was used
     EXPECT_EQ(cpuOf(apps, liveNow + 200, "a"), 5);
     EXPECT_EQ(cpuOf(apps, liveNow + 1860, "b"), -1);

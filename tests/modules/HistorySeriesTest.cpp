@@ -62,6 +62,14 @@ TEST(HistorySeries, AnApplicationThatDidNotRunDidNothing) {
     EXPECT_EQ(text(series.lines[1]), "1000 nan 1000 ") << "what did not run has no memory";
 }
 
+TEST(HistorySeries, MinutesAreOverWhatWasObserved) {
+    const AppMetrics busy{.name = "", .seconds = 10, .cpuSeconds = 5};
+    const AppMinute minutes[]{{start, 20, busy}, {start + 120, 60, {}}, {start + 180, 10, busy}};
+    const auto series = appSeries(minutes, appLines(AppHistoryMetric::cpu), start + 190);
+    EXPECT_EQ(text(series.lines.at(0)), "25 0 50 ");
+    EXPECT_EQ(series.periods.at(2), (HistorySeries::Period{start + 180, start + 190}));
+}
+
 TEST(HistorySeries, DaysAreThoseOfTheCalendar) {
     const testing::TimeZone zone(testing::berlin);
     constexpr int64_t midnight = 1'792'879'200; // of 25 October 2026, a day of 25 hours
