@@ -55,6 +55,28 @@ TEST(Drives, SysfsDecidesWhereItIsThere) {
     EXPECT_EQ(driveSize(machine.root(), "cciss/c0d0"), 4096u);
 }
 
+TEST(CapturedDrives, CountersOfAMixedTableAsPublished) {
+    const auto readers = openReaders(capturedRoot("hosts/mixed-disks"));
+    std::vector<DriveCounters> drives;
+    ASSERT_TRUE(readDriveCounters(*readers, drives));
+    // Bytes read and written, reads and writes, seconds of both.
+    const char* const published[] = {
+        "sda|513713216512|258916880384|25354637|28444756|18492.372|63877.96",
+        "mmcblk0|798720|0|192|0|0.156|0",
+        "vda|16727491584|109382369280|1775784|6038856|8655.768|2069221.364",
+        "nvme0n1|2377714176|20199236096|47114|1078320|21.65|1011.053",
+        "sdb|4944782848|1010127360|326552|41822|0.084|5.007",
+        "sdc|848782848|88527360|126552|11822|0.014|1.007",
+    };
+    ASSERT_EQ(drives.size(), std::size(published));
+    for (size_t i = 0; i < drives.size(); ++i) {
+        const auto& s = drives[i].stats;
+        EXPECT_EQ(joined(drives[i].name, s.bytesRead, s.bytesWritten, s.opsRead, s.opsWritten,
+                         static_cast<double>(s.timeReadNs) / 1e9, static_cast<double>(s.timeWriteNs) / 1e9),
+                  published[i]);
+    }
+}
+
 TEST(Drives, TheSetOfDrivesIsFollowed) {
     TempRoot machine;
     const auto readers = openReaders(machine.root());

@@ -1,9 +1,10 @@
 // The interface listing: texts, what is left out, captured machines, and the kernel itself.
 #include "core/InterfaceList.h"
 #include "NetlinkSupport.h"
-#include "core/Support.h"
 #include "core/linux/AddressSocket.h"
 #include "core/linux/LinkMedia.h"
+#include "support/Joined.h"
+#include "support/TempRoot.h"
 
 #include <arpa/inet.h>
 #include <ifaddrs.h>
@@ -13,6 +14,7 @@
 
 namespace {
 
+using namespace sysinfo;
 using namespace quarn::testing;
 using platform::InterfaceAddress;
 using platform::LinkSettings;
@@ -129,7 +131,17 @@ std::string shown(const std::vector<NetInterface>& list) {
     return text;
 }
 
-TEST(Interfaces, UnpluggedWirelessAndIdle) {
+TEST(CapturedInterfaces, AGigabitPort) {
+    const auto list = readInterfaces(SystemRoot(QUARN_FIXTURES "/hosts/one-editor"));
+    EXPECT_EQ(shown(list), "docker0||0|||up\neth0|1000baseT full-duplex|1000|01:01:01:01:01:01||up\n"
+                           "vethf345468||0|||up\n")
+        << "without the loopback";
+    const auto& port = list.at(1);
+    EXPECT_EQ(joined(port.mtu, port.multicastCapable, port.loopback, port.rxBytes, port.txPackets),
+              "1500|1|0|874354587|732147");
+}
+
+TEST(CapturedInterfaces, UnpluggedWirelessAndIdle) {
     TempRoot machine;
     machine
         .files("sys/class/net/eno2", "type=1;flags=0x1003;speed=-1;duplex=unknown;carrier=0;operstate=down;"

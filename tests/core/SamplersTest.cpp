@@ -3,20 +3,26 @@
 #include "core/CpuSampler.h"
 #include "core/MemStats.h"
 #include "core/ProcessSampler.h"
-#include "core/Support.h"
 #include "core/linux/Cpu.h"
 #include "core/linux/Memory.h"
+#include "support/Joined.h"
+#include "support/TempRoot.h"
 
 namespace {
 
-using namespace quarn::testing;
+using namespace sysinfo;
 using platform::KernelProcess;
 using RunState = KernelProcess::RunState;
+using namespace quarn::testing;
+
+std::shared_ptr<platform::Readers> readersOf(std::string_view machine) {
+    return platform::openReaders(SystemRoot(QUARN_FIXTURES "/hosts/" + std::string(machine)));
+}
 
 TEST(CapturedCpu, SharesOfAnIntervalAsPublished) {
     CpuSampler sampler;
-    sampler.sample(*platform::openReaders(capturedRoot("hosts/sixteen-cpus/before")));
-    const auto stats = sampler.sample(*platform::openReaders(capturedRoot("hosts/sixteen-cpus/after")));
+    sampler.sample(*readersOf("sixteen-cpus/before"));
+    const auto stats = sampler.sample(*readersOf("sixteen-cpus/after"));
     // Published idle and iowait are apart, and so are irq, softirq and system. They were computed from the
     // kernel's own sums, which round apart from those of the CPUs.
     EXPECT_NEAR(stats.idle, 98.79324440645692 + 0.0320620665057134, 1e-4);
@@ -45,7 +51,13 @@ TEST(CapturedCpu, EveryShapeOfTheFileIsRead) {
     EXPECT_EQ(read("cpuX 1 2\ncpu0 a b c 4\n"), "1|0 |0 0 4 0 ") << "words in the place of numbers";
 }
 
-TEST(CpuSampler, ManyCpusAndAnEmptyFile) {
+TEST(CapturedCpu, ManyCpusAndAnEmptyFile) {
+    for (const auto& [machine, cpus] :
+         {std::pair{"sparse-48", 48}, {"hybrid-20", 20}, {"arm-128", 128}, {"nine-columns-16", 16}}) {
+        CpuSampler sampler;
+        EXPECT_EQ(sampler.sample(*readersOf(machine)).perCore.size(), static_cast<size_t>(cpus)) << machine;
+    }
+
     TempRoot machine;
     const auto thousandCpus = [](const std::string& ticks) {
         std::string text = "cpu  0 0 0 0\n";
@@ -90,7 +102,23 @@ TEST(CpuSampler, WrapAndFallOfACounter) {
         << "must not turn the whole interval into idle time";
 }
 
-TEST(Memory, WithoutMemAvailableAnEstimateStandsIn) {
+TEST(CapturedMemory, UsedIsWithinATenthOfThePlainFormula) {
+    for (const auto* machine : {"one-editor", "sparse-48", "hybrid-20", "arm-128"}) {
+        const auto text = quarn::testing::fixture(std::string("hosts/") + machine + "/proc/meminfo");
+        platform::MemInfo info;
+        ASSERT_TRUE(platform::parseMemInfo(text, info)) << machine;
+        const auto plain =
+            static_cast<double>(info.memTotal - info.memFree - info.buffers - (info.cached - info.shmem) -
+                                info.kReclaimable.value_or(info.sReclaimable));
+        const SCMem mem = readMemStats(*readersOf(machine));
+        const auto total = static_cast<double>(mem.total);
+        EXPECT_NEAR(static_cast<double>(mem.used), plain, total / 10) << machine;
+        EXPECT_LE(mem.freePercent, 100u);
+        EXPECT_EQ(mem.freeCount, mem.freeBytes);
+    }
+}
+
+TEST(CapturedMemory, WithoutMemAvailableAnEstimateStandsIn) {
     TempRoot machine;
     machine.write("proc/meminfo",
                   "MemTotal: 1000 kB\nMemFree: 100 kB\nBuffers: 50 kB\nCached: 200 kB\nShmem: 50 kB\n"
@@ -102,7 +130,7 @@ TEST(Memory, WithoutMemAvailableAnEstimateStandsIn) {
     EXPECT_EQ(joined(none.total, none.pressureLevel), "0|1") << "never a level of 0";
 }
 
-TEST(Memory, PressureLevels) {
+TEST(CapturedMemory, PressureLevels) {
     const auto psi = platform::parseMemoryPressure("some avg10=12.50 avg60=1.00 avg300=0.1 total=7\n"
                                                    "full avg10=3.20 avg60=0.00 avg300=0.0 total=3\n");
     EXPECT_EQ(joined(psi.someAvg10, psi.fullAvg10), "12.5|3.2");
@@ -114,13 +142,35 @@ TEST(Memory, PressureLevels) {
     EXPECT_EQ(platform::parseMemoryPressure("some avg10=").someAvg10, 0);
 }
 
-TEST(Memory, CompressedRamDisksCount) {
+TEST(CapturedMemory, CompressedRamDisksCount) {
     TempRoot machine;
     machine.write("proc/meminfo", "MemTotal: 1000 kB\nZswap: 2 kB\n")
         .write("sys/block/zram0/mm_stat", "  8192 4096 5000 0 5000 0 0 0 0\n")
         .write("sys/block/zram3/mm_stat", "1 2 3000 4\n")
         .write("sys/block/sda/stat", "1");
     EXPECT_EQ(readMemStats(*platform::openReaders(machine.root())).compressed, 2048u + 5000 + 3000);
+}
+
+TEST(CapturedProcesses, NumbersAsPublished) {
+    const auto readers = readersOf("one-editor");
+    ProcessSampler sampler(SystemRoot(QUARN_FIXTURES "/hosts/one-editor"));
+    const auto& list = sampler.sample(*readers);
+    ASSERT_EQ(list.size(), 3u);
+
+    EXPECT_EQ(joined(list[0].pid, list[0].name, list[0].state), "584|(a b ) ( c d) |Running")
+        << "a name of blanks and brackets";
+    EXPECT_EQ(joined(list[2].name, list[2].ioKnown), "ata_sff|0");
+    const auto& vim = list[1];
+    EXPECT_EQ(joined(vim.name, vim.path, vim.ppid, vim.uid, vim.user), "vim|/usr/bin/vim|5392|1000|1000")
+        << "a captured machine without accounts shows the number";
+    EXPECT_EQ(joined(vim.cpuTimeNs / 10'000'000, vim.startTime, vim.memBytes / 1024, vim.contextSwitches,
+                     vim.diskRead, vim.diskWrite, vim.ioKnown),
+              joined(1677 + 44, 1418183276 + 823, 2092 + 660, 4742839 + 1727500, 1024, 2048, true));
+
+    double load[3];
+    EXPECT_EQ(platform::loadAverage(*readers, load), 3);
+    EXPECT_DOUBLE_EQ(load[0], 0.02);
+    EXPECT_EQ(platform::bootTime(SystemRoot(QUARN_FIXTURES "/hosts/one-editor")), 1418183276u);
 }
 
 KernelProcess process(int32_t pid, uint64_t start, uint64_t cpuNs, uint64_t revision) {

@@ -6,9 +6,11 @@
 #include "core/linux/SensorKeys.h"
 #include "core/linux/SensorSupply.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <set>
+#include <sstream>
 
 namespace {
 
@@ -27,6 +29,38 @@ std::string listing(const std::string& name) {
     std::string text;
     for (const auto& line : lines) text += line + '\n';
     return text;
+}
+
+/// "label (chip) value, " of each, in order of the labels.
+std::string named(SensorMachine& machine, const Readings& readings) {
+    std::ostringstream text;
+    for (const auto& [name, value] : machine.named(readings)) text << name << ' ' << value << ", ";
+    return text.str();
+}
+
+TEST(SensorMachines, ElevenChips) {
+    SensorMachine machine(capturedRoot("sensors/eleven-chips"));
+    const auto temperatures = machine.temperatures();
+    // Two chips of one name are told apart by their devices; one without any name is listed all the same.
+    EXPECT_EQ(
+        named(machine, temperatures),
+        " (mt7996_phy0_0) 55,  (mt7996_phy0_1) 56,  (mt7996_phy0_2) 57, Core 0 (coretemp.0) 54, "
+        "Core 0 (coretemp.1) 54, Core 1 (coretemp.0) 52, Core 1 (coretemp.1) 52, Core 2 (coretemp.0) 53, "
+        "Core 2 (coretemp.1) 53, Core 3 (coretemp.0) 50, Core 3 (coretemp.1) 50, "
+        "Physical id 0 (coretemp.0) 55, Physical id 0 (coretemp.1) 55, "
+        "foosensor 1 (unnamed chip) 55, foosensor 2 (unnamed chip) 54, ");
+    EXPECT_EQ(std::count_if(temperatures.begin(), temperatures.end(),
+                            [](const auto& reading) { return reading.first.starts_with("TC"); }),
+              10);
+    // applesmc keeps its attributes in the device's folder, and a stopped fan is a reading.
+    EXPECT_EQ(named(machine, machine.of('F')),
+              " (nct6779) 1098, Left side (applesmc) 0, Right side (applesmc) 1998, ");
+    EXPECT_EQ(machine.of('F'), (Readings{{"F0Ac", 0}, {"F1Ac", 1998}, {"F2Ac", 1098}}));
+    // "intrusion0_alarm" begins as a voltage does.
+    EXPECT_EQ(machine.of('V').size(), 2u);
+    for (const auto& [key, value] : machine.of('V'))
+        EXPECT_NEAR(value, key.ends_with('0') ? 0.792 : 1.024, 1e-6);
+    EXPECT_EQ(machine.smc.keys().size(), 20u);
 }
 
 TEST(SensorMachines, AreListedAsKept) {

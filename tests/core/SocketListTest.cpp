@@ -11,6 +11,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
+#include <map>
 #include <netdb.h>
 #include <sys/socket.h>
 #include <thread>
@@ -215,6 +216,33 @@ TEST(SocketList, ShowsASocketThatIsBoundAndNotUsed) {
     if (found.empty()) GTEST_SKIP() << "kernels before 6.8 do not tell of such sockets";
     EXPECT_EQ(found.at(0).state, 0);
     EXPECT_EQ(found.at(0).pid, ::getpid());
+}
+
+/// The messages and the text of the running kernel must tell the same.
+TEST(SocketList, AgreesWithTheTablesAsText) {
+    const auto listening = bound(SOCK_STREAM, "127.0.0.1");
+    const auto client = connected(SOCK_STREAM, "127.0.0.1", listening);
+    const auto server = accepted(listening);
+    const auto udp = bound(SOCK_DGRAM, "127.0.0.1");
+    const auto ownOf = [&](const std::vector<platform::SocketEntry>& entries) {
+        std::map<uint32_t, platform::KernelSocket> result;
+        for (auto entry : entries) {
+            entry.socket.id = 0; // text knows no cookies
+            for (const auto* mine : {&listening, &client, &server, &udp})
+                if (entry.socket.localPort == portOf(*mine)) result.emplace(entry.inode, entry.socket);
+        }
+        return result;
+    };
+    for (const uint8_t protocol : {IPPROTO_TCP, IPPROTO_UDP}) {
+        const platform::SocketTable table{protocol, false};
+        std::vector<platform::SocketEntry> messages, lines;
+        ASSERT_TRUE(platform::SocketDiag().read(table, platform::SocketDiag::Idle::included, messages));
+        std::ostringstream text;
+        text << std::ifstream(protocol == IPPROTO_TCP ? "/proc/net/tcp" : "/proc/net/udp").rdbuf();
+        platform::parseSocketTable(text.str(), table, lines);
+        EXPECT_EQ(ownOf(messages), ownOf(lines));
+        EXPECT_EQ(ownOf(messages).size(), protocol == IPPROTO_TCP ? 3U : 1U);
+    }
 }
 
 } // namespace
