@@ -25,11 +25,9 @@ struct FaultVfs::State : sqlite3_vfs {
 
 namespace {
 
-using State = FaultVfs::State;
-
 /// What a file does: as the real one, but for what changes it. It lies behind the real file in its memory.
 struct Methods : sqlite3_io_methods {
-    State* state;
+    FaultVfs::State* state;
     const sqlite3_io_methods* real;
 };
 
@@ -54,7 +52,7 @@ int sync(sqlite3_file* file, int) {
 }
 
 int open(sqlite3_vfs* vfs, const char* name, sqlite3_file* file, int flags, int* outFlags) {
-    auto& state = *static_cast<State*>(vfs);
+    auto& state = *static_cast<FaultVfs::State*>(vfs);
     const int status = state.real->xOpen(state.real, name, file, flags, outFlags);
     if (status != SQLITE_OK) return status;
     auto* own = reinterpret_cast<Methods*>(reinterpret_cast<char*>(file) + state.real->szOsFile);
@@ -68,7 +66,7 @@ int open(sqlite3_vfs* vfs, const char* name, sqlite3_file* file, int flags, int*
 }
 
 int remove(sqlite3_vfs* vfs, const char* name, int sync) {
-    auto& state = *static_cast<State*>(vfs);
+    auto& state = *static_cast<FaultVfs::State*>(vfs);
     return state.nextChangeFails() ? SQLITE_IOERR_DELETE : state.real->xDelete(state.real, name, sync);
 }
 
