@@ -8,26 +8,33 @@ namespace quarn::desktop {
 
 namespace {
 
-constexpr int askEvery = 60'000; ///< ms: that often the recorder writes
+/// The recorder writes every minute; months hardly change by that, and cost most to read.
+std::chrono::minutes askEvery(HistorySpan span) {
+    return std::chrono::minutes(span >= HistorySpan::month ? 10 : 1);
+}
 
 } // namespace
 
 HistoryAsker::HistoryAsker(MetricsRecorder& recorder, std::function<void(const Answer&)> take,
                            QObject* parent)
     : QObject(parent), recorder_(recorder), take_(std::move(take)) {
-    timer_.setInterval(askEvery);
     connect(&timer_, &QTimer::timeout, this, &HistoryAsker::askAgain);
 }
 
 void HistoryAsker::want(std::optional<HistoryQuestion> question) {
     if (question == wanted_) return;
     wanted_ = std::move(question);
-    askAgain();
+    begin();
 }
 
 void HistoryAsker::setShown(bool shown) {
-    if (std::exchange(isShown_, shown) == shown) return;
-    shown ? timer_.start() : timer_.stop();
+    if (std::exchange(isShown_, shown) != shown) begin();
+}
+
+void HistoryAsker::begin() {
+    timer_.stop();
+    if (!isShown_ || !wanted_) return;
+    timer_.start(askEvery(wanted_->span));
     askAgain();
 }
 

@@ -9,9 +9,9 @@
 
 namespace quarn::desktop {
 
-/// What a view wants to know of the past: asks the recorder at once when the question changes, and once a
-/// minute while the view is shown. Never waits; only the answer to the last question arrives, and at most one
-/// is under way. On the main thread.
+/// What a view wants to know of the past: asks the recorder at once when the question changes, and every
+/// minute while the view is shown, or every ten minutes for a month and more. Never waits; only the answer to
+/// the last question arrives, and at most one is under way. On the main thread.
 class HistoryAsker : public QObject {
     Q_OBJECT
 public:
@@ -29,6 +29,7 @@ public:
     void setShown(bool shown);
 
 private:
+    void begin();
     void land(const Answer& answer);
 
     MetricsRecorder& recorder_;
