@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace quarn::desktop {
 
@@ -39,7 +40,15 @@ void Card::setTitle(const QString& title) {
     setAccessibleName(title);
 }
 
-void Card::addCorner(QWidget* widget) { top_->addWidget(widget); }
+void Card::addCorner(QWidget* widget) {
+    top_->addWidget(widget);
+    widget->ensurePolished();
+    // What is higher than the title reaches into the room around it, so that the titles of cards side by side
+    // are level.
+    constexpr int padding = Theme::cardPadding;
+    const int above = std::max(0, (widget->sizeHint().height() - title_->sizeHint().height()) / 2);
+    layout()->setContentsMargins(padding, std::max(0, padding - above), padding, padding);
+}
 
 void Card::setNote(const QString& note) {
     if (note_->text() == note && note_->isHidden() == note.isEmpty()) return;
