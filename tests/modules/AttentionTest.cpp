@@ -100,5 +100,17 @@ TEST(Attention, waitsBeforeItSpeaksOfZombies) {
     EXPECT_EQ(at(11, 2), "") << "another process with the same number";
 }
 
+TEST(Attention, saysOnlyWhatThisMachineCanShow) {
+    Snapshot bare;
+    EXPECT_EQ(watchedText(bare, {}, {}),
+              "A note appears here when memory is short, when a volume has less than 10 % free or when ended "
+              "processes stay listed. The limits are in the settings.");
+    bare.mem.swapTotal = 1;
+    bare.battery.emplace().present = true;
+    EXPECT_NE(watchedText(bare, {}, {})
+                  .find("more than 8 GB of swap is in use, when the battery holds less than 15 %"),
+              std::string::npos);
+}
+
 } // namespace
 } // namespace quarn

@@ -1,5 +1,6 @@
 // What small graphs show: their columns and their scale.
 #include "ui/modules/GraphBuckets.h"
+#include "ui/modules/Scale.h"
 #include "ui/modules/SteadyTop.h"
 
 #include <cmath>
@@ -76,6 +77,18 @@ TEST(SteadyTop, growsAtOnceAndShrinksOnlyAfterTenSeconds) {
     top.reset();
     EXPECT_EQ(top.follow(3, 31), 5);
     EXPECT_EQ(top.follow(nan, 32), 5);
+}
+
+TEST(Scale, MarksAreShortFigures) {
+    for (const auto& [largest, top, steps] : {std::tuple{0.3, 0.5, 5},
+                                              {0.5, 0.5, 5},
+                                              {0.9, 1.0, 5},
+                                              {17.0, 20.0, 4},
+                                              {0.0012, 0.002, 4},
+                                              {999.0, 1000.0, 5}}) {
+        EXPECT_DOUBLE_EQ(niceTop(largest), top);
+        EXPECT_EQ(scaleSteps(top), steps) << top;
+    }
 }
 
 } // namespace

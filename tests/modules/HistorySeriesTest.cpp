@@ -1,5 +1,6 @@
 #include "ui/modules/HistorySeries.h"
 
+#include "history/AppLiveHistory.h"
 #include "history/Support.h"
 #include "support/Joined.h"
 

@@ -195,10 +195,9 @@ void AppDetails::identify(const ResourceAppList::App& app) {
 bool AppDetails::isLive() const { return span_->current() <= 0; }
 
 void AppDetails::want() {
-    if (isLive() || key_.empty()) {
+    if (isLive()) {
         asker_.want({});
-        showHalfHour();
-        return;
+        return showHalfHour();
     }
     const HistorySpan span = keptSpans[static_cast<size_t>(span_->current() - 1)];
     asker_.want(HistoryQuestion{span, AppHistoryMetric::cpu, 0, key_});

@@ -1,6 +1,7 @@
 #include "desktop/widgets/ApplicationList.h"
 
 #include "desktop/Text.h"
+#include "history/MetricsReads.h"
 #include "ui/modules/HistoryText.h"
 
 #include <algorithm>
@@ -9,6 +10,8 @@
 namespace quarn::desktop {
 
 namespace {
+
+constexpr double wholeCore = 100; ///< percent
 
 std::vector<RankList::Column> columnsOf(AppField order, const QString& cpu, const QString& memory) {
     std::vector<RankList::Column> columns{{cpu, WidgetKind::cpu}, {memory, WidgetKind::memory}};
@@ -25,55 +28,48 @@ ApplicationList::ApplicationList(AppField order, QWidget* parent)
 
 void ApplicationList::refresh(const ResourceAppList& list, const Known& known, const AppStyle& style) {
     setEmptyText(say("No process could be read"));
-    setColumns(columnsOf(order_, say("CPU"), say("Memory")));
     const std::array fields{order_, order_ == AppField::cpu ? AppField::memory : AppField::cpu};
-    const auto apps = topApps(list, order_, known, rowCount);
-    // The longest bar is the largest share, but no less than one core.
-    std::array<double, 2> longest{};
-    for (size_t i = 0; i < fields.size(); ++i) {
-        longest[i] = fields[i] == AppField::cpu ? 100 : 1;
-        for (const auto* app : apps) {
-            const double number = appNumber({app}, fields[i], known);
-            if (number > longest[i]) longest[i] = number;
+    std::vector<Row> rows;
+    for (const auto* app : topApps(list, order_, known, rowCount)) {
+        auto& row = rows.emplace_back(Row{toQt(app->name), {}, {}, {}});
+        if (app->processCount > 1) row.note = say("%1 processes").arg(app->processCount);
+        for (const AppField field : fields) {
+            const double number = appNumber({app}, field, known);
+            QString text = toQt(shownAppField({app}, field, known, style));
+            if (field == AppField::cpu && number >= 0) text += " %";
+            row.cells.push_back({text, number});
         }
     }
-    std::vector<Row> shown;
-    for (const auto* app : apps) {
-        Row row{toQt(app->name),
-                app->processCount > 1 ? say("%1 processes").arg(app->processCount) : QString(),
-                {},
-                {}};
-        for (size_t i = 0; i < fields.size(); ++i) {
-            const double number = appNumber({app}, fields[i], known);
-            QString text = toQt(shownAppField({app}, fields[i], known, style));
-            if (fields[i] == AppField::cpu && number >= 0) text += " %";
-            row.cells.push_back({text, number > 0 ? number / longest[i] : 0});
-        }
-        shown.push_back(std::move(row));
-    }
-    show(shown);
+    showCompared(std::move(rows), columnsOf(order_, say("CPU"), say("Memory")), wholeCore);
 }
 
 void ApplicationList::refresh(const std::vector<AppTotal>& totals) {
     setEmptyText(say("The next minutes will be shown here"));
-    setColumns(columnsOf(order_, say("CPU time"), say("Memory")));
-    std::array fields{AppHistoryMetric::cpu, AppHistoryMetric::memory};
-    if (order_ == AppField::memory) std::swap(fields[0], fields[1]);
-    std::array<double, 2> longest{};
-    for (const AppTotal& total : totals)
-        for (size_t i = 0; i < fields.size(); ++i)
-            longest[i] = std::max(longest[i], rankOf(total.metrics, fields[i]));
-    std::vector<Row> shown;
+    std::array metrics{AppHistoryMetric::cpu, AppHistoryMetric::memory};
+    if (order_ == AppField::memory) std::swap(metrics[0], metrics[1]);
+    std::vector<Row> rows;
     for (const AppTotal& total : totals) {
-        Row row{toQt(appName(total)), {}, {}, {}};
-        for (size_t i = 0; i < fields.size(); ++i) {
-            const double amount = rankOf(total.metrics, fields[i]);
-            row.cells.push_back(
-                {toQt(amountText(total.metrics, fields[i])), amount > 0 ? amount / longest[i] : 0});
-        }
-        shown.push_back(std::move(row));
+        auto& row = rows.emplace_back(Row{toQt(appName(total)), {}, {}, {}});
+        for (const AppHistoryMetric metric : metrics)
+            row.cells.push_back({toQt(amountText(total.metrics, metric)), rankOf(total.metrics, metric)});
     }
-    show(shown);
+    showCompared(std::move(rows), columnsOf(order_, say("CPU time"), say("Memory")), 0);
+}
+
+/// The share of each cell is its number still, NaN where it is not known. The longest bar of a column is the
+/// greatest one's, but no processor time below `leastCpu` fills its cell.
+void ApplicationList::showCompared(std::vector<Row> rows, std::vector<Column> columns, double leastCpu) {
+    for (size_t i = 0; i < columns.size(); ++i) {
+        double longest = columns[i].kind == WidgetKind::cpu ? leastCpu : 0;
+        for (const Row& row : rows)
+            if (row.cells[i].share > longest) longest = row.cells[i].share;
+        for (Row& row : rows) {
+            double& share = row.cells[i].share;
+            share = share > 0 ? share / longest : 0;
+        }
+    }
+    setColumns(std::move(columns));
+    show(rows);
 }
 
 } // namespace quarn::desktop

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "desktop/widgets/RankList.h"
-#include "history/MetricsReads.h"
 #include "ui/modules/AppRows.h"
+
+namespace quarn {
+struct AppTotal;
+}
 
 namespace quarn::desktop {
 
-/// The applications that use most of the processor or of the memory.
+/// The applications that use most of the processor or of the memory, at most `rowCount`.
 class ApplicationList : public RankList {
     Q_OBJECT
 public:
@@ -21,6 +24,8 @@ public:
     void refresh(const std::vector<AppTotal>& totals);
 
 private:
+    void showCompared(std::vector<Row> rows, std::vector<Column> columns, double leastCpu);
+
     AppField order_;
 };
 

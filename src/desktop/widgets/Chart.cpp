@@ -28,7 +28,8 @@ namespace {
 
 constexpr double fillOpacity = 0.18;
 constexpr int stepsOfFullScale = 4;
-constexpr int labelledHeight = 110; ///< from here on each grid line has its mark, below every second one
+constexpr int labelledHeight =
+    110; ///< from here on each grid line has its mark, below only the ends and a middle one
 
 /// A graph whose fill is painted pixel by pixel: filling a polygon of a thousand corners takes many times as
 /// long, and under its line it looks the same.

@@ -1,5 +1,6 @@
 #include "ui/modules/HistorySeries.h"
 
+#include "history/AppLiveHistory.h"
 #include "history/Calendar.h"
 #include "history/HistoryTime.h"
 #include "history/MetricsColumns.h"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "history/AppLiveHistory.h"
 #include "history/HistoryReads.h"
 
 #include <span>
@@ -8,6 +7,8 @@
 
 /// From what the history answers to the lines of charts.
 namespace quarn {
+
+struct AppMinute;
 
 /// Of the machine. Means hold for a period, peaks are the greatest within it.
 enum class SystemLine {
