@@ -130,6 +130,20 @@ TEST(Program, ProcessesAreSortedAndLimited) {
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3) << text;
 }
 
+TEST(Program, ACapturedMachineShowsOnlyWhatItHolds) {
+    TempRoot captured;
+    captured.write("proc/meminfo", "MemTotal:  1000 kB\nMemFree:  400 kB\nBuffers: 0 kB\nCached: 100 kB\n");
+    captured.write("proc/7/stat", "7 (evil\x1b[31m) S 1 7 7 0 -1 0 0 0 0 0 5 5 0 0 20 0 1 0 50 0 25 0\n");
+    const std::string root = captured.path().string();
+    const json document = json::parse(outputOf({"--root", root, "snapshot", "--json", "--interval", "0.01"}));
+    EXPECT_EQ(document["mem"]["total"], 1'024'000);
+    EXPECT_TRUE(document["net"]["rxBytes"].is_null());
+    EXPECT_EQ(document["loadAvg"], json::array());
+    ASSERT_EQ(document["processes"].size(), 1u);
+    EXPECT_EQ(document["processes"][0]["name"], "evil\x1b[31m");
+    EXPECT_FALSE(contains(outputOf({"processes", "--root", root, "--interval", "0"}), "\x1b"));
+}
+
 // ---- The live view in a terminal
 
 constexpr std::string_view entered = "\x1b[?1049h\x1b[?25l";
