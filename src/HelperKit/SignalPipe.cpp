@@ -1,9 +1,11 @@
 #include "HelperKit/SignalPipe.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <poll.h>
 #include <system_error>
 #include <unistd.h>
 
@@ -48,6 +50,19 @@ void SignalPipe::drain(const std::function<void(int)>& serve) {
     std::array<unsigned char, 64> bytes{};
     for (ssize_t count = 0; (count = ::read(readEnd_.get(), bytes.data(), bytes.size())) > 0;) {
         for (ssize_t i = 0; i < count; ++i) serve(bytes[static_cast<size_t>(i)]);
+    }
+}
+
+std::optional<int> SignalPipe::waitUntil(std::chrono::steady_clock::time_point time) {
+    using std::chrono::milliseconds;
+    constexpr milliseconds none{0}, longest{3'600'000};
+    std::optional<int> arrived;
+    while (true) {
+        const auto left = std::chrono::ceil<milliseconds>(time - std::chrono::steady_clock::now());
+        pollfd polled{readable(), POLLIN, 0};
+        ::poll(&polled, 1, static_cast<int>(std::clamp(left, none, longest).count()));
+        drain([&](int signal) { arrived = signal; });
+        if (arrived || left <= none) return arrived;
     }
 }
 

@@ -2,8 +2,10 @@
 
 #include "core/UniqueFd.h"
 
+#include <chrono>
 #include <functional>
 #include <initializer_list>
+#include <optional>
 #include <vector>
 
 namespace quarn {
@@ -20,6 +22,10 @@ public:
     int readable() const { return readEnd_.get(); }
     /// Calls `serve` for each signal that arrived.
     void drain(const std::function<void(int)>& serve);
+
+    /// Waits until `time` for a signal and answers it; nullopt when none came. One that came before is found
+    /// even when `time` is past.
+    std::optional<int> waitUntil(std::chrono::steady_clock::time_point time);
 
     /// Lets the default of `signal` happen now (stop the program, or end it), then catches it again.
     static void doDefault(int signal);

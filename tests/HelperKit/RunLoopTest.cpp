@@ -1,6 +1,8 @@
 #include "HelperKit/RunLoop.h"
+#include "HelperKit/SignalPipe.h"
 
 #include <array>
+#include <csignal>
 #include <stdexcept>
 #include <thread>
 #include <unistd.h>
@@ -142,6 +144,15 @@ TEST_F(RunLoopTest, DescriptorClosedUnderItsWatchIsForgotten) {
               "Quarn: main loop: a watched descriptor was closed\n");
     loop.stop();
     loop.run();
+}
+
+TEST(SignalPipe, TellsOfASignalHoweverLateItIsAsked) {
+    SignalPipe signals{SIGUSR1};
+    const auto past = std::chrono::steady_clock::now() - std::chrono::seconds(1);
+    EXPECT_EQ(signals.waitUntil(past), std::nullopt);
+    std::raise(SIGUSR1);
+    EXPECT_EQ(signals.waitUntil(past), SIGUSR1) << "who is always late could never be stopped";
+    EXPECT_EQ(signals.waitUntil(past), std::nullopt);
 }
 
 } // namespace

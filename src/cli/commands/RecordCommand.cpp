@@ -12,7 +12,6 @@
 #include <cerrno>
 #include <csignal>
 #include <optional>
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -54,21 +53,6 @@ private:
     bool shown_ = false;
 };
 
-/// Waits until `time`, or for a signal, which it answers.
-std::optional<int> signalBefore(Clock::time_point time, SignalPipe& signals) {
-    using std::chrono::milliseconds;
-    std::optional<int> arrived;
-    while (!arrived) {
-        constexpr milliseconds longest{3'600'000};
-        const auto left = std::chrono::ceil<milliseconds>(time - Clock::now());
-        if (left.count() <= 0) break;
-        pollfd polled{signals.readable(), POLLIN, 0};
-        ::poll(&polled, 1, static_cast<int>(std::min(left, longest).count()));
-        signals.drain([&](int signal) { arrived = signal; });
-    }
-    return arrived;
-}
-
 class Recording {
 public:
     explicit Recording(const Options& options)
@@ -93,7 +77,7 @@ public:
         auto next = begin + interval_;
         const auto end = begin + std::chrono::seconds(seconds_);
         while (!signal && (seconds_ == 0 || next <= end)) {
-            signal = signalBefore(next, signals_);
+            signal = signals_.waitUntil(next);
             if (!signal) takeSample();
             next = std::max(next + interval_, Clock::now()); // what came late is left out, not hurried after
         }
